@@ -1,0 +1,18 @@
+// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement quand on en a besoin.
+//
+// Lié directement, il coûterait à chaque vérification d’inventaire des dizaines de millisecondes, et l’obligerait
+// à trouver une bibliothèque de bureau sur la machine.
+#pragma once
+
+#include "app/ModuleBureau.hpp"
+
+#include <expected>
+#include <string>
+
+namespace keltrove::app {
+
+// La fonction d’entrée du module, cherché à côté de l’exécutable puis dans « ../lib/keltrove ».
+// En cas d’échec : une phrase pour l’utilisateur.
+std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& executable);
+
+} // namespace keltrove::app

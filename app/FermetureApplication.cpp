@@ -1,0 +1,30 @@
+// La fermeture : laisser en paix un serveur qui n’est pas le nôtre, attendre celui que nous avons allumé.
+
+#include "app/DelegueApplication.hpp"
+#include "socle/Journal.hpp"
+
+namespace keltrove::app {
+
+namespace Journal = socle::Journal;
+
+ReponseFermeture DelegueApplication::applicationShouldTerminate() {
+  if (fermetureEnCours_) return ReponseFermeture::plusTard;
+  fermetureEnCours_ = true;
+  surveillance_.arreter();
+  moteur_->neLancerPlusRien();
+  if (!moteur_->nousLavonsAllume()) {
+    Journal::etape("quitte-sans-toucher-au-serveur");
+    return ReponseFermeture::maintenant;
+  }
+  Journal::etape("arret-demande");
+  fenetre_->ecran().montrerAttente("Fermeture…",
+                                   "Je laisse le serveur noter la liste des terminaux avant de partir.");
+  moteur_->arreter([this, existe = std::weak_ptr(existe_)](const std::string& message) {
+    if (!existe.lock()) return;
+    Journal::etape("arret-fini", {{"message", message}});
+    if (quandOnPeutPartir) quandOnPeutPartir();
+  });
+  return ReponseFermeture::plusTard;
+}
+
+} // namespace keltrove::app

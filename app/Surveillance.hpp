@@ -1,0 +1,36 @@
+// Surveillance : un regard toutes les six secondes sur le serveur en service.
+//
+// Trois échecs de suite y mettent fin ; un seul succès remet le compte à zéro. La vérification bloque et se fait
+// donc en arrière-plan ; son résultat revient sur le fil principal, où vit tout le reste.
+#pragma once
+
+#include "socle/BoucleEvenements.hpp"
+#include "socle/FileDeTravail.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace keltrove::app {
+
+class Surveillance {
+public:
+  // `verifier` s’exécute en arrière-plan et doit posséder ce qu’elle touche ; `quandPerdu` vient une fois par
+  // surveillance, qui est alors déjà arrêtée.
+  Surveillance(std::shared_ptr<socle::BoucleEvenements> boucle, socle::FileDeTravail arrierePlan,
+               std::function<bool()> verifier, std::function<void()> quandPerdu);
+
+  // Repart de zéro ; le premier regard a lieu six secondes plus tard.
+  void demarrer();
+  void arreter();
+  bool active() const;
+  int echecsDaffilee() const;
+
+private:
+  struct Compte;
+  static void regarder(const std::shared_ptr<Compte>& compte);
+  static void appliquer(Compte& compte, bool repond);
+
+  std::shared_ptr<Compte> compte_;
+};
+
+} // namespace keltrove::app

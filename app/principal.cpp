@@ -1,0 +1,51 @@
+// L’entrée du processus : vérifier un inventaire, ou ouvrir le bureau.
+
+#include "app/ChargeurBureau.hpp"
+#include "app/ModeExecution.hpp"
+#include "socle/Executable.hpp"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace keltrove;
+
+// Lancés sans entrée ni sorties, nous ouvririons sinon nos propres fichiers sous les numéros 0, 1 et 2.
+void garantirEntreeEtSorties() {
+  int descripteur = 0;
+  do descripteur = ::open("/dev/null", O_RDWR);
+  while (descripteur >= 0 && descripteur <= STDERR_FILENO);
+  if (descripteur >= 0) ::close(descripteur);
+}
+
+int finirSur(std::string phrase) {
+  phrase += '\n';
+  [[maybe_unused]] const auto ecrits = ::write(STDERR_FILENO, phrase.data(), phrase.size());
+  return EXIT_FAILURE;
+}
+
+int ouvrirLeBureau(int argc, char** argv) {
+  const auto executable = socle::cheminDeLExecutable().value_or(argv[0]);
+  const auto lancer = app::chargerLeBureau(executable);
+  if (!lancer) return finirSur(lancer.error());
+  return (*lancer)({.nombreDArguments = argc, .arguments = argv, .executable = executable.c_str()});
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  garantirEntreeEtSorties();
+  // Un terminal ou un tube fermé derrière nous ne doit pas nous emporter.
+  ::signal(SIGPIPE, SIG_IGN);
+  const char* cle = std::getenv("KELTROVE_MAJ_CLE");
+  const auto mode = app::choisirLeMode(std::vector<std::string>(argv, argv + argc),
+                                       cle != nullptr ? std::optional<std::string>(cle) : std::nullopt);
+  if (std::holds_alternative<app::ModeVerification>(mode))
+    return finirSur("Cette version de Keltrove ne sait pas encore vérifier un inventaire.");
+  return ouvrirLeBureau(argc, argv);
+}

@@ -1,0 +1,51 @@
+#include "bureau/gtk/ApplicationGtk.hpp"
+
+#include <csignal>
+#include <glib-unix.h>
+
+namespace keltrove::bureau {
+
+ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
+                               std::shared_ptr<socle::BoucleEvenements> boucle)
+    : Gtk::Application(KELTROVE_IDENTIFIANT, Gio::Application::Flags::NON_UNIQUE),
+      delegue_(std::make_unique<app::DelegueApplication>(std::move(moteur), std::move(boucle))) {
+  delegue_->quandOnVeutQuitter = [this] { demanderLaFermeture(); };
+  delegue_->quandOnPeutPartir = [this] { partir(); };
+}
+
+ApplicationGtk::~ApplicationGtk() = default;
+
+void ApplicationGtk::on_activate() {
+  if (fenetre_) {
+    fenetre_->mettreDevant();
+    return;
+  }
+  hold(); // en mode essai, aucune fenêtre visible ne retient l’application
+  fenetre_ = std::make_unique<FenetreGtk>();
+  fenetre_->quandOnFerme = [this] { demanderLaFermeture(); };
+  add_window(*fenetre_);
+  ecouterLesSignaux();
+  delegue_->applicationDidFinishLaunching(*fenetre_);
+}
+
+void ApplicationGtk::ecouterLesSignaux() {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+    g_unix_signal_add(
+        signal,
+        [](gpointer moi) -> gboolean {
+          static_cast<ApplicationGtk*>(moi)->demanderLaFermeture();
+          return G_SOURCE_CONTINUE;
+        },
+        this);
+}
+
+void ApplicationGtk::demanderLaFermeture() {
+  if (delegue_->applicationShouldTerminate() == app::ReponseFermeture::maintenant) partir();
+}
+
+void ApplicationGtk::partir() {
+  fenetre_->retenirLaTaille();
+  quit();
+}
+
+} // namespace keltrove::bureau

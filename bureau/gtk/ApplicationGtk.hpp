@@ -1,0 +1,28 @@
+// ApplicationGtk : l’application GTK, ses signaux et la poignée de main de la fermeture.
+#pragma once
+
+#include "app/DelegueApplication.hpp"
+#include "bureau/gtk/FenetreGtk.hpp"
+
+#include <gtkmm/application.h>
+#include <memory>
+
+namespace keltrove::bureau {
+
+class ApplicationGtk final : public Gtk::Application {
+public:
+  ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur, std::shared_ptr<socle::BoucleEvenements> boucle);
+  ~ApplicationGtk() override;
+
+private:
+  void on_activate() override;
+  void ecouterLesSignaux();
+  void demanderLaFermeture();
+  void partir();
+
+  std::unique_ptr<FenetreGtk> fenetre_;
+  // Détruit avant la fenêtre, dont il se sert.
+  std::unique_ptr<app::DelegueApplication> delegue_;
+};
+
+} // namespace keltrove::bureau

@@ -1,0 +1,134 @@
+#include "bureau/gtk/EcranGtk.hpp"
+
+#include "fenetre/Apparence.hpp"
+
+#include <gdk/gdkkeysyms.h>
+#include <gtkmm/eventcontrollerkey.h>
+#include <memory>
+#include <string>
+
+namespace keltrove::bureau {
+
+namespace Ecran = fenetre::Apparence::Ecran;
+
+namespace {
+
+// Ce que le serveur écrit et ce que le système répond peuvent contenir n’importe quels octets.
+Glib::ustring affichable(const std::string& texte) {
+  const std::unique_ptr<char, decltype(&g_free)> valide(
+      g_utf8_make_valid(texte.data(), static_cast<gssize>(texte.size())), &g_free);
+  return valide.get();
+}
+
+void ecrire(Gtk::Label& label, const std::string& texte) {
+  label.set_text(affichable(texte));
+  label.set_visible(!texte.empty());
+}
+
+} // namespace
+
+EcranGtk::EcranGtk() : boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons), pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
+  add_css_class("ecran-attente");
+  set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
+  set_focusable(true);
+  construireLesTextes();
+  construireLesBoutons();
+  construireLeDetail();
+  pile_.set_valign(Gtk::Align::CENTER);
+  pile_.set_margin_start(Ecran::margesLaterales / 2);
+  pile_.set_margin_end(Ecran::margesLaterales / 2);
+  pile_.set_margin_top(Ecran::espacement);
+  pile_.set_margin_bottom(Ecran::espacement);
+  for (auto* element : std::initializer_list<Gtk::Widget*>{&roue_, &titre_, &phrase_, &conseil_, &boutons_, &cadreDetail_}) {
+    element->set_halign(Gtk::Align::CENTER);
+    pile_.append(*element);
+  }
+  set_child(pile_);
+  lierEntree();
+}
+
+void EcranGtk::construireLesTextes() {
+  titre_.add_css_class("titre");
+  titre_.set_ellipsize(Pango::EllipsizeMode::END);
+  phrase_.add_css_class("phrase");
+  conseil_.add_css_class("conseil");
+  for (auto* label : {&phrase_, &conseil_}) {
+    label->set_wrap(true);
+    label->set_wrap_mode(Pango::WrapMode::WORD_CHAR);
+    label->set_justify(Gtk::Justification::CENTER);
+    label->set_size_request(Ecran::largeurDuTexte, -1);
+    // Sans largeur naturelle plus grande, le texte se replie à la largeur demandée.
+    label->set_max_width_chars(1);
+  }
+}
+
+void EcranGtk::construireLesBoutons() {
+  boutonReessayer_.set_label("Réessayer");
+  boutonReessayer_.add_css_class("reessayer");
+  boutonReessayer_.signal_clicked().connect([this] {
+    if (quandOnReessaie) quandOnReessaie();
+  });
+  boutonDetail_.add_css_class("detail");
+  boutonDetail_.set_valign(Gtk::Align::CENTER);
+  boutonDetail_.signal_clicked().connect([this] {
+    if (quandOnBasculeLeDetail) quandOnBasculeLeDetail();
+  });
+  boutons_.append(boutonReessayer_);
+  boutons_.append(boutonDetail_);
+}
+
+void EcranGtk::construireLeDetail() {
+  detail_.set_editable(false);
+  detail_.set_cursor_visible(false);
+  detail_.set_monospace(true);
+  detail_.set_wrap_mode(Gtk::WrapMode::WORD_CHAR);
+  detail_.set_left_margin(Ecran::margeDuDetail);
+  detail_.set_right_margin(Ecran::margeDuDetail);
+  detail_.set_top_margin(Ecran::margeDuDetail);
+  detail_.set_bottom_margin(Ecran::margeDuDetail);
+  cadreDetail_.add_css_class("cadre-detail");
+  cadreDetail_.set_child(detail_);
+  cadreDetail_.set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
+  cadreDetail_.set_size_request(Ecran::largeurDuDetail, Ecran::hauteurDuDetail);
+  cadreDetail_.set_overflow(Gtk::Overflow::HIDDEN);
+}
+
+// Entrée presse « Réessayer » où que soit le clavier sur cet écran ; la barre d’espace presse le bouton choisi.
+void EcranGtk::lierEntree() {
+  const auto touches = Gtk::EventControllerKey::create();
+  touches->set_propagation_phase(Gtk::PropagationPhase::CAPTURE);
+  touches->signal_key_pressed().connect(
+      [this](guint touche, guint, Gdk::ModifierType) {
+        const bool entree = touche == GDK_KEY_Return || touche == GDK_KEY_KP_Enter || touche == GDK_KEY_ISO_Enter;
+        if (!entree || !boutonReessayer_.get_visible()) return false;
+        if (quandOnReessaie) quandOnReessaie();
+        return true;
+      },
+      false);
+  add_controller(touches);
+}
+
+void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
+  ecrire(titre_, etat.titre);
+  ecrire(phrase_, etat.phrase);
+  ecrire(conseil_, etat.conseil);
+  roue_.set_visible(etat.roue);
+  roue_.set_spinning(etat.roue);
+  boutonReessayer_.set_visible(etat.boutonReessayer);
+  boutonDetail_.set_visible(etat.boutonDetail);
+  boutonDetail_.set_label(etat.titreDuBoutonDetail);
+  boutons_.set_visible(etat.boutonReessayer || etat.boutonDetail);
+  // Jusqu’à quelques mégaoctets : la vue ne les met en page que si on les déplie.
+  if (etat.cadreDetail) detail_.get_buffer()->set_text(affichable(etat.detail));
+  cadreDetail_.set_visible(etat.cadreDetail);
+  set_visible(etat.visible);
+  donnerLeClavier(etat);
+}
+
+void EcranGtk::donnerLeClavier(const fenetre::EtatEcran& etat) {
+  if (!etat.visible || boutonDetail_.has_focus() || detail_.has_focus()) return;
+  if (etat.boutonReessayer) boutonReessayer_.grab_focus();
+  else grab_focus();
+}
+
+} // namespace keltrove::bureau

@@ -1,0 +1,44 @@
+// EcranGtk : la vue de l’écran d’attente. Elle dessine un EtatEcran et rapporte les deux boutons.
+#pragma once
+
+#include "fenetre/EcranAttente.hpp"
+
+#include <functional>
+#include <gtkmm/box.h>
+#include <gtkmm/button.h>
+#include <gtkmm/label.h>
+#include <gtkmm/scrolledwindow.h>
+#include <gtkmm/spinner.h>
+#include <gtkmm/textview.h>
+
+namespace keltrove::bureau {
+
+class EcranGtk final : public Gtk::ScrolledWindow {
+public:
+  EcranGtk();
+
+  void dessiner(const fenetre::EtatEcran& etat);
+
+  std::function<void()> quandOnReessaie;
+  std::function<void()> quandOnBasculeLeDetail;
+
+private:
+  void construireLesTextes();
+  void construireLesBoutons();
+  void construireLeDetail();
+  void lierEntree();
+  void donnerLeClavier(const fenetre::EtatEcran& etat);
+
+  Gtk::Spinner roue_;
+  Gtk::Label titre_;
+  Gtk::Label phrase_;
+  Gtk::Label conseil_;
+  Gtk::Button boutonReessayer_;
+  Gtk::Button boutonDetail_;
+  Gtk::TextView detail_;
+  Gtk::ScrolledWindow cadreDetail_;
+  Gtk::Box boutons_;
+  Gtk::Box pile_;
+};
+
+} // namespace keltrove::bureau

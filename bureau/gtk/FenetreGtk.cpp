@@ -1,0 +1,131 @@
+#include "bureau/gtk/FenetreGtk.hpp"
+
+#include "bureau/gtk/CadreMemorise.hpp"
+#include "bureau/gtk/Style.hpp"
+#include "fenetre/Apparence.hpp"
+
+#include <gtkmm/cssprovider.h>
+#include <gtkmm/settings.h>
+#include <gtkmm/stylecontext.h>
+#ifdef GDK_WINDOWING_X11
+#include <gdk/x11/gdkx.h>
+#endif
+
+namespace keltrove::bureau {
+
+namespace Apparence = fenetre::Apparence;
+
+FenetreGtk::FenetreGtk() {
+  const auto style = Gtk::CssProvider::create();
+  style->load_from_data(feuilleDeStyle());
+  Gtk::StyleContext::add_provider_for_display(get_display(), style, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  add_css_class("keltrove");
+  set_title(Apparence::titreDeLaFenetre);
+  set_icon_name(KELTROVE_IDENTIFIANT);
+  set_size_request(Apparence::largeurMinimale, Apparence::hauteurMinimale);
+  reprendreLaTaille();
+
+  construireLeBandeau();
+  contenu_.set_child(vueWeb_.widget());
+  contenu_.add_overlay(ecran_);
+  contenu_.add_overlay(bandeau_);
+  set_child(contenu_);
+  relierLesVues();
+
+  const auto reglages = Gtk::Settings::get_default();
+  reglages->property_gtk_theme_name().signal_changed().connect([this] { suivreLeTheme(); });
+  reglages->property_gtk_application_prefer_dark_theme().signal_changed().connect([this] { suivreLeTheme(); });
+  suivreLeTheme();
+}
+
+void FenetreGtk::construireLeBandeau() {
+  namespace Bandeau = Apparence::Bandeau;
+  bandeau_.add_css_class("bandeau");
+  bandeau_.set_halign(Gtk::Align::CENTER);
+  bandeau_.set_valign(Gtk::Align::END);
+  bandeau_.set_margin_bottom(Bandeau::margeDuBas);
+  bandeau_.set_size_request(-1, Bandeau::hauteur);
+  bandeau_.set_ellipsize(Pango::EllipsizeMode::END);
+  bandeau_.set_single_line_mode(true);
+  bandeau_.set_can_target(false);
+  bandeau_.set_visible(false);
+}
+
+void FenetreGtk::relierLesVues() {
+  const auto transmettre = [](const std::function<void()>& appel) {
+    if (appel) appel();
+  };
+  ecran_.quandOnReessaie = [=, this] { transmettre(quandOnReessaie); };
+  ecran_.quandOnBasculeLeDetail = [=, this] { transmettre(quandOnBasculeLeDetail); };
+  vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
+  vueWeb_.quandNavigationFinie = [=, this] { transmettre(quandNavigationFinie); };
+  vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
+    if (quandNavigationRatee) quandNavigationRatee(echec);
+  };
+}
+
+void FenetreGtk::reprendreLaTaille() {
+  const auto cadre = lireLeCadre(Apparence::nomDuCadre);
+  set_default_size(cadre ? cadre->largeur : Apparence::largeur, cadre ? cadre->hauteur : Apparence::hauteur);
+  if (cadre && cadre->agrandie) maximize();
+}
+
+void FenetreGtk::retenirLaTaille() const {
+  if (!get_mapped()) return;
+  Cadre cadre{.agrandie = is_maximized()};
+  get_default_size(cadre.largeur, cadre.hauteur);
+  retenirLeCadre(Apparence::nomDuCadre, cadre);
+}
+
+void FenetreGtk::suivreLeTheme() {
+  const bool sombre = themeSombre();
+  remove_css_class(sombre ? "clair" : "sombre");
+  add_css_class(sombre ? "sombre" : "clair");
+  vueWeb_.peindreLeFond(sombre ? Apparence::fondSombre : Apparence::fondClair);
+}
+
+bool FenetreGtk::on_close_request() {
+  if (quandOnFerme) quandOnFerme();
+  return true;
+}
+
+void FenetreGtk::dessiner(const fenetre::EtatEcran& etat) {
+  // Sous l’écran, la page ne doit recevoir ni touche ni focus.
+  vueWeb_.widget().set_can_focus(!etat.visible);
+  ecran_.dessiner(etat);
+  if (!etat.visible) vueWeb_.widget().grab_focus();
+}
+
+void FenetreGtk::dessiner(const fenetre::EtatBandeau& etat) {
+  bandeau_.set_text(etat.texte);
+  bandeau_.set_visible(etat.visible);
+}
+
+void FenetreGtk::mettreDevant() { present(); }
+
+unsigned long FenetreGtk::mettreDerriere() {
+  unsigned long numero = 0;
+  gtk_widget_realize(GTK_WIDGET(gobj()));
+  auto* surface = gtk_native_get_surface(GTK_NATIVE(gobj()));
+#ifdef GDK_WINDOWING_X11
+  if (GDK_IS_X11_SURFACE(surface)) {
+    numero = gdk_x11_surface_get_xid(surface);
+    // Une heure nulle dit au gestionnaire de fenêtres de ne pas nous donner le clavier.
+    gdk_x11_surface_set_user_time(surface, 0);
+    gdk_x11_surface_set_skip_taskbar_hint(surface, TRUE);
+  }
+#endif
+  set_visible(true);
+  gdk_toplevel_lower(GDK_TOPLEVEL(surface));
+  return numero;
+}
+
+void FenetreGtk::charger(const std::string& adresse) { vueWeb_.charger(adresse); }
+
+void FenetreGtk::arreterLeChargement() { vueWeb_.arreterLeChargement(); }
+
+void FenetreGtk::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
+  vueWeb_.evaluer(expression, std::move(fini));
+}
+
+} // namespace keltrove::bureau

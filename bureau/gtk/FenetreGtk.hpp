@@ -1,0 +1,46 @@
+// FenetreGtk : la fenêtre native. De bas en haut : la page, l’écran d’attente, le bandeau.
+#pragma once
+
+#include "bureau/gtk/EcranGtk.hpp"
+#include "bureau/gtk/VueWeb.hpp"
+#include "fenetre/VueFenetre.hpp"
+
+#include <gtkmm/applicationwindow.h>
+#include <gtkmm/label.h>
+#include <gtkmm/overlay.h>
+
+namespace keltrove::bureau {
+
+class FenetreGtk final : public Gtk::ApplicationWindow, public fenetre::VueFenetre {
+public:
+  FenetreGtk();
+
+  // La fenêtre ne se ferme jamais seule : la question remonte à l’application.
+  std::function<void()> quandOnFerme;
+
+  // Une fenêtre que personne n’a vue ne retient rien.
+  void retenirLaTaille() const;
+
+  void dessiner(const fenetre::EtatEcran& etat) override;
+  void dessiner(const fenetre::EtatBandeau& etat) override;
+  void mettreDevant() override;
+  unsigned long mettreDerriere() override;
+  void charger(const std::string& adresse) override;
+  void arreterLeChargement() override;
+  void evaluer(const std::string& expression,
+               std::function<void(std::optional<std::string>)> fini) override;
+
+private:
+  void reprendreLaTaille();
+  void suivreLeTheme();
+  void construireLeBandeau();
+  void relierLesVues();
+  bool on_close_request() override;
+
+  Gtk::Overlay contenu_;
+  VueWeb vueWeb_;
+  EcranGtk ecran_;
+  Gtk::Label bandeau_;
+};
+
+} // namespace keltrove::bureau

@@ -1,0 +1,27 @@
+#include "bureau/gtk/RenduSansCarte.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace keltrove::bureau {
+namespace {
+
+bool aUneCarte() {
+  std::error_code erreur;
+  for (std::filesystem::directory_iterator i("/dev/dri", erreur), fin; !erreur && i != fin; i.increment(erreur))
+    if (std::string_view(i->path().filename().c_str()).starts_with("renderD")) return true;
+  return false;
+}
+
+} // namespace
+
+void choisirLeRendu() {
+  if (aUneCarte()) return;
+  ::setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 0);
+  ::setenv("GSK_RENDERER", "cairo", 0);
+  ::setenv("GDK_DEBUG", "gl-disable", 0);
+}
+
+} // namespace keltrove::bureau

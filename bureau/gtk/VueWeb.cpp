@@ -1,0 +1,120 @@
+#include "bureau/gtk/VueWeb.hpp"
+
+#include <glibmm/main.h>
+#include <gtkmm/widget.h>
+#include <memory>
+#include <utility>
+
+namespace keltrove::bureau {
+namespace {
+
+template <typename T>
+struct LacherObjet {
+  void operator()(T* objet) const { g_object_unref(objet); }
+};
+template <typename T>
+using Objet = std::unique_ptr<T, LacherObjet<T>>;
+
+std::string dossierDe(const char* racine) {
+  const std::unique_ptr<char, decltype(&g_free)> chemin(g_build_filename(racine, "keltrove", nullptr), &g_free);
+  return chemin.get();
+}
+
+WebKitWebView* creerLaVue() {
+  // Sans ce modèle, un processus neuf servirait depuis le disque une page que le serveur a changée.
+  webkit_web_context_set_cache_model(webkit_web_context_get_default(), WEBKIT_CACHE_MODEL_DOCUMENT_VIEWER);
+  const Objet<WebKitNetworkSession> session(webkit_network_session_new(
+      dossierDe(g_get_user_data_dir()).c_str(), dossierDe(g_get_user_cache_dir()).c_str()));
+  const Objet<WebKitSettings> reglages(webkit_settings_new());
+  webkit_settings_set_enable_developer_extras(reglages.get(), TRUE);
+  webkit_settings_set_enable_back_forward_navigation_gestures(reglages.get(), FALSE);
+  return WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
+                                      reglages.get(), nullptr));
+}
+
+std::optional<std::string> texteDe(GObject* vue, GAsyncResult* resultat) {
+  const std::unique_ptr<JSCValue, LacherObjet<JSCValue>> valeur(
+      webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(vue), resultat, nullptr));
+  if (!valeur || !jsc_value_is_string(valeur.get())) return std::nullopt;
+  const std::unique_ptr<char, decltype(&g_free)> texte(jsc_value_to_string(valeur.get()), &g_free);
+  return texte.get();
+}
+
+} // namespace
+
+VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
+  g_object_ref_sink(vue_);
+  g_signal_connect(vue_, "load-changed",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent evenement, VueWeb* moi) {
+                     moi->quandLeChargementChange(evenement);
+                   }),
+                   this);
+  g_signal_connect(vue_, "load-failed",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent, const char*, GError* erreur,
+                                  VueWeb* moi) -> gboolean {
+                     moi->quandLeChargementEchoue(*erreur);
+                     return TRUE; // pas de page d’erreur de WebKit : l’écran d’attente explique
+                   }),
+                   this);
+  g_signal_connect(vue_, "web-process-terminated",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason raison, VueWeb* moi) {
+                     moi->quandLeProcessusSArrete(raison);
+                   }),
+                   this);
+  g_signal_connect(vue_, "notify::estimated-load-progress",
+                   G_CALLBACK(+[](WebKitWebView*, GParamSpec*, VueWeb* moi) {
+                     if (moi->quandNavigationAvance) moi->quandNavigationAvance();
+                   }),
+                   this);
+}
+
+VueWeb::~VueWeb() {
+  g_signal_handlers_disconnect_by_data(vue_, this);
+  g_object_unref(vue_);
+}
+
+void VueWeb::charger(const std::string& adresse) {
+  const Objet<WebKitURIRequest> requete(webkit_uri_request_new(adresse.c_str()));
+  soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control", "no-cache");
+  webkit_web_view_load_request(vue_, requete.get());
+}
+
+void VueWeb::arreterLeChargement() { webkit_web_view_stop_loading(vue_); }
+
+void VueWeb::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
+  using Suite = std::function<void(std::optional<std::string>)>;
+  webkit_web_view_evaluate_javascript(
+      vue_, expression.data(), static_cast<gssize>(expression.size()), nullptr, nullptr, nullptr,
+      [](GObject* vue, GAsyncResult* resultat, gpointer donnees) {
+        const std::unique_ptr<Suite> suite(static_cast<Suite*>(donnees));
+        (*suite)(texteDe(vue, resultat));
+      },
+      new Suite(std::move(fini)));
+}
+
+void VueWeb::peindreLeFond(const fenetre::Apparence::Couleur& couleur) {
+  const GdkRGBA fond{static_cast<float>(couleur.rouge), static_cast<float>(couleur.vert),
+                     static_cast<float>(couleur.bleu), static_cast<float>(couleur.opacite)};
+  webkit_web_view_set_background_color(vue_, &fond);
+}
+
+void VueWeb::quandLeChargementChange(WebKitLoadEvent evenement) {
+  if (evenement == WEBKIT_LOAD_STARTED) rate_ = false;
+  else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie) quandNavigationFinie();
+}
+
+void VueWeb::quandLeChargementEchoue(const GError& erreur) {
+  rate_ = true;
+  const bool annulee = g_error_matches(&erreur, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED);
+  if (quandNavigationRatee) quandNavigationRatee({.annulee = annulee, .description = erreur.message});
+}
+
+void VueWeb::quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison) {
+  rate_ = true;
+  const auto* description = raison == WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT
+                                ? "Le programme qui dessine la page a dépassé la mémoire permise."
+                                : "Le programme qui dessine la page s’est arrêté.";
+  if (quandNavigationRatee) quandNavigationRatee({.description = description});
+}
+
+} // namespace keltrove::bureau

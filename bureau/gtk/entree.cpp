@@ -1,0 +1,45 @@
+// L’entrée du module : tout ce qui doit précéder la boîte à outils, puis l’application.
+
+#include "app/ModuleBureau.hpp"
+#include "bureau/gtk/ApplicationGtk.hpp"
+#include "bureau/gtk/BoucleGlib.hpp"
+#include "bureau/gtk/RenduSansCarte.hpp"
+#include "moteur/MoteurServeur.hpp"
+#include "socle/Executable.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <gtk/gtk.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace keltrove;
+
+int sansEcran() {
+  std::fputs("Keltrove n’a trouvé aucun écran où s’ouvrir : lancez-le depuis une session graphique, ou réglez "
+             "DISPLAY ou WAYLAND_DISPLAY.\n",
+             stderr);
+  return EXIT_FAILURE;
+}
+
+} // namespace
+
+extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
+  moteur::MoteurServeur::Contexte contexte{
+      .boucle = std::make_shared<bureau::BoucleGlib>(),
+      .horloge = std::make_shared<socle::HorlogeSysteme>(),
+      .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
+      .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
+  };
+  bureau::choisirLeRendu();
+  g_set_prgname("keltrove");
+  g_set_application_name("Keltrove");
+  if (!gtk_init_check()) return sansEcran();
+
+  const auto boucle = contexte.boucle;
+  auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));
+  bureau::ApplicationGtk application(std::move(moteur), boucle);
+  // Aucun argument n’est pour GTK.
+  return application.run();
+}

@@ -1,0 +1,50 @@
+// Apparence : les mesures et les couleurs que tous les bureaux partagent. Longueurs en points.
+#pragma once
+
+namespace keltrove::fenetre::Apparence {
+
+struct Couleur {
+  double rouge, vert, bleu;
+  double opacite = 1.0;
+};
+constexpr Couleur gris(double blanc, double opacite = 1.0) { return {blanc, blanc, blanc, opacite}; }
+
+// Le fond de la fenêtre suit le thème du système ; celui de l’écran d’attente est toujours sombre.
+inline constexpr Couleur fondSombre{0.055, 0.067, 0.086};
+inline constexpr Couleur fondClair{236.0 / 255, 236.0 / 255, 239.0 / 255};
+
+inline constexpr const char* titreDeLaFenetre = "Keltrove";
+inline constexpr const char* nomDuCadre = "fenetre-keltrove"; // la taille est retenue sous ce nom
+inline constexpr int largeur = 1280;
+inline constexpr int hauteur = 820;
+inline constexpr int largeurMinimale = 720;
+inline constexpr int hauteurMinimale = 480;
+
+namespace Ecran {
+inline constexpr int tailleDuTitre = 22;
+inline constexpr int tailleDuTexte = 13;
+inline constexpr int tailleDuDetail = 11;
+inline constexpr int largeurDuTexte = 520;
+inline constexpr int espacement = 14;
+inline constexpr int entreLesBoutons = 12;
+inline constexpr int margesLaterales = 60; // les deux ensemble
+inline constexpr int largeurDuDetail = 560;
+inline constexpr int hauteurDuDetail = 180;
+inline constexpr int margeDuDetail = 8;
+inline constexpr Couleur titre = gris(1);
+inline constexpr Couleur phrase = gris(0.78);
+inline constexpr Couleur conseil{0.37, 0.62, 1.0};
+inline constexpr Couleur detail = gris(0.8);
+inline constexpr Couleur fondDuDetail = gris(0.1);
+} // namespace Ecran
+
+namespace Bandeau {
+inline constexpr int tailleDuTexte = 12;
+inline constexpr int hauteur = 30;
+inline constexpr int margeDuBas = 20;
+inline constexpr int arrondi = 8;
+inline constexpr Couleur texte = gris(0.88);
+inline constexpr Couleur fond = gris(0.16, 0.95);
+} // namespace Bandeau
+
+} // namespace keltrove::fenetre::Apparence

@@ -1,0 +1,54 @@
+// EcranAttente : l’écran qui couvre la page tant qu’il n’y en a pas à montrer.
+//
+// Deux visages : l’attente (titre, phrase, roue) et le problème (titre, phrase, conseil, « Réessayer », détail à
+// déplier). L’écran calcule une valeur, EtatEcran, et la remet à sa vue ; la vue la dessine et ne décide rien.
+// Fil principal seulement.
+#pragma once
+
+#include "moteur/ErreurServeur.hpp"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace keltrove::fenetre {
+
+// Tout ce que la vue doit montrer. Un texte vide n’occupe aucune place.
+struct EtatEcran {
+  bool visible = true;
+  bool roue = false;
+  std::string titre;
+  std::string phrase;
+  std::string conseil;
+  bool boutonReessayer = false; // la touche Entrée le presse
+  bool boutonDetail = false;
+  std::string titreDuBoutonDetail = "Voir le détail";
+  bool cadreDetail = false;
+  std::string detail;
+  bool operator==(const EtatEcran&) const = default;
+};
+
+class EcranAttente {
+public:
+  std::function<void(const EtatEcran&)> quandOnDessine;
+  std::function<void()> quandOnReessaie;
+
+  void montrerAttente(const std::string& titre, const std::string& phrase);
+  void montrerProbleme(const std::string& titre, const std::string& phrase, const std::string& conseil,
+                       const std::optional<std::string>& detail);
+  void montrerErreur(const moteur::ErreurServeur& erreur);
+  void cacher();
+
+  // Les boutons.
+  void reessayer() const;
+  void basculerDetail();
+
+  const EtatEcran& etat() const { return etat_; }
+
+private:
+  void dessiner() const;
+
+  EtatEcran etat_;
+};
+
+} // namespace keltrove::fenetre

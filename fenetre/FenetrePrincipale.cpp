@@ -1,0 +1,104 @@
+#include "fenetre/FenetrePrincipale.hpp"
+
+#include "fenetre/SondeContenu.hpp"
+#include "socle/Journal.hpp"
+#include "socle/Reglages.hpp"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace keltrove::fenetre {
+
+namespace Journal = socle::Journal;
+namespace Reglages = socle::Reglages;
+
+namespace {
+
+constexpr double delaiSansRienRecevoir = 60.0;
+constexpr double delaiAvantLaSonde = 1.0;
+
+void imprimerLeNumero(unsigned long numero) {
+  const auto ligne = fmt::format("  [keltrove] numero-fenetre {}\n", numero);
+  [[maybe_unused]] const auto ecrits = ::write(STDERR_FILENO, ligne.data(), ligne.size());
+}
+
+} // namespace
+
+FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& boucle)
+    : vue_(vue), boucle_(boucle) {
+  ecran_.quandOnDessine = [this](const EtatEcran& etat) { vue_.dessiner(etat); };
+  ecran_.quandOnReessaie = [this] { rechargerVraiment(); };
+  vue_.quandOnReessaie = [this] { ecran_.reessayer(); };
+  vue_.quandOnBasculeLeDetail = [this] { ecran_.basculerDetail(); };
+  vue_.quandNavigationAvance = [this] {
+    if (delaiDeChargement_) surveillerLeDelai();
+  };
+  vue_.quandNavigationFinie = [this] { quandLaPageEstLa(); };
+  vue_.quandNavigationRatee = [this](const EchecDeNavigation& echec) { signalerPageRatee(echec); };
+}
+
+FenetrePrincipale::~FenetrePrincipale() {
+  vue_.quandOnReessaie = nullptr;
+  vue_.quandOnBasculeLeDetail = nullptr;
+  vue_.quandNavigationAvance = nullptr;
+  vue_.quandNavigationFinie = nullptr;
+  vue_.quandNavigationRatee = nullptr;
+}
+
+void FenetrePrincipale::afficher() {
+  if (Reglages::modeEssai()) return;
+  if (Reglages::modeDiscret()) imprimerLeNumero(vue_.mettreDerriere());
+  else vue_.mettreDevant();
+}
+
+void FenetrePrincipale::chargerLaPage(int port) {
+  portAffiche_ = port;
+  vue_.charger(fmt::format("http://localhost:{}/", port));
+  surveillerLeDelai();
+}
+
+void FenetrePrincipale::surveillerLeDelai() {
+  delaiDeChargement_ = boucle_.apres(delaiSansRienRecevoir, [this] {
+    delaiDeChargement_.annuler();
+    vue_.arreterLeChargement();
+    signalerPageRatee({.description = "La page a mis trop longtemps à répondre."});
+  });
+}
+
+void FenetrePrincipale::quandLaPageEstLa() {
+  delaiDeChargement_.annuler();
+  ecran_.cacher();
+  Journal::etape("page-affichee", {{"port", std::int64_t{portAffiche_.value_or(0)}}});
+  minuteurSonde_ = boucle_.apres(delaiAvantLaSonde, [this] { sonderLeContenu(); });
+}
+
+void FenetrePrincipale::sonderLeContenu() {
+  vue_.evaluer(expressionDeSonde, [existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
+    if (reponse && existe.lock()) Journal::etape("page-contenu", lireSonde(*reponse));
+  });
+}
+
+void FenetrePrincipale::signalerPageRatee(const EchecDeNavigation& echec) {
+  if (echec.annulee) return;
+  delaiDeChargement_.annuler();
+  ecran_.montrerProbleme("La page de keltrove ne s’affiche pas",
+                         "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : un "
+                         "nouvel essai suffit presque toujours.",
+                         "Cliquez sur « Réessayer ».", echec.description);
+  Journal::etape("page-ratee", {{"raison", echec.description}});
+}
+
+void FenetrePrincipale::afficherBandeau(const std::string& texte, double secondes) {
+  const auto encadre = "  " + texte + "  ";
+  vue_.dessiner(EtatBandeau{.visible = true, .texte = encadre});
+  minuteurBandeau_ = boucle_.apres(secondes, [this, encadre] {
+    vue_.dessiner(EtatBandeau{.visible = false, .texte = encadre});
+  });
+  Journal::etape("bandeau", {{"texte", texte}});
+}
+
+void FenetrePrincipale::rechargerVraiment() {
+  if (quandOnDemandeUnEssai) quandOnDemandeUnEssai();
+}
+
+} // namespace keltrove::fenetre

@@ -1,0 +1,54 @@
+// FenetrePrincipale : le contrôleur de la fenêtre unique.
+//
+// Il tient l’écran d’attente et le bandeau, charge la page du serveur, suit sa navigation et rend les demandes
+// d’essai à qui l’a créé. Fil principal seulement.
+#pragma once
+
+#include "fenetre/EcranAttente.hpp"
+#include "fenetre/VueFenetre.hpp"
+#include "socle/BoucleEvenements.hpp"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace keltrove::fenetre {
+
+class FenetrePrincipale {
+public:
+  // La vue et la boucle survivent à la fenêtre.
+  FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& boucle);
+  FenetrePrincipale(const FenetrePrincipale&) = delete;
+  FenetrePrincipale& operator=(const FenetrePrincipale&) = delete;
+  ~FenetrePrincipale();
+
+  // Bouton « Réessayer » et action de menu mènent au même appel.
+  std::function<void()> quandOnDemandeUnEssai;
+
+  // Selon les modes : rien en mode essai, derrière en mode discret, devant sinon.
+  void afficher();
+  void chargerLaPage(int port);
+  void afficherBandeau(const std::string& texte, double secondes);
+  void rechargerVraiment();
+
+  EcranAttente& ecran() { return ecran_; }
+
+private:
+  void surveillerLeDelai();
+  void quandLaPageEstLa();
+  void sonderLeContenu();
+  void signalerPageRatee(const EchecDeNavigation& echec);
+
+  VueFenetre& vue_;
+  socle::BoucleEvenements& boucle_;
+  EcranAttente ecran_;
+  std::optional<int> portAffiche_;
+  socle::Minuteur minuteurBandeau_;
+  socle::Minuteur minuteurSonde_;
+  socle::Minuteur delaiDeChargement_;
+  // Une réponse de la page peut arriver après la fenêtre.
+  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+};
+
+} // namespace keltrove::fenetre

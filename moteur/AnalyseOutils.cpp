@@ -1,0 +1,60 @@
+#include "moteur/AnalyseOutils.hpp"
+
+#include "socle/Texte.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+
+namespace keltrove::moteur {
+namespace {
+
+using socle::decouper;
+using socle::MorceauxVides;
+
+// Un signe facultatif puis des chiffres, et rien d’autre.
+std::optional<std::int32_t> lireEntier(std::string_view texte) {
+  if (texte.starts_with('+')) {
+    texte.remove_prefix(1);
+    if (texte.starts_with('-')) return std::nullopt;
+  }
+  std::int32_t valeur = 0;
+  const auto [fin, erreur] = std::from_chars(texte.data(), texte.data() + texte.size(), valeur);
+  if (erreur != std::errc{} || fin != texte.data() + texte.size()) return std::nullopt;
+  return valeur;
+}
+
+std::optional<int> portDeLaLigne(std::string_view ligne) {
+  const auto champs = decouper(ligne, ' ', MorceauxVides::ecartes);
+  const auto adresse = std::find_if(champs.rbegin(), champs.rend(),
+                                    [](const std::string& champ) { return champ.contains(':'); });
+  if (adresse == champs.rend()) return std::nullopt;
+  const auto morceaux = decouper(*adresse, ':', MorceauxVides::ecartes);
+  if (morceaux.empty()) return std::nullopt;
+  const auto port = lireEntier(morceaux.back());
+  return port && *port > 0 ? port : std::nullopt;
+}
+
+} // namespace
+
+std::vector<pid_t> lirePgrep(std::string_view sortie) {
+  std::vector<pid_t> enfants;
+  if (!socle::estUTF8(sortie)) return enfants;
+  for (const auto& ligne : decouper(sortie, '\n', MorceauxVides::ecartes))
+    if (const auto pid = lireEntier(socle::rognerEspaces(ligne))) enfants.push_back(*pid);
+  return enfants;
+}
+
+std::vector<int> lireLsof(std::string_view sortie) {
+  std::vector<int> ports;
+  if (!socle::estUTF8(sortie)) return ports;
+  const auto lignes = decouper(sortie, '\n', MorceauxVides::ecartes);
+  for (std::size_t i = 1; i < lignes.size(); ++i) {
+    const auto port = portDeLaLigne(lignes[i]);
+    if (port && std::ranges::find(ports, *port) == ports.end()) ports.push_back(*port);
+  }
+  return ports;
+}
+
+} // namespace keltrove::moteur

@@ -1,0 +1,95 @@
+// MoteurServeur : démarre le serveur ou s’y rattache, puis l’arrête poliment.
+//
+// Un seul par processus, tenu par le délégué. Il ne note rien au journal de démarrage. Il n’envoie jamais
+// d’autre signal que SIGTERM, et seulement à un serveur qu’il a lancé.
+//
+// Sauf mention, les opérations s’appellent depuis tout fil ; les appels de retour viennent sur le fil principal.
+#pragma once
+
+#include "moteur/ArbreProcessus.hpp"
+#include "moteur/Emplacements.hpp"
+#include "moteur/ErreurServeur.hpp"
+#include "moteur/LignesServeur.hpp"
+#include "moteur/Sonde.hpp"
+#include "socle/BoucleEvenements.hpp"
+#include "socle/Environnement.hpp"
+#include "socle/FileDeTravail.hpp"
+#include "socle/Horloge.hpp"
+#include "socle/Processus.hpp"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace keltrove::moteur {
+
+class MoteurServeur : public std::enable_shared_from_this<MoteurServeur> {
+public:
+  struct Contexte {
+    std::shared_ptr<socle::BoucleEvenements> boucle;
+    std::shared_ptr<socle::Horloge> horloge;
+    Emplacements emplacements;
+    // L’environnement de l’application tel qu’à son lancement.
+    socle::Environnement environnement;
+  };
+
+  explicit MoteurServeur(Contexte contexte);
+
+  // Lance un essai sur la file du moteur ; `fini` en reçoit l’issue, une fois. Les essais se suivent.
+  void demarrer(std::function<void(Demarrage)> fini);
+
+  // Interdit tout lancement à venir. Au retour, `nousLavonsAllume` ne peut plus devenir vrai : on peut quitter
+  // sans laisser derrière soi un serveur lancé au dernier moment.
+  void neLancerPlusRien();
+
+  // Fil principal. Arrête le serveur si nous l’avons allumé et qu’il tourne encore, et l’attend 12 secondes au
+  // plus. `fini` reçoit une phrase pour le journal, une fois : tout de suite s’il n’y a rien à arrêter.
+  void arreter(std::function<void(std::string)> fini);
+
+  std::optional<int> port() const;
+  bool nousLavonsAllume() const;
+
+  // Appelé à la mort d’un serveur que nous avons allumé, hors de tout arrêt demandé. À poser avant de démarrer.
+  std::function<void(ErreurServeur)> quandLeServeurMeurt;
+
+  // Bloquantes : jamais sur le fil principal.
+  bool cEstBienKeltrove(int port) const { return moteur::cEstBienKeltrove(port); }
+  std::optional<Sante> sante(int port) const { return moteur::sante(port); }
+
+  std::optional<std::string> messageDeMiseAJour() const { return lignes_->messageDeMiseAJour(); }
+  const LignesServeur& lignesJournal() const { return *lignes_; }
+
+private:
+  using ProcessusPartage = std::shared_ptr<socle::Processus>;
+
+  Demarrage demarrerVraiment();
+  std::expected<ProcessusPartage, ErreurServeur> lancer();
+  Demarrage attendreLaReponse(const ProcessusPartage& processus, int port);
+  std::optional<Demarrage> unTour(const ProcessusPartage& processus, int port, int tour);
+  Demarrage conclureApresUneFin(const ProcessusPartage& processus);
+  Demarrage rattacher(int port);
+  Demarrage allumer(const ProcessusPartage& processus, int port);
+  void signalerLaMort(const ProcessusPartage& processus);
+  void oublierLeProcessus();
+  std::optional<pid_t> pidDuServeur() const;
+  std::string attendreLaFermeture(const socle::Processus& processus, const std::optional<Identite>& serveur,
+                                  double debut);
+
+  const Contexte contexte_;
+  const std::shared_ptr<LignesServeur> lignes_ = std::make_shared<LignesServeur>();
+  socle::FileDeTravail file_;
+
+  mutable std::mutex verrouEtat_; // les champs ci-dessous
+  std::optional<int> port_;
+  bool nousLavonsAllume_ = false;
+  ProcessusPartage processus_;
+  bool arretDemande_ = false;
+  bool lancementInterdit_ = false;
+};
+
+// L’environnement du serveur : celui de l’application, où seuls HOME, LANG et PATH sont réglés.
+socle::Environnement environnementDuServeur(socle::Environnement environnement, const std::string& maison);
+
+} // namespace keltrove::moteur

@@ -1,0 +1,28 @@
+// Sonde : deux questions posées au serveur par HTTP, sur 127.0.0.1 seulement.
+//
+// Bloquantes : jamais sur le fil principal. Tout échec donne faux ou rien ; aucune ne dépasse 3,0 secondes
+// (cEstBienKeltrove) ou 4,0 secondes (sante).
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace keltrove::moteur {
+
+struct Sante {
+  std::string version; // « ? » si le serveur n’en donne pas
+  int terminauxAuCarnet = 0;
+  bool operator==(const Sante&) const = default;
+};
+
+// Vrai si la page servie à la racine de ce port est celle de ce produit.
+bool cEstBienKeltrove(int port);
+
+// La version du serveur et la taille de sa liste de terminaux. Sans jeton, aucune requête n’est faite.
+std::optional<Sante> sante(int port);
+
+// Lecture de la réponse de la route de santé.
+std::optional<Sante> lireSante(std::string_view corps);
+
+} // namespace keltrove::moteur

@@ -1,0 +1,14 @@
+#include "socle/Fil.hpp"
+
+#include <pthread.h>
+#include <string>
+
+namespace keltrove::socle {
+
+void nommerLeFil(std::string_view nom) {
+  constexpr std::size_t maximum = 15;
+  if (nom.size() > maximum) nom.remove_prefix(nom.size() - maximum);
+  ::pthread_setname_np(::pthread_self(), std::string(nom).c_str());
+}
+
+} // namespace keltrove::socle

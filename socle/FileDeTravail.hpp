@@ -1,0 +1,29 @@
+// FileDeTravail : des tâches en arrière-plan, sur au plus `largeur` fils à la fois.
+//
+// Avec une largeur de 1, les tâches se suivent dans l’ordre de leur dépôt. Un fil naît avec la première tâche et
+// disparaît avec la dernière. Détruire la file ne les attend pas : quitter l’application n’attend jamais un
+// démarrage en cours. Une tâche doit donc posséder tout ce qu’elle touche.
+#pragma once
+
+#include "socle/BoucleEvenements.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace keltrove::socle {
+
+class FileDeTravail {
+public:
+  // `nom` désigne les fils dans les outils de mise au point.
+  FileDeTravail(std::string nom, std::size_t largeur);
+
+  // Depuis tout fil. Faux si le système refuse tout fil : la tâche n’aura pas lieu.
+  [[nodiscard]] bool deposer(Tache tache);
+
+private:
+  struct Etat;
+  std::shared_ptr<Etat> etat_;
+};
+
+} // namespace keltrove::socle

@@ -1,0 +1,36 @@
+// Reglages : les réglages de l’application, en lecture seule.
+//
+// Rien n’est gardé en mémoire : chaque accès relit l’environnement ou le fichier. L’application ne crée ni ne
+// modifie jamais ces fichiers ; le serveur, qui trouve seul son port et son jeton, les partage avec elle.
+// Aucune opération ne signale d’erreur : une valeur absente ou illisible donne la valeur par défaut.
+// Utilisables depuis tout fil.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace keltrove::socle::Reglages {
+
+inline constexpr int portParDefaut = 7777;
+
+// HOME si elle est présente et non vide ; sinon le dossier personnel que le système connaît.
+std::string maison();
+
+// KELTROVE_ESSAI et KELTROVE_DISCRET : vrais exactement pour « 1 ».
+bool modeEssai();
+bool modeDiscret();
+
+std::string cheminEtatEssai();
+std::string cheminJeton();
+std::string dossierKeltroveInstalle();
+
+// KELTROVE_ESSAI_QUITTER en secondes, en mode essai seulement ; 0 veut dire jamais.
+double secondesAvantAuToQuitter();
+
+// Le jeton d’accès au serveur, sans les blancs qui l’entourent ; rien s’il n’y en a pas.
+std::optional<std::string> jeton();
+
+// Le membre « port » du fichier de réglages s’il est un entier de 1 à 65535 ; sinon `portParDefaut`.
+int portSouhaite();
+
+} // namespace keltrove::socle::Reglages

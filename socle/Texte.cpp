@@ -1,0 +1,102 @@
+#include "socle/Texte.hpp"
+
+#include <cstdint>
+#include <cstring>
+#include <utf8proc.h>
+
+namespace keltrove::socle {
+namespace {
+
+struct Caractere {
+  std::int32_t point = -1; // -1 : octet qui ne commence aucun caractère valide
+  std::size_t octets = 1;
+};
+
+Caractere premier(std::string_view texte) {
+  utf8proc_int32_t point = -1;
+  const auto* debut = reinterpret_cast<const utf8proc_uint8_t*>(texte.data());
+  const auto lus = utf8proc_iterate(debut, static_cast<utf8proc_ssize_t>(texte.size()), &point);
+  return lus > 0 ? Caractere{point, static_cast<std::size_t>(lus)} : Caractere{};
+}
+
+Caractere dernier(std::string_view texte) {
+  auto debut = texte.size() - 1;
+  while (debut > 0 && texte.size() - debut < 4 && (static_cast<unsigned char>(texte[debut]) & 0xC0) == 0x80)
+    --debut;
+  const auto lu = premier(texte.substr(debut));
+  return debut + lu.octets == texte.size() ? lu : Caractere{};
+}
+
+bool estEspace(std::int32_t point) {
+  return point == '\t' || (point >= 0 && utf8proc_category(point) == UTF8PROC_CATEGORY_ZS);
+}
+
+bool estBlanc(std::int32_t point) {
+  if ((point >= 0x09 && point <= 0x0D) || point == 0x85) return true;
+  if (point < 0) return false;
+  const auto categorie = utf8proc_category(point);
+  return categorie >= UTF8PROC_CATEGORY_ZS && categorie <= UTF8PROC_CATEGORY_ZP;
+}
+
+template <typename Predicat>
+std::string_view rognerSelon(std::string_view texte, Predicat aRetirer) {
+  while (!texte.empty()) {
+    const auto lu = premier(texte);
+    if (!aRetirer(lu.point)) break;
+    texte.remove_prefix(lu.octets);
+  }
+  while (!texte.empty()) {
+    const auto lu = dernier(texte);
+    if (!aRetirer(lu.point)) break;
+    texte.remove_suffix(lu.octets);
+  }
+  return texte;
+}
+
+// La sortie d’un serveur est presque toujours de l’ASCII : huit octets à la fois avant d’examiner de près.
+std::size_t longueurASCII(std::string_view texte) {
+  std::size_t i = 0;
+  for (std::uint64_t huit = 0; i + sizeof huit <= texte.size(); i += sizeof huit) {
+    std::memcpy(&huit, texte.data() + i, sizeof huit);
+    if (huit & 0x8080808080808080U) break;
+  }
+  while (i < texte.size() && static_cast<unsigned char>(texte[i]) < 0x80) ++i;
+  return i;
+}
+
+} // namespace
+
+bool estUTF8(std::string_view octets) {
+  for (octets.remove_prefix(longueurASCII(octets)); !octets.empty();
+       octets.remove_prefix(longueurASCII(octets))) {
+    const auto lu = premier(octets);
+    if (lu.point < 0) return false;
+    octets.remove_prefix(lu.octets);
+  }
+  return true;
+}
+
+std::string_view rogner(std::string_view texte) { return rognerSelon(texte, estBlanc); }
+
+std::string_view rognerEspaces(std::string_view texte) { return rognerSelon(texte, estEspace); }
+
+std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides) {
+  std::vector<std::string> morceaux;
+  for (std::size_t debut = 0; debut <= texte.size();) {
+    const auto fin = std::min(texte.find(separateur, debut), texte.size());
+    if (fin > debut || vides == MorceauxVides::gardes) morceaux.emplace_back(texte.substr(debut, fin - debut));
+    debut = fin + 1;
+  }
+  return morceaux;
+}
+
+std::string joindre(const std::vector<std::string>& morceaux, std::string_view lien) {
+  std::string texte;
+  for (const auto& morceau : morceaux) {
+    if (&morceau != &morceaux.front()) texte += lien;
+    texte += morceau;
+  }
+  return texte;
+}
+
+} // namespace keltrove::socle

@@ -1,0 +1,28 @@
+// Texte : les quelques opérations sur du texte UTF-8 dont le comportement a besoin.
+//
+// Un texte est une suite d’octets ; aucune opération ne suppose qu’il est en UTF-8 valide, sauf mention.
+// Les classes de caractères sont celles d’Unicode (utf8proc), jamais celles de la langue du processus.
+// Sans état : utilisable depuis tout fil.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace keltrove::socle {
+
+bool estUTF8(std::string_view octets);
+
+// Retire des deux bouts les blancs et les fins de ligne : catégories Z*, U+0009 à U+000D, U+0085.
+std::string_view rogner(std::string_view texte);
+
+// Retire des deux bouts les espaces (catégorie Zs) et la tabulation, mais aucune fin de ligne.
+std::string_view rognerEspaces(std::string_view texte);
+
+// Découpe à chaque séparateur ; les morceaux vides sont gardés ou non.
+enum class MorceauxVides { gardes, ecartes };
+std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides);
+
+std::string joindre(const std::vector<std::string>& morceaux, std::string_view lien);
+
+} // namespace keltrove::socle
