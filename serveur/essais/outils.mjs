@@ -1,0 +1,155 @@
+import { spawn } from 'node:child_process';
+import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { request } from 'node:http';
+import { createServer } from 'node:net';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import WebSocket from 'ws';
+
+const DOSSIER_DU_SERVEUR = fileURLToPath(new URL('..', import.meta.url));
+const PATIENCE = 15_000;
+
+// Une maison neuve par essai, au nom malcommode exprès.
+export async function preparerMaison(t, { port } = {}) {
+  const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
+  t.after(() => rmSync(maison, { recursive: true, force: true }));
+  const cache = join(maison, '.zelcor');
+  mkdirSync(cache, { mode: 0o700 });
+  const choisi = port ?? (await trouverUnPort());
+  writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
+  return {
+    maison,
+    port: choisi,
+    cheminCarnet: join(cache, 'keltrove-carnet.json'),
+    cheminJeton: join(cache, 'keltrove-jeton'),
+    cache,
+    lireLeCarnet: () => JSON.parse(readFileSync(join(cache, 'keltrove-carnet.json'), 'utf8')).terminaux,
+  };
+}
+
+export async function trouverUnPort() {
+  const serveur = createServer().listen(0, '127.0.0.1');
+  await unEvenement(serveur, 'listening');
+  const { port } = serveur.address();
+  serveur.close();
+  await unEvenement(serveur, 'close');
+  return port;
+}
+
+// Le vrai serveur, prêt : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
+export async function lancer(t, { maison }) {
+  const processus = spawn(process.execPath, ['serveur.mjs'], {
+    cwd: DOSSIER_DU_SERVEUR,
+    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8' },
+    stdio: ['ignore', 'pipe', 'pipe'],
+  });
+  t.after(() => processus.kill('SIGKILL'));
+  const serveur = { processus, sortie: '', port: null };
+  serveur.fin = new Promise((suite) => processus.once('close', (code, signal) => suite({ code, signal })));
+  processus.stderr.on('data', (octets) => (serveur.sortie += octets));
+  const pret = new Promise((suite) => {
+    processus.stdout.on('data', (octets) => {
+      serveur.sortie += octets;
+      const ecoute = /écoute sur http:\/\/127\.0\.0\.1:(\d+)\//.exec(serveur.sortie);
+      if (ecoute) suite((serveur.port = Number(ecoute[1])));
+    });
+  });
+  await borner(Promise.race([pret, serveur.fin]), () => `le serveur n’est pas prêt : ${serveur.sortie}`);
+  return serveur;
+}
+
+export async function arreter(serveur, signal = 'SIGTERM') {
+  serveur.processus.kill(signal);
+  return borner(serveur.fin, () => 'le serveur ne s’arrête pas');
+}
+
+export function demander(port, chemin, { entetes = {}, methode = 'GET' } = {}) {
+  return borner(new Promise((reussir, echouer) => {
+    const requete = request({ host: '127.0.0.1', port, path: chemin, method: methode, headers: entetes }, (reponse) => {
+      let corps = '';
+      reponse.setEncoding('utf8').on('data', (texte) => (corps += texte));
+      reponse.on('end', () => reussir({ statut: reponse.statusCode, entetes: reponse.headers, corps }));
+    });
+    requete.on('error', echouer).end();
+  }), () => `pas de réponse pour ${chemin}`);
+}
+
+// Une page sans écran : elle retient ce qu’elle reçoit et laisse attendre ce qui doit arriver.
+export class Page {
+  terminaux = [];
+  textes = new Map();
+  derniers = new Map();
+  accuse = true;
+  #socket;
+  #attentes = new Set();
+
+  static async ouvrir(t, port, jeton) {
+    const page = new Page();
+    page.#socket = new WebSocket(`ws://127.0.0.1:${port}/terminaux`, { origin: `http://127.0.0.1:${port}` });
+    t.after(() => page.#socket.terminate());
+    page.fin = new Promise((suite) => page.#socket.once('close', suite));
+    page.#socket.on('message', (donnees) => page.#recevoir(JSON.parse(donnees)));
+    await borner(unEvenement(page.#socket, 'open'), () => 'la liaison ne s’ouvre pas');
+    page.envoyer({ type: 'bonjour', jeton });
+    return page;
+  }
+
+  envoyer(message) {
+    this.#socket.send(JSON.stringify(message));
+  }
+
+  fermer() {
+    this.#socket.close();
+    return this.fin;
+  }
+
+  texte(id) {
+    return this.textes.get(id) ?? '';
+  }
+
+  attendre(condition, quoi) {
+    let attente;
+    const promesse = new Promise((suite) => {
+      attente = () => condition() && suite();
+      this.#attentes.add(attente);
+      attente();
+    });
+    return borner(promesse, () => `jamais vu : ${quoi}`).finally(() => this.#attentes.delete(attente));
+  }
+
+  attendreLeTexte(id, motif) {
+    return this.attendre(() => motif.test(this.texte(id)), motif).then(() => motif.exec(this.texte(id)));
+  }
+
+  // L’accusé de réception de tout ce que la page a gardé pour elle jusque-là.
+  rattraper() {
+    this.accuse = true;
+    for (const [id, texte] of this.textes) this.envoyer({ type: 'recu', id, nombre: texte.length });
+  }
+
+  #recevoir(message) {
+    this.derniers.set(message.type, message);
+    if (message.terminaux) this.terminaux = message.terminaux;
+    if (message.texte !== undefined && message.id) {
+      this.textes.set(message.id, this.texte(message.id) + message.texte);
+      if (this.accuse) this.envoyer({ type: 'recu', id: message.id, nombre: message.texte.length });
+    }
+    for (const attente of this.#attentes) attente();
+  }
+}
+
+export function unEvenement(emetteur, nom) {
+  return new Promise((reussir, echouer) => {
+    emetteur.once(nom, reussir);
+    if (nom !== 'error') emetteur.once('error', echouer);
+  });
+}
+
+function borner(promesse, quoi) {
+  let minuteur;
+  const limite = new Promise((_, echouer) => {
+    minuteur = setTimeout(() => echouer(new Error(quoi())), PATIENCE);
+  });
+  return Promise.race([promesse, limite]).finally(() => clearTimeout(minuteur));
+}

@@ -1,0 +1,113 @@
+import { readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { fileURLToPath } from 'node:url';
+import { hoteAdmis, jetonJuste, origineAdmise } from './acces.mjs';
+
+const HTML = 'text/html; charset=utf-8';
+const CSS = 'text/css; charset=utf-8';
+const SCRIPT = 'text/javascript; charset=utf-8';
+const TEXTE = 'text/plain; charset=utf-8';
+const JSON_UTF8 = 'application/json; charset=utf-8';
+
+const trouverModule = createRequire(import.meta.url).resolve;
+const trouverPage = (nom) => fileURLToPath(new URL(`../page/${nom}`, import.meta.url));
+
+// Liste fermée : aucun chemin demandé ne devient jamais un chemin de fichier.
+const FICHIERS = {
+  '/page.css': [trouverPage('page.css'), CSS],
+  '/page.js': [trouverPage('page.js'), SCRIPT],
+  '/liaison.js': [trouverPage('liaison.js'), SCRIPT],
+  '/onglets.js': [trouverPage('onglets.js'), SCRIPT],
+  '/themes.js': [trouverPage('themes.js'), SCRIPT],
+  '/vueTerminal.js': [trouverPage('vueTerminal.js'), SCRIPT],
+  '/xterm/xterm.css': [trouverModule('@xterm/xterm/css/xterm.css'), CSS],
+  '/xterm/xterm.mjs': [trouverModule('@xterm/xterm/lib/xterm.mjs'), SCRIPT],
+  '/xterm/addon-fit.mjs': [trouverModule('@xterm/addon-fit/lib/addon-fit.mjs'), SCRIPT],
+};
+
+const ENTETES_COMMUNS = {
+  'Cache-Control': 'no-store',
+  'Cross-Origin-Resource-Policy': 'same-origin',
+  'Referrer-Policy': 'no-referrer',
+  'X-Content-Type-Options': 'nosniff',
+};
+
+export class Accueil {
+  #port;
+  #jeton;
+  #version;
+  #compterLesTerminaux;
+  #page;
+  #fichiers;
+
+  constructor({ port, jeton, version, compterLesTerminaux }) {
+    this.#port = port;
+    this.#jeton = jeton;
+    this.#version = version;
+    this.#compterLesTerminaux = compterLesTerminaux;
+    this.#page = readFileSync(trouverPage('index.html'), 'utf8').replace('__JETON__', () => enAttribut(jeton));
+    // Lus une fois pour toutes : la page reste d’accord avec le serveur même si le dossier est remplacé en route.
+    this.#fichiers = new Map(
+      Object.entries(FICHIERS).map(([route, [chemin, type]]) => [route, { corps: readFileSync(chemin), type }]),
+    );
+  }
+
+  repondre(requete, reponse) {
+    const { host, origin } = requete.headers;
+    if (!hoteAdmis(host, this.#port)) return envoyer(reponse, 403, TEXTE, 'Adresse refusée.\n');
+    if (origin !== undefined && !origineAdmise(origin, this.#port)) {
+      return envoyer(reponse, 403, TEXTE, 'Origine refusée.\n');
+    }
+    if (requete.method !== 'GET' && requete.method !== 'HEAD') {
+      return envoyer(reponse, 405, TEXTE, 'Méthode refusée.\n', { Allow: 'GET, HEAD' });
+    }
+    const route = requete.url.split('?')[0];
+    if (route === '/') return envoyer(reponse, 200, HTML, this.#page, entetesDeLaPage(host));
+    const fichier = this.#fichiers.get(route);
+    if (fichier) return envoyer(reponse, 200, fichier.type, fichier.corps);
+    this.#repondreSousJeton(requete, reponse, route);
+  }
+
+  #repondreSousJeton(requete, reponse, route) {
+    if (!jetonJuste(requete.headers['x-keltrove-jeton'], this.#jeton)) {
+      return envoyer(reponse, 401, TEXTE, 'Jeton absent ou faux.\n');
+    }
+    if (route === '/api/sante') {
+      const sante = { version: this.#version, carnet: { terminaux: this.#compterLesTerminaux() } };
+      return envoyer(reponse, 200, JSON_UTF8, JSON.stringify(sante));
+    }
+    envoyer(reponse, 404, TEXTE, 'Rien à cette adresse.\n');
+  }
+}
+
+function envoyer(reponse, statut, type, corps, entetes = {}) {
+  reponse.writeHead(statut, {
+    ...ENTETES_COMMUNS,
+    'Content-Type': type,
+    'Content-Length': Buffer.byteLength(corps),
+    ...entetes,
+  });
+  reponse.end(corps);
+}
+
+function entetesDeLaPage(hote) {
+  return {
+    'Content-Security-Policy': [
+      "default-src 'none'",
+      "script-src 'self'",
+      // Le terminal pose ses couleurs et ses mesures dans des feuilles de style qu’il crée lui-même.
+      "style-src 'self' 'unsafe-inline'",
+      // Tous les moteurs ne comptent pas ws: dans 'self'.
+      `connect-src 'self' ws://${hote}`,
+      "img-src 'self' data:",
+      "font-src 'self' data:",
+      "base-uri 'none'",
+      "form-action 'none'",
+      "frame-ancestors 'none'",
+    ].join('; '),
+  };
+}
+
+function enAttribut(texte) {
+  return texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
+}

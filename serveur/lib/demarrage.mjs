@@ -1,0 +1,71 @@
+import { readFileSync } from 'node:fs';
+import { createServer } from 'node:http';
+import { join } from 'node:path';
+import { Accueil } from './Accueil.mjs';
+import { Carnet } from './Carnet.mjs';
+import { prendreUnPort } from './ecoute.mjs';
+import { Liaison } from './Liaison.mjs';
+import { creerDossierCache, dossierCache, lireOuCreerJeton, portSouhaite } from './reglages.mjs';
+import { Terminaux } from './Terminaux.mjs';
+
+const DELAI_DES_ADIEUX = 1000;
+
+const { version } = JSON.parse(readFileSync(new URL('../package.json', import.meta.url), 'utf8'));
+
+function dire(phrase) {
+  process.stdout.write(`${phrase}\n`);
+}
+
+export async function demarrer() {
+  let allume = null;
+  for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) process.on(signal, () => eteindre(allume));
+
+  const serveur = createServer();
+  const souhaite = portSouhaite();
+  const { issue, port } = await prendreUnPort(serveur, souhaite);
+  if (issue === 'dejaLa') {
+    dire(`keltrove tourne déjà sur http://127.0.0.1:${port}/ : rien à allumer.`);
+    process.exit(0);
+  }
+  // Jeton et liste ne sont touchés qu’une fois le port obtenu : un second serveur lancé par mégarde ne les abîme pas.
+  // Rien n’attend plus d’ici à la fin : aucune requête ne peut donc arriver avant que tout soit branché.
+  allume = allumer(serveur, port);
+  if (issue === 'libre') dire(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
+  dire(`keltrove ${version} écoute sur http://127.0.0.1:${port}/`);
+}
+
+function allumer(serveur, port) {
+  creerDossierCache();
+  const jeton = lireOuCreerJeton();
+  const terminaux = new Terminaux();
+  const carnet = new Carnet(join(dossierCache(), 'keltrove-carnet.json'), () => terminaux.pourLeCarnet(), dire);
+  const liaison = new Liaison({ terminaux, jeton, port });
+  const accueil = new Accueil({ port, jeton, version, compterLesTerminaux: () => terminaux.nombre });
+
+  terminaux.quandSortie = (id, texte) => liaison.diffuserLaSortie(id, texte);
+  terminaux.quandListeChange = () => {
+    carnet.noter();
+    liaison.diffuserLaListe();
+  };
+  terminaux.quandLigneSaisie = () => carnet.noter();
+  terminaux.restaurer(carnet.lire());
+
+  serveur.on('request', (requete, reponse) => accueil.repondre(requete, reponse));
+  serveur.on('upgrade', (requete, prise, tete) => liaison.accueillir(requete, prise, tete));
+  return { serveur, terminaux, carnet, liaison, enArret: false };
+}
+
+async function eteindre(allume) {
+  if (!allume) process.exit(0);
+  if (allume.enArret) return;
+  allume.enArret = true;
+  // La liste d’abord : dès que les interpréteurs raccrochent, leurs dossiers de travail ne se lisent plus.
+  allume.carnet.clore();
+  allume.serveur.close();
+  allume.liaison.fermer();
+  await Promise.race([
+    allume.terminaux.raccrocher(),
+    new Promise((suite) => setTimeout(suite, DELAI_DES_ADIEUX)),
+  ]);
+  process.exit(0);
+}

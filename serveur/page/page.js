@@ -1,0 +1,131 @@
+import { Liaison } from '/liaison.js';
+import { Onglets } from '/onglets.js';
+import { suivreLApparence } from '/themes.js';
+import { VueTerminal } from '/vueTerminal.js';
+
+const CLE_DU_CHOISI = 'keltrove-terminal-choisi';
+const DUREE_D_UN_AVIS = 4000;
+
+const zone = document.querySelector('.zone');
+const avis = document.querySelector('.avis');
+const vues = new Map();
+let ordre = [];
+let idChoisi = null;
+
+const onglets = new Onglets(document.querySelector('.onglets'), {
+  quandChoisi: (id) => choisir(id),
+  quandRenomme: (id, nom) => liaison.envoyer({ type: 'renommer', id, nom }),
+  quandFerme: (id) => liaison.envoyer({ type: 'fermer', id }),
+  quandQuitte: () => vues.get(idChoisi)?.prendreLeFocus(),
+});
+
+const liaison = new Liaison({
+  jeton: document.querySelector('meta[name=keltrove-jeton]').content,
+  quandMessage: (message) => receptions[message.type]?.(message),
+  quandCoupure: () => {
+    avis.textContent = 'Connexion au serveur perdue';
+  },
+});
+
+const receptions = {
+  // À chaque connexion les panneaux sont refaits : ce que le serveur rejoue est alors seul à s’y afficher.
+  accueil({ terminaux }) {
+    avis.textContent = '';
+    for (const vue of vues.values()) vue.retirer();
+    vues.clear();
+    const garde = idChoisi ?? localStorage.getItem(CLE_DU_CHOISI);
+    idChoisi = null;
+    afficherLaListe(terminaux, garde);
+  },
+  liste: ({ terminaux }) => afficherLaListe(terminaux, idChoisi),
+  ouvert: ({ id }) => choisir(id),
+  reprise: ({ id, texte }) => vues.get(id)?.rejouer(texte),
+  sortie: ({ id, texte }) => vues.get(id)?.ecrire(texte),
+  avis: ({ texte }) => aviser(texte),
+};
+
+function afficherLaListe(terminaux, souhaite) {
+  const ancienRang = ordre.indexOf(idChoisi);
+  ordre = terminaux.map(({ id }) => id);
+  for (const [id, vue] of vues) {
+    if (ordre.includes(id)) continue;
+    vue.retirer();
+    vues.delete(id);
+  }
+  for (const description of terminaux) {
+    if (!vues.has(description.id)) ajouterUneVue(description);
+  }
+  onglets.montrer(terminaux);
+  if (ordre.includes(idChoisi)) return;
+  // Le choisi vient de disparaître : son voisin prend la place.
+  choisir(ordre.includes(souhaite) ? souhaite : ordre[Math.min(Math.max(ancienRang, 0), ordre.length - 1)]);
+}
+
+function ajouterUneVue(description) {
+  const { id } = description;
+  const vue = new VueTerminal(description, {
+    quandSaisie: (texte) => liaison.envoyer({ type: 'saisie', id, texte }),
+    quandTaille: (taille) => liaison.envoyer({ type: 'taille', id, ...taille }),
+    quandLu: (nombre) => liaison.envoyer({ type: 'recu', id, nombre }),
+    quandTouche,
+  });
+  vue.panneau.id = `panneau-${id}`;
+  vue.panneau.setAttribute('aria-labelledby', `onglet-${id}`);
+  zone.append(vue.panneau);
+  vues.set(id, vue);
+}
+
+function choisir(id) {
+  if (!vues.has(id)) {
+    idChoisi = null;
+    return;
+  }
+  if (id !== idChoisi) vues.get(idChoisi)?.cacher();
+  idChoisi = id;
+  localStorage.setItem(CLE_DU_CHOISI, id);
+  onglets.choisir(id);
+  vues.get(id).montrer();
+  vues.get(id).prendreLeFocus();
+}
+
+function choisirAutour(pas) {
+  choisir(ordre[(ordre.indexOf(idChoisi) + pas + ordre.length) % ordre.length]);
+}
+
+function ouvrirUnTerminal() {
+  liaison.envoyer({ type: 'ouvrir', ...vues.get(idChoisi)?.taille });
+}
+
+// Ctrl+lettre appartient à l’interpréteur : la page ne prend que des touches avec Ctrl+Maj.
+const RACCOURCIS = {
+  c: () => document.execCommand('copy'),
+  o: () => onglets.prendreLeFocus(),
+  t: ouvrirUnTerminal,
+  pagedown: () => choisirAutour(1),
+  pageup: () => choisirAutour(-1),
+};
+
+// Répond vrai quand la touche ne doit pas aller au terminal.
+function quandTouche(evenement) {
+  const { key, ctrlKey, shiftKey, altKey, metaKey, type } = evenement;
+  if (!ctrlKey || !shiftKey || altKey || metaKey) return false;
+  const touche = key.toLowerCase();
+  // Le navigateur colle de lui-même, et le terminal reçoit alors le collage.
+  if (touche === 'v') return true;
+  const raccourci = RACCOURCIS[touche];
+  if (!raccourci) return false;
+  evenement.preventDefault();
+  if (type === 'keydown') raccourci();
+  return true;
+}
+
+function aviser(texte) {
+  avis.textContent = texte;
+  setTimeout(() => {
+    if (avis.textContent === texte) avis.textContent = '';
+  }, DUREE_D_UN_AVIS);
+}
+
+document.querySelector('.nouveau').addEventListener('click', ouvrirUnTerminal);
+new ResizeObserver(() => vues.get(idChoisi)?.ajuster()).observe(zone);
+suivreLApparence(() => vues.forEach((vue) => vue.habiller()));

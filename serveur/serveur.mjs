@@ -1,0 +1,14 @@
+// Le reste est importé plus tard, exprès : ainsi même un module absent donne une phrase, pas une pile d’appels.
+
+// L’application peut mourir avant le serveur et fermer le tuyau où il écrit ; il doit vivre assez pour ranger sa liste.
+process.stdout.on('error', () => {});
+process.stderr.on('error', () => {});
+
+process.on('uncaughtException', (erreur) => {
+  const raison = String(erreur?.message ?? erreur).split('\n')[0];
+  process.stderr.write(`keltrove s’arrête sur une erreur imprévue : ${raison}\n`);
+  process.exit(1);
+});
+
+const { demarrer } = await import('./lib/demarrage.mjs');
+await demarrer();
