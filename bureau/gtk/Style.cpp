@@ -22,7 +22,7 @@ std::string enCSS(const Apparence::Couleur& c) {
 std::string police(int taille) { return fmt::format("font-size: {}pt;", taille * 0.75); }
 
 std::string regle(const char* selecteur, const std::string& corps) {
-  return fmt::format("{} {{ {} }}\n", selecteur, corps);
+  return fmt::format("{} {{ {}{} }}\n", selecteur, corps, corps.ends_with(';') ? "" : ";");
 }
 
 // L’écran d’attente est sombre sous tous les thèmes : rien de ce qu’il contient ne suit celui du système.

@@ -1,0 +1,88 @@
+# Ce que les outils partagent : installer ce qui manque, construire, ouvrir un écran virtuel.
+# À lire par « . » depuis un script bash lancé avec « set -euo pipefail ».
+
+racine=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+dire() { printf '%s\n' "$*"; }
+abandonner() {
+  printf '%s\n' "$*" >&2
+  exit 1
+}
+
+paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libwebkitgtk-6.0-dev
+  libcurl4-openssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
+paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
+paquets_ecran=(xvfb openbox imagemagick)
+paquets_essais=(libgtest-dev libgmock-dev xdotool at-spi2-core python3 python3-gi gir1.2-atspi-2.0 locales
+  procps)
+paquets_portabilite=(clang-19 libc++-19-dev libc++abi-19-dev)
+
+est_installe() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+en_administrateur() {
+  if [ "$(id -u)" = 0 ]; then "$@"; elif command -v sudo >/dev/null; then sudo "$@"; else
+    abandonner "Il faut être administrateur pour installer ces paquets : relancez en root, ou installez sudo."
+  fi
+}
+
+# installer_ce_qui_manque <paquets…> : dit ce qu’il installe, puis l’installe. Ne fait rien la seconde fois.
+installer_ce_qui_manque() {
+  command -v apt-get >/dev/null || abandonner "Ce script installe des paquets Debian : il lui faut apt-get (Debian 12 ou voisine)."
+  local manquants=() paquet
+  for paquet in "$@"; do est_installe "$paquet" || manquants+=("$paquet"); done
+  # Un Node venu d’ailleurs convient aussi, s’il est assez récent et apporte npm.
+  command -v node >/dev/null || manquants+=(nodejs)
+  command -v npm >/dev/null || manquants+=(npm)
+  if [ ${#manquants[@]} -gt 0 ]; then
+    dire "J’installe : ${manquants[*]}"
+    en_administrateur apt-get update -qq || abandonner "Impossible de lire la liste des paquets : vérifiez la connexion et /etc/apt/sources.list."
+    en_administrateur env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+      "${manquants[@]}" >/dev/null || abandonner "Debian n’a pas pu installer ces paquets : ${manquants[*]}"
+  fi
+  [ "$(node -p 'process.versions.node.split(".")[0]')" -ge 18 ] ||
+    abandonner "Le serveur demande Node 18 ou plus récent ; celui-ci est $(node --version)."
+}
+
+# construire <préréglage> [options de cmake…]
+construire() {
+  local prereglage=$1 trace
+  shift
+  trace=$(mktemp)
+  dire "Je construis ($prereglage)…"
+  if ! { (cd "$racine" && cmake --preset "$prereglage" "$@" && cmake --build --preset "$prereglage") >"$trace" 2>&1; }; then
+    tail -n 60 "$trace" >&2
+    rm -f "$trace"
+    abandonner "La construction « $prereglage » a échoué : l’erreur est juste au-dessus."
+  fi
+  grep -E '(warning|avertissement):' "$trace" || true
+  rm -f "$trace"
+}
+
+# ouvrir_un_ecran_virtuel : démarre Xvfb et un gestionnaire de fenêtres, et règle DISPLAY.
+ouvrir_un_ecran_virtuel() {
+  local tube numero
+  tube=$(mktemp -u)
+  mkfifo "$tube"
+  Xvfb -displayfd 3 -screen 0 1360x900x24 -nolisten tcp 3>"$tube" >/dev/null 2>&1 &
+  pid_ecran=$!
+  read -r numero <"$tube" || abandonner "L’écran virtuel n’a pas pu s’ouvrir."
+  rm -f "$tube"
+  export DISPLAY=":$numero"
+  unset WAYLAND_DISPLAY
+  openbox --sm-disable >/dev/null 2>&1 &
+  pid_gestionnaire=$!
+}
+
+fermer_l_ecran_virtuel() {
+  [ -z "${pid_gestionnaire:-}" ] || kill "$pid_gestionnaire" 2>/dev/null || true
+  [ -z "${pid_ecran:-}" ] || kill "$pid_ecran" 2>/dev/null || true
+}
+
+# attendre_l_etape <fichier> <étape> <pid> : lit le journal au fil de l’eau jusqu’à cette étape.
+attendre_l_etape() {
+  local ligne
+  while IFS= read -r ligne; do
+    case $ligne in "  [keltrove] $2 "*) return 0 ;; esac
+  done < <(timeout 120 tail -n +1 -f --pid="$3" "$1" 2>/dev/null)
+  return 1
+}

@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Installe ce que les essais demandent, construit et passe tous les essais.
+#   outils/essayer.sh             tout
+#   outils/essayer.sh --rapide    sans les assainisseurs ni la seconde bibliothèque standard
+set -euo pipefail
+. "$(dirname "$0")/commun.sh"
+
+rapide=non
+case "${1:-}" in
+  "") ;;
+  --rapide) rapide=oui ;;
+  *) abandonner "Option inconnue : $1. Essayez outils/essayer.sh, ou outils/essayer.sh --rapide" ;;
+esac
+
+paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}")
+[ $rapide = oui ] || paquets+=("${paquets_portabilite[@]}")
+installer_ce_qui_manque "${paquets[@]}"
+
+essais_unitaires() {
+  dire "Essais unitaires ($1)…"
+  ctest --test-dir "$racine/build/$1" -j"$(nproc)" --output-on-failure ||
+    abandonner "Des essais unitaires échouent ($1) : relancez « ctest --test-dir build/$1 --output-on-failure »."
+  dire "Essais unitaires ($1) : réussis."
+}
+
+construire release -DKELTROVE_STRICT=ON
+essais_unitaires release
+
+dire "Le comportement ne lie aucune boîte à outils…"
+! ldd "$racine/build/release/essais/unitaires/essais_unitaires" "$racine/build/release/keltrove" | grep -E 'gtk|gdk|webkit|gio' ||
+  abandonner "Une bibliothèque du bureau est liée là où elle ne doit pas l’être."
+
+dire "Essais du serveur…"
+(cd "$racine/serveur" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error && npm test) ||
+  abandonner "Des essais du serveur échouent : relancez « npm test » dans serveur/."
+
+if [ $rapide = non ]; then
+  construire libcxx -DKELTROVE_STRICT=ON
+  for prereglage in asan tsan; do
+    construire "$prereglage" -DKELTROVE_BUREAU=OFF
+    essais_unitaires "$prereglage"
+  done
+fi
+
+dire "Essais de bout en bout, sur un écran virtuel…"
+KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh"

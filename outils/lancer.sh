@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# Installe ce qui manque, construit et ouvre Keltrove sur un vrai terminal.
+#   outils/lancer.sh                        ouvre l’application
+#   outils/lancer.sh --capture image.png    l’ouvre à l’abri des regards, la photographie et la referme
+set -euo pipefail
+. "$(dirname "$0")/commun.sh"
+
+image=""
+case "${1:-}" in
+  "") ;;
+  --capture)
+    [ $# -eq 2 ] || abandonner "Il manque le nom de l’image : outils/lancer.sh --capture image.png"
+    image=$2
+    [ -d "$(dirname "$image")" ] || abandonner "Le dossier de l’image n’existe pas : $(dirname "$image")"
+    ;;
+  *) abandonner "Option inconnue : $1. Essayez outils/lancer.sh, ou outils/lancer.sh --capture image.png" ;;
+esac
+
+paquets=("${paquets_construction[@]}" "${paquets_execution[@]}")
+sans_ecran=non
+[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || sans_ecran=oui
+[ -z "$image" ] || sans_ecran=oui
+[ $sans_ecran = non ] || paquets+=("${paquets_ecran[@]}")
+installer_ce_qui_manque "${paquets[@]}"
+construire release
+
+if [ $sans_ecran = non ]; then
+  exec "$racine/build/release/keltrove"
+fi
+
+trap fermer_l_ecran_virtuel EXIT
+ouvrir_un_ecran_virtuel
+
+if [ -z "$image" ]; then
+  dire "Aucun écran ici : j’en ai ouvert un virtuel ($DISPLAY). Pour une image : outils/lancer.sh --capture image.png"
+  dire "ou, pendant que l’application tourne : import -display $DISPLAY -window root image.png. Ctrl+C pour quitter."
+  "$racine/build/release/keltrove" &
+  application=$!
+  # Le même Ctrl+C atteint l’application, qui quitte poliment : il ne reste qu’à l’attendre.
+  trap 'kill -TERM "$application" 2>/dev/null || true' INT TERM HUP
+  while kill -0 "$application" 2>/dev/null; do wait "$application" || etat=$?; done
+  exit "${etat:-0}"
+fi
+
+journal=$(mktemp)
+"$racine/build/release/keltrove" 2>"$journal" &
+application=$!
+trap 'kill -TERM "$application" 2>/dev/null || true; wait "$application" || true; fermer_l_ecran_virtuel; rm -f "$journal"' EXIT
+attendre_l_etape "$journal" page-contenu "$application" || {
+  cat "$journal" >&2
+  abandonner "La page n’est pas venue : le journal de l’application est juste au-dessus."
+}
+import -window root "$image" || abandonner "L’image n’a pas pu être écrite : $image"
+dire "Image écrite : $image"
