@@ -1,0 +1,105 @@
+// BoucleVirtuelle : le fil principal des essais. Son temps n’avance que quand l’essai le demande.
+#pragma once
+
+#include "socle/BoucleEvenements.hpp"
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+
+namespace keltrove::essais {
+
+class BoucleVirtuelle final : public socle::BoucleEvenements {
+public:
+  void poster(socle::Tache tache) override {
+    {
+      const std::lock_guard garde(verrou_);
+      taches_.push_back(std::move(tache));
+    }
+    arrivee_.notify_all();
+  }
+
+  socle::Minuteur apres(double secondes, socle::Tache tache) override {
+    return programmer(secondes, 0, std::move(tache));
+  }
+  socle::Minuteur chaque(double secondes, socle::Tache tache) override {
+    return programmer(secondes, secondes, std::move(tache));
+  }
+
+  // Exécute ce qui est posté, sans attendre.
+  void vider() {
+    while (executerUneTache()) {
+    }
+  }
+
+  // Exécute ce qui est posté, et les minuteurs échus à mesure que le temps avance.
+  void avancer(double secondes) {
+    const double but = maintenant_ + secondes;
+    vider();
+    for (auto prochain = rendezVous_.begin(); prochain != rendezVous_.end() && prochain->first.first <= but;
+         prochain = rendezVous_.begin()) {
+      maintenant_ = prochain->first.first;
+      auto rendezVous = prochain->second;
+      const auto numero = prochain->first.second;
+      rendezVous_.erase(prochain);
+      if (rendezVous.periode > 0) rendezVous_[{maintenant_ + rendezVous.periode, numero}] = rendezVous;
+      rendezVous.tache();
+      vider();
+    }
+    maintenant_ = but;
+  }
+
+  // Exécute ce que d’autres fils postent jusqu’à ce que la condition soit vraie ; faux après dix secondes
+  // réelles, pour qu’un essai raté se termine.
+  bool attendre(const std::function<bool()>& condition) {
+    const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (;;) {
+      vider();
+      if (condition()) return true;
+      std::unique_lock garde(verrou_);
+      if (!arrivee_.wait_until(garde, limite, [this] { return !taches_.empty(); })) return condition();
+    }
+  }
+
+  double maintenant() const { return maintenant_; }
+  std::size_t minuteursEnAttente() const { return rendezVous_.size(); }
+
+private:
+  struct RendezVous {
+    double periode = 0;
+    socle::Tache tache;
+  };
+
+  socle::Minuteur programmer(double secondes, double periode, socle::Tache tache) {
+    const auto numero = ++dernierNumero_;
+    rendezVous_[{maintenant_ + secondes, numero}] = {periode, std::move(tache)};
+    return socle::Minuteur([this, numero] {
+      std::erase_if(rendezVous_, [numero](const auto& entree) { return entree.first.second == numero; });
+    });
+  }
+
+  bool executerUneTache() {
+    socle::Tache tache;
+    {
+      const std::lock_guard garde(verrou_);
+      if (taches_.empty()) return false;
+      tache = std::move(taches_.front());
+      taches_.pop_front();
+    }
+    tache();
+    return true;
+  }
+
+  std::mutex verrou_; // taches_
+  std::condition_variable arrivee_;
+  std::deque<socle::Tache> taches_;
+
+  std::map<std::pair<double, int>, RendezVous> rendezVous_;
+  int dernierNumero_ = 0;
+  double maintenant_ = 0;
+};
+
+} // namespace keltrove::essais

@@ -1,0 +1,208 @@
+#include "fenetre/FenetrePrincipale.hpp"
+
+#include "BoucleVirtuelle.hpp"
+#include "VueEnregistreuse.hpp"
+#include "fenetre/SondeContenu.hpp"
+#include "socle/Journal.hpp"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace keltrove::fenetre {
+namespace {
+
+namespace Journal = socle::Journal;
+
+std::vector<std::string> nomsDesEtapes() {
+  std::vector<std::string> noms;
+  for (const auto& etape : Journal::etapes()) noms.push_back(std::get<std::string>(etape.at("etape")));
+  return noms;
+}
+
+Journal::Details derniereEtape() {
+  auto etape = Journal::etapes().back();
+  etape.erase("seconde");
+  return etape;
+}
+
+class EssaiFenetre : public testing::Test {
+protected:
+  EssaiFenetre() {
+    ::unsetenv("KELTROVE_ESSAI");
+    ::unsetenv("KELTROVE_DISCRET");
+  }
+  essais::BoucleVirtuelle boucle;
+  essais::VueEnregistreuse vue;
+  FenetrePrincipale fenetre{vue, boucle};
+};
+
+TEST_F(EssaiFenetre, SeMontreDevantEnTempsOrdinaire) {
+  fenetre.afficher();
+  EXPECT_EQ(vue.devant, 1);
+  EXPECT_EQ(vue.derriere, 0);
+}
+
+TEST_F(EssaiFenetre, ResteCacheeEnModeEssaiMemeDiscret) {
+  ::setenv("KELTROVE_ESSAI", "1", 1);
+  ::setenv("KELTROVE_DISCRET", "1", 1);
+  fenetre.afficher();
+  EXPECT_EQ(vue.devant + vue.derriere, 0);
+}
+
+TEST_F(EssaiFenetre, SeMetDerriereEtDitSonNumeroEnModeDiscret) {
+  ::setenv("KELTROVE_DISCRET", "1", 1);
+  testing::internal::CaptureStderr();
+  fenetre.afficher();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "  [keltrove] numero-fenetre 1234\n");
+  EXPECT_EQ(vue.derriere, 1);
+  EXPECT_EQ(vue.devant, 0);
+}
+
+TEST_F(EssaiFenetre, ChargeLaPageDuPort) {
+  fenetre.chargerLaPage(8080);
+  EXPECT_EQ(vue.adresses, std::vector<std::string>{"http://localhost:8080/"});
+}
+
+TEST_F(EssaiFenetre, LaPageFinieCacheLEcranEtSeNoteAvecSonPort) {
+  fenetre.ecran().montrerAttente("T", "P");
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  EXPECT_FALSE(vue.ecran().visible);
+  EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-affichee"}, {"port", std::int64_t{8080}}}));
+}
+
+TEST_F(EssaiFenetre, UnePageFinieSansPortSeNoteAvecZero) {
+  vue.quandNavigationFinie();
+  EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-affichee"}, {"port", std::int64_t{0}}}));
+}
+
+TEST_F(EssaiFenetre, LeContenuEstSondeUneSecondeApres) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  boucle.avancer(0.99);
+  EXPECT_TRUE(vue.evaluations.empty());
+  boucle.avancer(0.01);
+  ASSERT_EQ(vue.evaluations.size(), 1U);
+  EXPECT_EQ(vue.evaluations[0].first,
+            "document.title + '|' + document.querySelectorAll('*').length + '|' + "
+            "(document.querySelector('meta[name=keltrove-jeton]')?.content === '__JETON__' ? "
+            "'jeton-non-rempli' : 'jeton-rempli')");
+  vue.evaluations[0].second("Accueil|52|jeton-rempli");
+  EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-contenu"},
+                                               {"titre", "Accueil"},
+                                               {"elements", std::int64_t{52}},
+                                               {"cle", "jeton-rempli"}}));
+}
+
+TEST_F(EssaiFenetre, UneReponseQuiNEstPasUnTexteNeNoteRien) {
+  vue.quandNavigationFinie();
+  boucle.avancer(1);
+  vue.evaluations.at(0).second(std::nullopt);
+  EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
+}
+
+TEST_F(EssaiFenetre, UneReponseApresLaFenetreNeNoteRien) {
+  essais::VueEnregistreuse autreVue;
+  {
+    FenetrePrincipale breve(autreVue, boucle);
+    autreVue.quandNavigationFinie();
+    boucle.avancer(1);
+  }
+  autreVue.evaluations.at(0).second("T|1|x");
+  EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
+}
+
+TEST(SondeContenu, UnTitreVideDecaleLesMorceaux) {
+  EXPECT_EQ(lireSonde("|52|jeton-rempli"),
+            (Journal::Details{{"titre", "52"}, {"elements", std::int64_t{0}}, {"cle", "?"}}));
+}
+
+TEST(SondeContenu, UneReponseVideOuIllisibleDonneDesValeursNeutres) {
+  EXPECT_EQ(lireSonde(""), (Journal::Details{{"titre", "?"}, {"elements", std::int64_t{0}}, {"cle", "?"}}));
+  EXPECT_EQ(lireSonde("T|+5|c").at("elements"), Journal::Valeur(std::int64_t{5}));
+  EXPECT_EQ(lireSonde("T|-5|c").at("elements"), Journal::Valeur(std::int64_t{-5}));
+  EXPECT_EQ(lireSonde("T|+-5|c").at("elements"), Journal::Valeur(std::int64_t{0}));
+  EXPECT_EQ(lireSonde("T|5x|c").at("elements"), Journal::Valeur(std::int64_t{0}));
+  EXPECT_EQ(lireSonde("T|99999999999999999999|c").at("elements"), Journal::Valeur(std::int64_t{0}));
+  EXPECT_EQ(lireSonde("A|B|5|c|d").at("cle"), Journal::Valeur("5"));
+}
+
+TEST_F(EssaiFenetre, UnePageRateeMontreLeProblemeAvecSonDetailEtSeNote) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationRatee({.description = "Connexion refusée"});
+  EXPECT_EQ(vue.ecran(),
+            (EtatEcran{.titre = "La page de keltrove ne s’affiche pas",
+                       .phrase = "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : "
+                                 "un nouvel essai suffit presque toujours.",
+                       .conseil = "Cliquez sur « Réessayer ».",
+                       .boutonReessayer = true,
+                       .boutonDetail = true,
+                       .detail = "Connexion refusée"}));
+  EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-ratee"}, {"raison", "Connexion refusée"}}));
+}
+
+TEST_F(EssaiFenetre, UnChargementRemplaceParUnAutreNeMontreRien) {
+  fenetre.chargerLaPage(8080);
+  fenetre.chargerLaPage(8081);
+  vue.quandNavigationRatee({.annulee = true, .description = "annulé"});
+  EXPECT_TRUE(vue.ecrans.empty());
+  EXPECT_TRUE(Journal::etapes().empty());
+}
+
+TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
+  fenetre.chargerLaPage(8080);
+  boucle.avancer(59.9);
+  vue.quandNavigationAvance();
+  boucle.avancer(59.9);
+  EXPECT_EQ(vue.chargementsArretes, 0);
+  boucle.avancer(0.1);
+  EXPECT_EQ(vue.chargementsArretes, 1);
+  EXPECT_EQ(derniereEtape().at("etape"), Journal::Valeur("page-ratee"));
+  EXPECT_TRUE(vue.ecran().boutonReessayer);
+}
+
+TEST_F(EssaiFenetre, UnePageFinieNAPlusDeDelai) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  vue.quandNavigationAvance();
+  boucle.avancer(300);
+  EXPECT_EQ(vue.chargementsArretes, 0);
+}
+
+TEST_F(EssaiFenetre, LeBandeauSEffaceApresSaDuree) {
+  fenetre.afficherBandeau("Version 2 prête", 4);
+  EXPECT_EQ(vue.bandeaux.back(), (EtatBandeau{.visible = true, .texte = "  Version 2 prête  "}));
+  EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "bandeau"}, {"texte", "Version 2 prête"}}));
+  boucle.avancer(3.99);
+  EXPECT_TRUE(vue.bandeaux.back().visible);
+  boucle.avancer(0.01);
+  EXPECT_FALSE(vue.bandeaux.back().visible);
+}
+
+TEST_F(EssaiFenetre, UnSecondBandeauDureToutSonTemps) {
+  fenetre.afficherBandeau("un", 4);
+  boucle.avancer(3);
+  fenetre.afficherBandeau("deux", 4);
+  boucle.avancer(3.99);
+  EXPECT_EQ(vue.bandeaux.back(), (EtatBandeau{.visible = true, .texte = "  deux  "}));
+  boucle.avancer(0.01);
+  EXPECT_FALSE(vue.bandeaux.back().visible);
+}
+
+TEST_F(EssaiFenetre, ReessayerEtRechargerMenentAuMemeAppel) {
+  vue.quandOnReessaie(); // personne n’écoute encore
+  int essais = 0;
+  fenetre.quandOnDemandeUnEssai = [&] { ++essais; };
+  vue.quandOnReessaie();
+  fenetre.rechargerVraiment();
+  EXPECT_EQ(essais, 2);
+}
+
+TEST_F(EssaiFenetre, LeBoutonDuDetailDeplieLEcran) {
+  fenetre.ecran().montrerProbleme("T", "P", "C", "journal");
+  vue.quandOnBasculeLeDetail();
+  EXPECT_TRUE(vue.ecran().cadreDetail);
+}
+
+} // namespace
+} // namespace keltrove::fenetre

@@ -1,0 +1,37 @@
+// VueEnregistreuse : une fenêtre sans écran. Ses listes sont ce que les essais comparent.
+#pragma once
+
+#include "fenetre/VueFenetre.hpp"
+
+#include <utility>
+#include <vector>
+
+namespace keltrove::essais {
+
+class VueEnregistreuse final : public fenetre::VueFenetre {
+public:
+  std::vector<fenetre::EtatEcran> ecrans;
+  std::vector<fenetre::EtatBandeau> bandeaux;
+  std::vector<std::string> adresses;
+  std::vector<std::pair<std::string, std::function<void(std::optional<std::string>)>>> evaluations;
+  int devant = 0;
+  int derriere = 0;
+  int chargementsArretes = 0;
+
+  const fenetre::EtatEcran& ecran() const { return ecrans.back(); }
+
+  void dessiner(const fenetre::EtatEcran& etat) override { ecrans.push_back(etat); }
+  void dessiner(const fenetre::EtatBandeau& etat) override { bandeaux.push_back(etat); }
+  void mettreDevant() override { ++devant; }
+  unsigned long mettreDerriere() override {
+    ++derriere;
+    return 1234;
+  }
+  void charger(const std::string& adresse) override { adresses.push_back(adresse); }
+  void arreterLeChargement() override { ++chargementsArretes; }
+  void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) override {
+    evaluations.emplace_back(expression, std::move(fini));
+  }
+};
+
+} // namespace keltrove::essais
