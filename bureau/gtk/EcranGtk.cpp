@@ -20,18 +20,14 @@ Glib::ustring affichable(const std::string& texte) {
   return valide.get();
 }
 
-void ecrire(Gtk::Label& label, const std::string& texte) {
-  label.set_text(affichable(texte));
-  label.set_visible(!texte.empty());
-}
-
 } // namespace
 
-EcranGtk::EcranGtk() : boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons), pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
+EcranGtk::EcranGtk()
+    : phrase_(Ecran::largeurDuTexte, "phrase"), conseil_(Ecran::largeurDuTexte, "conseil"), boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons), pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
   add_css_class("ecran-attente");
   set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
   set_focusable(true);
-  construireLesTextes();
+  construireLeTitre();
   construireLesBoutons();
   construireLeDetail();
   pile_.set_valign(Gtk::Align::CENTER);
@@ -47,19 +43,9 @@ EcranGtk::EcranGtk() : boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBou
   lierEntree();
 }
 
-void EcranGtk::construireLesTextes() {
+void EcranGtk::construireLeTitre() {
   titre_.add_css_class("titre");
   titre_.set_ellipsize(Pango::EllipsizeMode::END);
-  phrase_.add_css_class("phrase");
-  conseil_.add_css_class("conseil");
-  for (auto* label : {&phrase_, &conseil_}) {
-    label->set_wrap(true);
-    label->set_wrap_mode(Pango::WrapMode::WORD_CHAR);
-    label->set_justify(Gtk::Justification::CENTER);
-    label->set_size_request(Ecran::largeurDuTexte, -1);
-    // Sans largeur naturelle plus grande, le texte se replie à la largeur demandée.
-    label->set_max_width_chars(1);
-  }
 }
 
 void EcranGtk::construireLesBoutons() {
@@ -109,9 +95,9 @@ void EcranGtk::lierEntree() {
 }
 
 void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
-  ecrire(titre_, etat.titre);
-  ecrire(phrase_, etat.phrase);
-  ecrire(conseil_, etat.conseil);
+  titre_.set_text(affichable(etat.titre));
+  phrase_.ecrire(affichable(etat.phrase));
+  conseil_.ecrire(affichable(etat.conseil));
   roue_.set_visible(etat.roue);
   roue_.set_spinning(etat.roue);
   boutonReessayer_.set_visible(etat.boutonReessayer);

@@ -1,6 +1,7 @@
 // EcranGtk : la vue de l’écran d’attente. Elle dessine un EtatEcran et rapporte les deux boutons.
 #pragma once
 
+#include "bureau/gtk/TexteReplie.hpp"
 #include "fenetre/EcranAttente.hpp"
 
 #include <functional>
@@ -23,7 +24,7 @@ public:
   std::function<void()> quandOnBasculeLeDetail;
 
 private:
-  void construireLesTextes();
+  void construireLeTitre();
   void construireLesBoutons();
   void construireLeDetail();
   void lierEntree();
@@ -31,8 +32,8 @@ private:
 
   Gtk::Spinner roue_;
   Gtk::Label titre_;
-  Gtk::Label phrase_;
-  Gtk::Label conseil_;
+  TexteReplie phrase_;
+  TexteReplie conseil_;
   Gtk::Button boutonReessayer_;
   Gtk::Button boutonDetail_;
   Gtk::TextView detail_;

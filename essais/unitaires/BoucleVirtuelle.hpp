@@ -65,6 +65,7 @@ public:
   }
 
   double maintenant() const { return maintenant_; }
+  int tachesExecutees() const { return tachesExecutees_; }
   std::size_t minuteursEnAttente() const { return rendezVous_.size(); }
 
 private:
@@ -89,6 +90,7 @@ private:
       tache = std::move(taches_.front());
       taches_.pop_front();
     }
+    ++tachesExecutees_;
     tache();
     return true;
   }
@@ -100,6 +102,7 @@ private:
   std::map<std::pair<double, int>, RendezVous> rendezVous_;
   int dernierNumero_ = 0;
   double maintenant_ = 0;
+  int tachesExecutees_ = 0;
 };
 
 } // namespace keltrove::essais

@@ -151,12 +151,12 @@ TEST_F(EssaiFenetre, UnChargementRemplaceParUnAutreNeMontreRien) {
 
 TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   fenetre.chargerLaPage(8080);
-  boucle.avancer(59.9);
+  boucle.avancer(59);
   vue.quandNavigationAvance();
-  boucle.avancer(59.9);
+  boucle.avancer(59);
   EXPECT_EQ(vue.chargementsArretes, 0);
-  boucle.avancer(0.1);
-  EXPECT_EQ(vue.chargementsArretes, 1);
+  boucle.avancer(1);
+  ASSERT_EQ(vue.chargementsArretes, 1);
   EXPECT_EQ(derniereEtape().at("etape"), Journal::Valeur("page-ratee"));
   EXPECT_TRUE(vue.ecran().boutonReessayer);
 }
