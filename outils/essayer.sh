@@ -23,7 +23,7 @@ essais_unitaires() {
   dire "Essais unitaires ($1) : réussis."
 }
 
-construire release -DKELTROVE_STRICT=ON
+construire release -DKELTROVE_STRICT=ON -DKELTROVE_ESSAIS=ON
 essais_unitaires release
 
 dire "Le comportement ne lie aucune boîte à outils…"

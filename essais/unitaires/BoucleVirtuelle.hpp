@@ -53,15 +53,17 @@ public:
   }
 
   // Exécute ce que d’autres fils postent jusqu’à ce que la condition soit vraie ; faux après dix secondes
-  // réelles, pour qu’un essai raté se termine.
+  // réelles, pour qu’un essai raté se termine. La condition est aussi relue de temps en temps : tout ce que font
+  // les autres fils ne passe pas par la boucle.
   bool attendre(const std::function<bool()>& condition) {
     const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    for (;;) {
+    do {
       vider();
       if (condition()) return true;
       std::unique_lock garde(verrou_);
-      if (!arrivee_.wait_until(garde, limite, [this] { return !taches_.empty(); })) return condition();
-    }
+      arrivee_.wait_for(garde, std::chrono::milliseconds(5), [this] { return !taches_.empty(); });
+    } while (std::chrono::steady_clock::now() < limite);
+    return false;
   }
 
   double maintenant() const { return maintenant_; }

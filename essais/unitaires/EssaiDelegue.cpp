@@ -9,11 +9,9 @@
 #include "socle/Journal.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <thread>
 #include <unistd.h>
 
 namespace keltrove::app {
@@ -108,9 +106,7 @@ TEST_F(EssaiDelegue, UnServeurAllumeOuvreLaPageEtNoteSaSante) {
   EXPECT_EQ(vue.ecran().titre, "Le serveur répond");
   EXPECT_EQ(vue.ecran().phrase, fmt::format("J’ouvre la page (port {}).", maison.port()));
   EXPECT_EQ(vue.adresses, std::vector{fmt::format("http://localhost:{}/", maison.port())});
-  // La santé se note depuis un fil d’arrière-plan, sans passer par la boucle.
-  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (!aEteNotee("sante") && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  ASSERT_TRUE(attendreLEtape("sante"));
   EXPECT_EQ(detailsDe("sante"),
             (Journal::Details{{"version", std::string("1.4.2")}, {"carnet", std::int64_t{5}}}));
 }
@@ -279,10 +275,7 @@ TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranD
   maison.ecrire("ressources/keltrove/serveur.mjs",
                 "import fs from 'node:fs'; fs.writeFileSync('lance', ''); setInterval(() => {}, 1000);");
   delegue.applicationDidFinishLaunching(vue);
-  ASSERT_TRUE(boucle->attendre([&] {
-    boucle->poster([] {});
-    return moteur->nousLavonsAllume();
-  }));
+  ASSERT_TRUE(boucle->attendre([&] { return moteur->nousLavonsAllume(); }));
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
   ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
   EXPECT_EQ(detailsDe("arret-fini"),
