@@ -2,6 +2,7 @@
 
 #include "app/ModuleBureau.hpp"
 #include "bureau/gtk/ApplicationGtk.hpp"
+#include "bureau/gtk/BacASable.hpp"
 #include "bureau/gtk/BoucleGlib.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "moteur/MoteurServeur.hpp"
@@ -33,6 +34,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
   bureau::choisirLeRendu();
+  bureau::eprouverLeBacASable();
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();
