@@ -13,7 +13,7 @@ std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& ex
   for (const auto* sousDossier : {"", "../lib/keltrove"}) {
     const auto chemin = ajouterComposant(ajouterComposant(dossier, sousDossier), nomDuModule);
     if (!socle::existe(chemin)) continue;
-    void* module = ::dlopen(chemin.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* module = ::dlopen(chemin.c_str(), RTLD_LAZY | RTLD_LOCAL);
     void* entree = module != nullptr ? ::dlsym(module, nomDeLEntree) : nullptr;
     if (entree == nullptr) {
       const char* raison = ::dlerror();

@@ -99,7 +99,7 @@ void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
   phrase_.ecrire(affichable(etat.phrase));
   conseil_.ecrire(affichable(etat.conseil));
   roue_.set_visible(etat.roue);
-  roue_.set_spinning(etat.roue);
+  roue_.tourner(etat.roue);
   boutonReessayer_.set_visible(etat.boutonReessayer);
   boutonDetail_.set_visible(etat.boutonDetail);
   boutonDetail_.set_label(etat.titreDuBoutonDetail);

@@ -1,6 +1,7 @@
 // EcranGtk : la vue de l’écran d’attente. Elle dessine un EtatEcran et rapporte les deux boutons.
 #pragma once
 
+#include "bureau/gtk/Roue.hpp"
 #include "bureau/gtk/TexteReplie.hpp"
 #include "fenetre/EcranAttente.hpp"
 
@@ -9,7 +10,6 @@
 #include <gtkmm/button.h>
 #include <gtkmm/label.h>
 #include <gtkmm/scrolledwindow.h>
-#include <gtkmm/spinner.h>
 #include <gtkmm/textview.h>
 
 namespace keltrove::bureau {
@@ -30,7 +30,7 @@ private:
   void lierEntree();
   void donnerLeClavier(const fenetre::EtatEcran& etat);
 
-  Gtk::Spinner roue_;
+  Roue roue_;
   Gtk::Label titre_;
   TexteReplie phrase_;
   TexteReplie conseil_;

@@ -4,9 +4,11 @@
 #include "bureau/gtk/Style.hpp"
 #include "fenetre/Apparence.hpp"
 
+#include <glibmm/main.h>
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/settings.h>
 #include <gtkmm/stylecontext.h>
+#include <malloc.h>
 #ifdef GDK_WINDOWING_X11
 #include <gdk/x11/gdkx.h>
 #endif
@@ -93,7 +95,10 @@ void FenetreGtk::dessiner(const fenetre::EtatEcran& etat) {
   // Sous l’écran, la page ne doit recevoir ni touche ni focus.
   vueWeb_.widget().set_can_focus(!etat.visible);
   ecran_.dessiner(etat);
-  if (!etat.visible) vueWeb_.widget().grab_focus();
+  if (etat.visible) return;
+  vueWeb_.widget().grab_focus();
+  // Le démarrage laisse plusieurs mégaoctets libres que l’allocateur garderait pour lui.
+  Glib::signal_timeout().connect_once([] { ::malloc_trim(0); }, 1000, Glib::PRIORITY_LOW);
 }
 
 void FenetreGtk::dessiner(const fenetre::EtatBandeau& etat) {

@@ -46,8 +46,7 @@ std::string regleDesTextes() {
   return regle(".ecran-attente .titre", police(Ecran::tailleDuTitre) + "font-weight: 600; color: " + enCSS(Ecran::titre)) +
          regle(".ecran-attente .phrase", police(Ecran::tailleDuTexte) + "color: " + enCSS(Ecran::phrase)) +
          regle(".ecran-attente .conseil",
-               police(Ecran::tailleDuTexte) + "font-weight: 500; color: " + enCSS(Ecran::conseil)) +
-         regle(".ecran-attente spinner", "color: " + enCSS(Ecran::phrase) + "; min-width: 32px; min-height: 32px;");
+               police(Ecran::tailleDuTexte) + "font-weight: 500; color: " + enCSS(Ecran::conseil));
 }
 
 std::string regleDuDetail() {
