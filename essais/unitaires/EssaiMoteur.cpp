@@ -1,0 +1,299 @@
+// Le moteur avec de vrais processus et de vraies prises ; seules ses attentes sont accélérées.
+
+#include "moteur/MoteurServeur.hpp"
+
+#include "BoucleVirtuelle.hpp"
+#include "HorlogeAcceleree.hpp"
+#include "MaisonTemporaire.hpp"
+#include "ServeurFactice.hpp"
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace keltrove::moteur {
+namespace {
+
+using socle::Environnement;
+
+// Chaque serveur note son numéro dans « pid » : l’essai le signale, et le nettoie s’il rate.
+constexpr const char* entete = R"(
+import http from 'node:http';
+import fs from 'node:fs';
+fs.appendFileSync('pid', process.pid + '\n');
+const servir = (port, hote) => http.createServer((_, r) => r.end('<meta name="keltrove-jeton">')).listen(port, hote);
+)";
+
+class EssaiMoteur : public testing::Test {
+protected:
+  ~EssaiMoteur() override {
+    for (const auto pid : pids()) ::kill(pid, SIGKILL);
+    boucle->attendre([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; });
+    EXPECT_TRUE(::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD) << "un zombie est resté";
+  }
+
+  void poser(const std::string& code) const {
+    auto complet = entete + code;
+    for (std::size_t i; (i = complet.find("PORT")) != std::string::npos;)
+      complet.replace(i, 4, std::to_string(maison.port()));
+    maison.ecrire("ressources/keltrove/serveur.mjs", complet);
+  }
+  void poserLaPorte(const std::string& script) const {
+    maison.ecrireExecutable("ressources/demarrer-keltrove.sh", "#!/bin/sh\n" + script);
+  }
+  std::vector<pid_t> pids() const {
+    std::vector<pid_t> numeros;
+    for (const auto* fichier : {"ressources/keltrove/pid", "ressources/pid"}) {
+      std::istringstream texte(maison.lire(fichier));
+      for (pid_t pid; texte >> pid;) numeros.push_back(pid);
+    }
+    return numeros;
+  }
+
+  std::optional<Demarrage> demarrer() {
+    std::optional<Demarrage> issue;
+    moteur->demarrer([&](const Demarrage& recue) { issue = recue; });
+    EXPECT_TRUE(boucle->attendre([&] { return issue.has_value(); }));
+    return issue;
+  }
+  std::string arreter() {
+    std::optional<std::string> message;
+    moteur->arreter([&](const std::string& recu) { message = recu; });
+    EXPECT_TRUE(boucle->attendre([&] { return message.has_value(); }));
+    return message.value_or("rien");
+  }
+  static Demarrage echec(ErreurServeur erreur) { return std::unexpected(std::move(erreur)); }
+  static bool vivant(pid_t pid) { return ::kill(pid, 0) == 0; }
+
+  essais::MaisonTemporaire maison;
+  std::shared_ptr<essais::BoucleVirtuelle> boucle = std::make_shared<essais::BoucleVirtuelle>();
+  std::shared_ptr<essais::HorlogeAcceleree> horloge = std::make_shared<essais::HorlogeAcceleree>();
+  std::shared_ptr<MoteurServeur> moteur = std::make_shared<MoteurServeur>(
+      MoteurServeur::Contexte{.boucle = boucle,
+                              .horloge = horloge,
+                              .emplacements = Emplacements(maison.chemin("ressources")),
+                              .environnement = Environnement(::environ)});
+};
+
+TEST_F(EssaiMoteur, UnServeurANousQuiRepondEstRejointSansRienLancer) {
+  const essais::ServeurFactice dejaLa(essais::reponseHTTP("200 OK", "keltrove-jeton"));
+  maison.ecrire(".zelcor/keltrove.json", "{\"port\": " + std::to_string(dejaLa.port()) + "}");
+  poser("servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Rattache{dejaLa.port()}));
+  EXPECT_EQ(moteur->port(), dejaLa.port());
+  EXPECT_FALSE(moteur->nousLavonsAllume());
+  EXPECT_TRUE(pids().empty());
+  EXPECT_EQ(arreter(), "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
+}
+
+TEST_F(EssaiMoteur, UnServeurAbsentEstAllumePuisFermeProprement) {
+  poser("servir(PORT); process.on('SIGTERM', () => setTimeout(() => process.exit(0), 20));");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_TRUE(moteur->nousLavonsAllume());
+  const auto message = arreter();
+  EXPECT_TRUE(message.starts_with("Serveur fermé proprement en ") && message.ends_with(" seconde(s).")) << message;
+  EXPECT_EQ(message.find(','), std::string::npos);
+  EXPECT_FALSE(vivant(pids().at(0)));
+}
+
+TEST_F(EssaiMoteur, SansNodeOuSansCodeLeDitPrecisement) {
+  EXPECT_EQ(demarrer(), echec(CodeIntrouvable{{maison.chemin("ressources/keltrove/serveur.mjs"),
+                                              maison.chemin(".zelcor/it/keltrove/serveur.mjs")}}));
+  moteur = std::make_shared<MoteurServeur>(MoteurServeur::Contexte{
+      .boucle = boucle, .horloge = horloge, .emplacements = Emplacements(maison.chemin("ressources"), {}), .environnement = {}});
+  poser("servir(PORT);");
+  EXPECT_EQ(demarrer(), echec(NodeIntrouvable{}));
+}
+
+TEST_F(EssaiMoteur, UnLancementRefuseCiteLeSystemeEtNeChangeRien) {
+  poserLaPorte("");
+  maison.ecrireExecutable("ressources/demarrer-keltrove.sh", "#!/nulle/part\n");
+  EXPECT_EQ(demarrer(), echec(LancementImpossible{"No such file or directory"}));
+  EXPECT_FALSE(moteur->nousLavonsAllume());
+  EXPECT_EQ(moteur->port(), std::nullopt);
+}
+
+TEST_F(EssaiMoteur, UneMortAuDemarrageRendToutCeQueLeServeurAEcrit) {
+  poserLaPorte("printf 'un\\ndeux\\n' >&2; exit 1");
+  EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"un\ndeux"}));
+  EXPECT_TRUE(moteur->nousLavonsAllume());
+  EXPECT_EQ(moteur->port(), std::nullopt);
+  EXPECT_EQ(arreter(), "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
+}
+
+TEST_F(EssaiMoteur, UneMortAussitotAvecUnDescendantQuiGardeLeTubeNAttendPas) {
+  poserLaPorte("sleep 1000 & echo $! > pid; echo parti; exit 0");
+  EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"parti"}));
+}
+
+TEST_F(EssaiMoteur, UneCopieModifieeSeReconnaitASaMarqueQuoiQuElleEcriveDAutre) {
+  poserLaPorte("echo bonjour; echo 'MODIFIE=serveur.mjs'; echo fin; exit 1");
+  EXPECT_EQ(demarrer(), echec(CodeModifie{}));
+}
+
+TEST_F(EssaiMoteur, LaMarqueNEstRienSiLeServeurRepond) {
+  poser("console.log('MODIFIE=non'); servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+}
+
+TEST_F(EssaiMoteur, UnLanceurQuiFinitAlorsQuUnServeurANousRepondEstUnRattachement) {
+  // Le serveur ne se dit nôtre qu’une fois son lanceur parti.
+  poser("const lanceur = process.ppid; http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? '' : "
+        "'keltrove-jeton')).listen(PORT, '127.0.0.1', () => fs.writeFileSync('pret', ''));");
+  poserLaPorte("cd keltrove; node serveur.mjs & while [ ! -e pret ]; do :; done");
+  EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
+  EXPECT_FALSE(moteur->nousLavonsAllume());
+  EXPECT_EQ(moteur->port(), maison.port());
+}
+
+TEST_F(EssaiMoteur, QuaranteSecondesSansReponseLeDisentEtLaissentTournerLeServeur) {
+  poser("console.log('je réfléchis'); setInterval(() => {}, 1000);");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, "je réfléchis"}));
+  EXPECT_EQ(horloge->sommeils(), 160);
+  EXPECT_TRUE(moteur->nousLavonsAllume());
+  EXPECT_TRUE(vivant(pids().at(0)));
+  EXPECT_EQ(arreter(), "Le serveur n’a pas été retrouvé : rien à fermer.");
+  EXPECT_FALSE(vivant(pids().at(0)));
+}
+
+TEST_F(EssaiMoteur, UnAutrePortSeTrouveAuHuitiemeTourAuPlusTotEnIPv4CommeEnIPv6) {
+  for (const auto* hote : {"'127.0.0.1'", "'::'"}) {
+    const int autre = essais::portLibre();
+    poser("servir(" + std::to_string(autre) + ", " + hote + ");");
+    const int avant = horloge->sommeils();
+    EXPECT_EQ(demarrer(), Demarrage(Allume{autre}));
+    EXPECT_GE(horloge->sommeils() - avant, 7);
+    EXPECT_EQ(moteur->port(), autre);
+    EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  }
+}
+
+TEST_F(EssaiMoteur, LePetitEnfantQuiSertEstArreteAvecSonScript) {
+  poser("servir(PORT); process.on('SIGTERM', () => { fs.writeFileSync('recu', 'TERM'); process.exit(0); });");
+  poserLaPorte("cd keltrove; sh -c 'node serveur.mjs; :' ; true");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  EXPECT_EQ(maison.lire("ressources/keltrove/recu"), "TERM");
+}
+
+TEST_F(EssaiMoteur, LeServeurLanceDirectementNeRecoitQuUnSignal) {
+  poser("servir(PORT); process.on('SIGTERM', () => { fs.appendFileSync('recus', 'T'); "
+        "setTimeout(() => process.exit(0), 100); });");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  arreter();
+  EXPECT_EQ(maison.lire("ressources/keltrove/recus"), "T");
+}
+
+TEST_F(EssaiMoteur, UnServeurSourdEstLaisseEnVieAuBoutDeDouzeSecondes) {
+  poser("servir(PORT); process.on('SIGTERM', () => {});");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  const double debut = horloge->maintenant();
+  EXPECT_EQ(arreter(), "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.");
+  EXPECT_GE(horloge->maintenant() - debut, 12.0);
+  EXPECT_LT(horloge->maintenant() - debut, 12.2);
+  EXPECT_TRUE(vivant(pids().at(0)));
+}
+
+TEST_F(EssaiMoteur, LaMortEnServiceSAnnonceAvecLaSortieDuServeur) {
+  poser("servir(PORT); console.log('prêt'); process.on('SIGUSR1', () => { console.log('adieu'); process.exit(1); });");
+  std::optional<ErreurServeur> mort;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur& erreur) { mort = erreur; };
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  ::kill(pids().at(0), SIGUSR1);
+  ASSERT_TRUE(boucle->attendre([&] { return mort.has_value(); }));
+  // Deux lectures : la fin de ligne de la première laisse une ligne vide.
+  EXPECT_EQ(mort, ErreurServeur(PerduEnRoute{"prêt\n\nadieu"}));
+}
+
+TEST_F(EssaiMoteur, LaMortPendantUnArretNeSAnnoncePas) {
+  poser("servir(PORT);");
+  int morts = 0;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur&) { ++morts; };
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  boucle->vider();
+  EXPECT_EQ(morts, 0);
+}
+
+TEST_F(EssaiMoteur, UnServeurRejointPuisMortNeSAnnoncePas) {
+  int morts = 0;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur&) { ++morts; };
+  {
+    const essais::ServeurFactice dejaLa(essais::reponseHTTP("200 OK", "keltrove-jeton"));
+    maison.ecrire(".zelcor/keltrove.json", "{\"port\": " + std::to_string(dejaLa.port()) + "}");
+    EXPECT_EQ(demarrer(), Demarrage(Rattache{dejaLa.port()}));
+  }
+  boucle->vider();
+  EXPECT_EQ(morts, 0);
+}
+
+TEST_F(EssaiMoteur, UnNouvelEssaiApresUnEchecRepartDUneSortieVide) {
+  poserLaPorte("echo premier; exit 1");
+  EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"premier"}));
+  poserLaPorte("echo second; exit 1");
+  EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"second"}));
+  maison.effacer("ressources/demarrer-keltrove.sh");
+  poser("servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+}
+
+TEST_F(EssaiMoteur, PlusRienNeSeLanceUneFoisQueCEstInterdit) {
+  poser("servir(PORT);");
+  moteur->neLancerPlusRien();
+  const auto issue = demarrer();
+  ASSERT_TRUE(issue && !issue->has_value());
+  EXPECT_TRUE(std::holds_alternative<LancementImpossible>(issue->error()));
+  EXPECT_FALSE(moteur->nousLavonsAllume());
+  EXPECT_TRUE(pids().empty());
+}
+
+TEST_F(EssaiMoteur, UnServeurBavardNeRetientNiLeDemarrageNiLaMemoire) {
+  poserLaPorte("cd keltrove; yes 'une ligne du serveur bavard' & echo $! > ../pid; exec node serveur.mjs");
+  poser("servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_LE(moteur->lignesJournal().lignes().size(), 60U);
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+}
+
+TEST_F(EssaiMoteur, LeServeurRecoitLEnvironnementDuLancementEtNonLeCourant) {
+  ::setenv("REGLAGE_DE_LA_BOITE", "1", 1);
+  poser("fs.writeFileSync('env', JSON.stringify([process.env.REGLAGE_DE_LA_BOITE ?? null, process.env.HOME, "
+        "process.env.PATH.startsWith('/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin'), "
+        "process.cwd()])); servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_EQ(maison.lire("ressources/keltrove/env"),
+            "[null,\"" + maison.racine() + "\",true,\"" + maison.chemin("ressources/keltrove") + "\"]");
+}
+
+TEST(EnvironnementDuServeur, LePathHeriteSuitLesDossiersFixesSansDoublon) {
+  Environnement herite;
+  herite.definir("PATH", "/opt/homebrew/bin::/usr/bin:/custom");
+  EXPECT_EQ(environnementDuServeur(herite, "/h").lire("PATH"),
+            "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin:/custom");
+  EXPECT_EQ(environnementDuServeur({}, "/h").lire("PATH"),
+            "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin");
+}
+
+TEST(EnvironnementDuServeur, LangNEstDonneeQueSiElleManque) {
+  Environnement vide;
+  vide.definir("LANG", "");
+  EXPECT_EQ(environnementDuServeur(vide, "/h").lire("LANG"), "");
+  EXPECT_EQ(environnementDuServeur({}, "/h").lire("LANG"), "fr_FR.UTF-8");
+}
+
+TEST(EnvironnementDuServeur, HomeEstRemplaceeEtLeResteGarde) {
+  Environnement herite;
+  herite.definir("HOME", "/ancienne");
+  herite.definir("AUTRE", "a=b");
+  const auto environnement = environnementDuServeur(herite, "/neuve");
+  EXPECT_EQ(environnement.lire("HOME"), "/neuve");
+  EXPECT_EQ(environnement.lire("AUTRE"), "a=b");
+  EXPECT_EQ(environnement.entrees().size(), 4U);
+}
+
+} // namespace
+} // namespace keltrove::moteur

@@ -1,0 +1,193 @@
+#include "socle/Processus.hpp"
+
+#include "MaisonTemporaire.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace keltrove::socle {
+namespace {
+
+// Ce qu’un enfant écrit, et le moyen d’attendre qu’il l’ait écrit.
+struct Ecoute {
+  std::mutex verrou;
+  std::condition_variable arrivee;
+  std::string texte;
+  std::size_t octets = 0;
+  bool garder = true;
+
+  Processus::QuandSortie appel() {
+    return [this](std::string_view bloc) {
+      const std::lock_guard garde(verrou);
+      if (garder) texte += bloc;
+      octets += bloc.size();
+      arrivee.notify_all();
+    };
+  }
+  bool attendre(const std::function<bool()>& condition) {
+    std::unique_lock garde(verrou);
+    return arrivee.wait_for(garde, std::chrono::seconds(10), condition);
+  }
+};
+
+class EssaiProcessus : public testing::Test {
+protected:
+  ~EssaiProcessus() override {
+    if (processus) ::kill(-processus->pid(), SIGKILL);
+    if (processus) attendreLaFin();
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "un zombie est resté";
+    EXPECT_EQ(errno, ECHILD);
+  }
+  bool lancer(const std::string& programme, std::vector<std::string> arguments, std::string dossier = "/") {
+    Environnement environnement;
+    environnement.definir("PATH", "/usr/bin:/bin");
+    environnement.definir("ACCENT", "é\n=");
+    auto issue = Processus::lancer({programme, std::move(arguments), std::move(dossier), environnement}, ecoute.appel());
+    if (issue) processus = *issue;
+    else raison = issue.error();
+    return issue.has_value();
+  }
+  bool lancerLeShell(const std::string& script) { return lancer("/bin/sh", {"-c", script}); }
+  bool attendreLaFin() {
+    const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (processus->tourne() && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+    return !processus->tourne();
+  }
+  std::string toutCeQuIlDit() {
+    EXPECT_TRUE(attendreLaFin());
+    processus->viderLaSortie();
+    return ecoute.texte;
+  }
+
+  Ecoute ecoute;
+  std::shared_ptr<Processus> processus;
+  std::string raison;
+};
+
+TEST_F(EssaiProcessus, LesDeuxSortiesArriventParLeMemeTubeEtLeCodeEnsuite) {
+  ASSERT_TRUE(lancerLeShell("echo un; echo deux >&2; exit 3"));
+  EXPECT_EQ(toutCeQuIlDit(), "un\ndeux\n");
+}
+
+TEST_F(EssaiProcessus, LEnfantRecoitExactementSonEnvironnement) {
+  ASSERT_TRUE(lancer("/usr/bin/env", {}));
+  EXPECT_EQ(toutCeQuIlDit(), "PATH=/usr/bin:/bin\nACCENT=é\n=\n");
+}
+
+TEST_F(EssaiProcessus, LEnfantNAHeriteQueDeTroisDescripteurs) {
+  const int fuite = ::open("/dev/null", O_RDONLY); // sans O_CLOEXEC, exprès
+  ASSERT_GT(fuite, 2);
+  ASSERT_TRUE(lancer("/bin/ls", {"/proc/self/fd"})); // le quatrième est le dossier que ls lit
+  EXPECT_EQ(toutCeQuIlDit(), "0\n1\n2\n3\n");
+  ::close(fuite);
+}
+
+TEST_F(EssaiProcessus, LEnfantALesSignauxParDefautEtSonPropreGroupe) {
+  ::signal(SIGPIPE, SIG_IGN);
+  ::signal(SIGHUP, SIG_IGN);
+  sigset_t bloques;
+  sigemptyset(&bloques);
+  sigaddset(&bloques, SIGTERM);
+  ::pthread_sigmask(SIG_BLOCK, &bloques, nullptr);
+  ASSERT_TRUE(lancer("/bin/cat", {"/proc/self/status", "/proc/self/stat"}));
+  ::pthread_sigmask(SIG_UNBLOCK, &bloques, nullptr);
+  const auto texte = toutCeQuIlDit();
+  EXPECT_NE(texte.find("SigBlk:\t0000000000000000"), std::string::npos) << texte;
+  // Les signaux 32 et 33 appartiennent à la bibliothèque C, qui les ignore dans tout enfant.
+  EXPECT_NE(texte.find("SigIgn:\t0000000180000000"), std::string::npos) << texte;
+  // « pid (cat) état parent groupe »
+  const auto attendu = std::to_string(processus->pid()) + " (cat) R " + std::to_string(::getpid()) + " " +
+                       std::to_string(processus->pid()) + " ";
+  EXPECT_NE(texte.find(attendu), std::string::npos) << texte;
+}
+
+TEST_F(EssaiProcessus, LEnfantTravailleDansSonDossierEtSonEntreeEstVide) {
+  const essais::MaisonTemporaire maison;
+  ASSERT_TRUE(lancer("/bin/sh", {"-c", "pwd; cat; echo fin"}, maison.racine()));
+  EXPECT_EQ(toutCeQuIlDit(), maison.racine() + "\nfin\n");
+}
+
+TEST_F(EssaiProcessus, UnLancementRefuseDonneLeTexteDuSysteme) {
+  const essais::MaisonTemporaire maison;
+  maison.ecrire("sans-droit", "#!/bin/sh\n");
+  maison.ecrireExecutable("sans-interprete", "#!/nulle/part\n");
+  maison.ecrireExecutable("sans-entete", "bonjour\n");
+  EXPECT_FALSE(lancer(maison.chemin("absent"), {}));
+  EXPECT_EQ(raison, "No such file or directory");
+  EXPECT_FALSE(lancer(maison.chemin("sans-droit"), {}));
+  EXPECT_EQ(raison, "Permission denied");
+  EXPECT_FALSE(lancer(maison.chemin("sans-interprete"), {}));
+  EXPECT_EQ(raison, "No such file or directory");
+  EXPECT_FALSE(lancer(maison.chemin("sans-entete"), {}));
+  EXPECT_EQ(raison, "Exec format error");
+  EXPECT_FALSE(lancer("/bin/true", {}, maison.chemin("absent")));
+  EXPECT_EQ(raison, "No such file or directory");
+}
+
+TEST_F(EssaiProcessus, TerminerDemandeLaFinEtNEstPlusRienEnsuite) {
+  ASSERT_TRUE(lancer("/bin/sleep", {"1000"}));
+  EXPECT_TRUE(processus->tourne());
+  processus->terminer();
+  EXPECT_TRUE(attendreLaFin());
+  processus->terminer();
+}
+
+TEST_F(EssaiProcessus, LaFinSAnnonceUneFoisEtTardivementToutDeSuite) {
+  std::atomic<int> fins = 0;
+  ASSERT_TRUE(lancer("/bin/sleep", {"1000"}));
+  processus->surveillerLaFin([&] { ++fins; });
+  EXPECT_EQ(fins, 0);
+  processus->terminer();
+  EXPECT_TRUE(attendreLaFin());
+  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (fins == 0 && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  EXPECT_EQ(fins, 1);
+  processus->surveillerLaFin([&] { fins += 10; });
+  EXPECT_EQ(fins, 11);
+}
+
+TEST_F(EssaiProcessus, UnDescendantQuiGardeLeTubeNeRetientPersonne) {
+  ASSERT_TRUE(lancerLeShell("sleep 1000 & echo lance; exit 0"));
+  EXPECT_EQ(toutCeQuIlDit(), "lance\n");
+}
+
+TEST_F(EssaiProcessus, UnFlotSansFinSeLitParMorceauxDe64KioAuPlus) {
+  ecoute.garder = false;
+  std::size_t plusGrand = 0;
+  auto issue = Processus::lancer({"/usr/bin/yes", {"é"}, "/", {}}, [&](std::string_view bloc) {
+    const std::lock_guard garde(ecoute.verrou);
+    plusGrand = std::max(plusGrand, bloc.size());
+    ecoute.octets += bloc.size();
+    ecoute.arrivee.notify_all();
+  });
+  ASSERT_TRUE(issue);
+  processus = *issue;
+  EXPECT_TRUE(ecoute.attendre([&] { return ecoute.octets > 50'000'000; }));
+  processus->terminer();
+  EXPECT_TRUE(attendreLaFin());
+  processus->viderLaSortie();
+  EXPECT_LE(plusGrand, 65536U);
+}
+
+TEST_F(EssaiProcessus, LacherUnProcessusNeLeTuePas) {
+  ASSERT_TRUE(lancer("/bin/sleep", {"1000"}));
+  const auto pid = processus->pid();
+  processus.reset();
+  EXPECT_EQ(::kill(pid, 0), 0);
+  ::kill(pid, SIGKILL);
+  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (::kill(pid, 0) == 0 && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  EXPECT_NE(::kill(pid, 0), 0) << "recueilli même sans propriétaire";
+}
+
+} // namespace
+} // namespace keltrove::socle
