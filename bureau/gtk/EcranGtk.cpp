@@ -64,6 +64,7 @@ void EcranGtk::construireLesBoutons() {
 }
 
 void EcranGtk::construireLeDetail() {
+  gtk_accessible_update_property(GTK_ACCESSIBLE(detail_.gobj()), GTK_ACCESSIBLE_PROPERTY_LABEL, "Détail", -1);
   detail_.set_editable(false);
   detail_.set_cursor_visible(false);
   detail_.set_monospace(true);

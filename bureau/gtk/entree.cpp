@@ -4,6 +4,7 @@
 #include "bureau/gtk/ApplicationGtk.hpp"
 #include "bureau/gtk/BacASable.hpp"
 #include "bureau/gtk/BoucleGlib.hpp"
+#include "bureau/gtk/BusDeSession.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
@@ -35,6 +36,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   };
   bureau::choisirLeRendu();
   bureau::eprouverLeBacASable();
+  bureau::ecarterUnBusMort();
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();

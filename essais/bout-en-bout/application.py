@@ -1,0 +1,179 @@
+"""Une application lancée comme par une personne : sa copie, son dossier personnel, son serveur, son journal."""
+
+import json
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import threading
+import time
+
+CONSTRUCTION = os.path.abspath(os.environ.get("KELTROVE_CONSTRUCTION", "build/release"))
+MARQUE = "KELTROVE_MARQUE_D_ESSAI"
+
+SERVEUR = """
+import http from 'node:http';
+import fs from 'node:fs';
+const page = '<!doctype html><title>Essai</title><meta name="keltrove-jeton" content="x">' +
+  '<body style="margin:0;background:#2b8a3e">';
+const sante = '{"version":"1.4.2","carnet":{"terminaux":5}}';
+const repondre = (q, r) => {
+  r.setHeader('content-type', q.url === '/api/sante' ? 'application/json' : 'text/html; charset=utf-8');
+  r.end(q.url === '/api/sante' ? sante : page);
+};
+const servir = (port = PORT, hote = '127.0.0.1') => http.createServer(repondre).listen(port, hote);
+"""
+MUET = SERVEUR + "console.log('je réfléchis'); setInterval(() => {}, 1000);"
+VERT = "#2B8A3E"
+SOMBRE = "#0E1116"
+
+
+def port_libre():
+    with socket.socket() as prise:
+        prise.bind(("127.0.0.1", 0))
+        return prise.getsockname()[1]
+
+
+def attendre(condition, secondes=15, quoi="la condition"):
+    """Pour ce qui n’a pas d’événement à écouter : un pixel, un processus, un fichier."""
+    limite = time.monotonic() + secondes
+    while not condition():
+        if time.monotonic() > limite:
+            raise AssertionError(f"{quoi} : toujours rien au bout de {secondes} s")
+        time.sleep(0.02)
+
+
+def lire(chemin):
+    with open(chemin, "rb") as fichier:
+        return fichier.read()
+
+
+def processus_marques(marque):
+    trouves = []
+    for pid in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            if f"{MARQUE}={marque}".encode() in lire(f"/proc/{pid}/environ").split(b"\0"):
+                trouves.append(int(pid))
+        except OSError:
+            pass
+    return trouves
+
+
+def commande(pid):
+    try:
+        return lire(f"/proc/{pid}/cmdline").replace(b"\0", b" ").decode()
+    except OSError:
+        return ""
+
+
+class Application:
+    def __init__(self, code=None, porte=None, avant=(), variables=None, maison=None, vrai_serveur=False):
+        self.racine = tempfile.mkdtemp(prefix="kéltrove d’essai ")
+        self.marque = os.path.basename(self.racine)
+        self.maison = maison or os.path.join(self.racine, "maison")
+        self.ressources = os.path.join(self.racine, "ressources")
+        os.makedirs(os.path.join(self.maison, ".zelcor"), exist_ok=True)
+        os.makedirs(self.ressources)
+        for nom in ("keltrove", "libkeltrove-bureau.so"):
+            shutil.copy(os.path.join(CONSTRUCTION, nom), self.racine)
+        self.port = port_libre()
+        self.regler(self.port)
+        self.avant, self.variables = list(avant), variables or {}
+        self.code, self.porte, self.vrai_serveur = code, porte, vrai_serveur
+        self.lignes, self.arrivee, self.processus = [], threading.Condition(), None
+
+    def regler(self, port):
+        with open(os.path.join(self.maison, ".zelcor", "keltrove.json"), "w") as fichier:
+            json.dump({"port": port}, fichier)
+
+    def poser(self, nom, contenu, executable=False):
+        chemin = os.path.join(self.ressources, nom)
+        os.makedirs(os.path.dirname(chemin), exist_ok=True)
+        with open(chemin, "w") as fichier:
+            fichier.write(contenu.replace("PORT", str(self.port)))
+        if executable:
+            os.chmod(chemin, 0o755)
+
+    def environnement(self):
+        propre = {cle: valeur for cle, valeur in os.environ.items() if not cle.startswith("KELTROVE_")}
+        voulu = {"HOME": self.maison, MARQUE: self.marque, "SHELL": "/bin/bash",
+                 "XDG_STATE_HOME": os.path.join(self.maison, "état"), **self.variables}
+        return {cle: valeur for cle, valeur in {**propre, **voulu}.items() if valeur is not None}
+
+    def lancer(self):
+        if self.vrai_serveur:
+            os.symlink(os.path.join(CONSTRUCTION, "ressources/keltrove"), os.path.join(self.ressources, "keltrove"))
+            self.vrai_serveur = False
+        if self.code is not None:
+            self.poser("keltrove/serveur.mjs", self.code)
+        if self.porte is not None:
+            self.poser("demarrer-keltrove.sh", self.porte, executable=True)
+        self.lignes.clear()
+        self.processus = subprocess.Popen([*self.avant, os.path.join(self.racine, "keltrove")], text=True,
+                                          env=self.environnement(), stderr=subprocess.PIPE, start_new_session=True)
+        threading.Thread(target=self.ecouter, args=(self.processus.stderr,), daemon=True).start()
+        return self
+
+    def ecouter(self, tube):
+        with tube:
+            for ligne in tube:
+                with self.arrivee:
+                    self.lignes.append(ligne.rstrip("\n"))
+                    self.arrivee.notify_all()
+
+    def etapes(self):
+        return [l.split()[1] for l in self.lignes if l.startswith("  [keltrove] ")]
+
+    def details(self, etape):
+        debut = f"  [keltrove] {etape} "
+        return [l[len(debut):] for l in self.lignes if l.startswith(debut)]
+
+    def attendre(self, etape, secondes=30, fois=1):
+        with self.arrivee:
+            if not self.arrivee.wait_for(lambda: self.etapes().count(etape) >= fois, secondes):
+                raise AssertionError(f"l’étape {etape} n’est pas venue en {secondes} s ; vu : {self.lignes}")
+
+    def serveurs(self):
+        """Les processus de ce serveur-là : ni l’application, ni ce que la boîte à outils lance pour elle."""
+        return [pid for pid in processus_marques(self.marque)
+                if "serveur.mjs" in commande(pid) or "demarrer-keltrove.sh" in commande(pid)]
+
+    def enfants(self, motif):
+        return [pid for pid in processus_marques(self.marque) if motif in commande(pid)]
+
+    def quitter(self, signe=signal.SIGTERM, secondes=20):
+        self.processus.send_signal(signe)
+        return self.processus.wait(secondes)
+
+    def nettoyer(self):
+        """Ce qui restait en vie, une fois l’application partie."""
+        if self.processus and self.processus.poll() is None:
+            self.processus.kill()
+            self.processus.wait()
+        restes = [commande(pid) for pid in self.serveurs()]
+        for pid in processus_marques(self.marque):
+            try:
+                os.kill(pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+        shutil.rmtree(self.racine, ignore_errors=True)
+        return restes
+
+
+def couleur(x, y):
+    pixels = subprocess.run(["import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
+                            capture_output=True, text=True).stdout
+    return "#" + pixels.split("#")[-1][:6].upper()
+
+
+def fenetres(application, visible=True):
+    choix = ["--onlyvisible"] if visible else []
+    trouvees = subprocess.run(["xdotool", "search", *choix, "--pid", str(application.processus.pid)],
+                              capture_output=True, text=True).stdout.split()
+    return [int(fenetre) for fenetre in trouvees]
+
+
+def touches(*noms):
+    subprocess.run(["xdotool", "key", "--clearmodifiers", *noms], check=True)

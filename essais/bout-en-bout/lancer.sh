@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Les essais de bout en bout, sur un écran virtuel et un bus à eux.
+#   essais/bout-en-bout/lancer.sh [filtre]     par exemple : essais/bout-en-bout/lancer.sh reessayer
+set -euo pipefail
+ici=$(cd "$(dirname "$0")" && pwd)
+
+if [ -z "${KELTROVE_BUS_D_ESSAI:-}" ]; then
+  export KELTROVE_BUS_D_ESSAI=1
+  exec dbus-run-session -- "$0" "$@"
+fi
+
+. "$ici/../../outils/commun.sh"
+export KELTROVE_CONSTRUCTION="${KELTROVE_CONSTRUCTION:-$racine/build/release}"
+export HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_CONFIG_HOME
+HOME=$(mktemp -d)
+XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache XDG_CONFIG_HOME=$HOME/config
+export LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWRITEBYTECODE=1
+unset WAYLAND_DISPLAY NO_AT_BRIDGE XDG_STATE_HOME
+trap 'fermer_l_ecran_virtuel; rm -rf "$HOME"' EXIT
+ouvrir_un_ecran_virtuel
+cd "$ici"
+/usr/bin/python3 essayer.py "$@"
