@@ -17,9 +17,10 @@ std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& ex
     void* entree = module != nullptr ? ::dlsym(module, nomDeLEntree) : nullptr;
     if (entree == nullptr) {
       const char* raison = ::dlerror();
-      return std::unexpected("Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne "
-                             "convient pas (" +
-                             std::string(raison != nullptr ? raison : chemin) + "). Réinstallez l’application.");
+      return std::unexpected(
+          "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne "
+          "convient pas (" +
+          std::string(raison != nullptr ? raison : chemin) + "). Réinstallez l’application.");
     }
     return reinterpret_cast<LancerLeBureau>(entree);
   }

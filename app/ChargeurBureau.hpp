@@ -1,7 +1,8 @@
-// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement quand on en a besoin.
+// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement quand on en a
+// besoin.
 //
-// Lié directement, il coûterait à chaque vérification d’inventaire des dizaines de millisecondes, et l’obligerait
-// à trouver une bibliothèque de bureau sur la machine.
+// Lié directement, il coûterait à chaque vérification d’inventaire des dizaines de millisecondes, et
+// l’obligerait à trouver une bibliothèque de bureau sur la machine.
 #pragma once
 
 #include "app/ModuleBureau.hpp"

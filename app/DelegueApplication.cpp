@@ -3,8 +3,9 @@
 #include "socle/Journal.hpp"
 #include "socle/Reglages.hpp"
 
-#include <fmt/format.h>
 #include <utility>
+
+#include <fmt/format.h>
 
 namespace keltrove::app {
 
@@ -32,7 +33,9 @@ DelegueApplication::DelegueApplication(std::shared_ptr<moteur::MoteurServeur> mo
           },
           [this] { quandLeServeurNeRepondPlus(); }) {}
 
-DelegueApplication::~DelegueApplication() { moteur_->quandLeServeurMeurt = nullptr; }
+DelegueApplication::~DelegueApplication() {
+  moteur_->quandLeServeurMeurt = nullptr;
+}
 
 void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue) {
   fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, *boucle_);
@@ -68,8 +71,10 @@ void DelegueApplication::lancerLeDemarrage(bool premiereFois) {
 
 void DelegueApplication::quandLeDemarrageFinit(const moteur::Demarrage& issue) {
   demarrageEnCours_ = false;
-  if (issue) annoncer(*issue);
-  else expliquer(issue.error());
+  if (issue)
+    annoncer(*issue);
+  else
+    expliquer(issue.error());
 }
 
 void DelegueApplication::annoncer(const moteur::ResultatDemarrage& resultat) {
@@ -78,13 +83,15 @@ void DelegueApplication::annoncer(const moteur::ResultatDemarrage& resultat) {
     if (fermetureEnCours_) return;
     fenetre_->ecran().montrerAttente(
         "keltrove est déjà en route",
-        fmt::format("Je me branche sur le serveur qui tourne (port {}) : rien n’a été relancé.", rattache->port));
+        fmt::format("Je me branche sur le serveur qui tourne (port {}) : rien n’a été relancé.",
+                    rattache->port));
     ouvrirLaPage(rattache->port);
   } else {
     const auto& allume = std::get<moteur::Allume>(resultat);
     Journal::etape("allume", {{"port", std::int64_t{allume.port}}});
     if (fermetureEnCours_) return;
-    fenetre_->ecran().montrerAttente("Le serveur répond", fmt::format("J’ouvre la page (port {}).", allume.port));
+    fenetre_->ecran().montrerAttente("Le serveur répond",
+                                     fmt::format("J’ouvre la page (port {}).", allume.port));
     ouvrirLaPage(allume.port);
   }
 }
@@ -130,7 +137,8 @@ void DelegueApplication::quandLeServeurNeRepondPlus() {
   Journal::etape("serveur-ne-repond-plus");
   fenetre_->ecran().montrerProbleme(
       "Le serveur de keltrove ne répond plus",
-      "La page est toujours affichée, mais plus rien ne lui parle : le serveur s’est arrêté ou a été coupé. Les "
+      "La page est toujours affichée, mais plus rien ne lui parle : le serveur s’est arrêté ou a été coupé. "
+      "Les "
       "terminaux qui étaient ouverts sont fermés ; leur liste, elle, a été notée et reviendra.",
       "Cliquez sur « Réessayer » : je le rallume et je rouvre la page.", moteur_->lignesJournal().texte());
 }

@@ -1,7 +1,7 @@
 // DelegueApplication : la vie de l’application, de son lancement à sa fin.
 //
-// Il montre la fenêtre, démarre le serveur ou s’y rattache, ouvre la page ou explique l’échec, surveille, et au
-// moment de quitter laisse au serveur le temps de noter sa liste. Fil principal seulement.
+// Il montre la fenêtre, démarre le serveur ou s’y rattache, ouvre la page ou explique l’échec, surveille, et
+// au moment de quitter laisse au serveur le temps de noter sa liste. Fil principal seulement.
 #pragma once
 
 #include "app/Surveillance.hpp"

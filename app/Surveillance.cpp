@@ -21,8 +21,8 @@ struct Surveillance::Compte {
 
 Surveillance::Surveillance(std::shared_ptr<socle::BoucleEvenements> boucle, socle::FileDeTravail arrierePlan,
                            std::function<bool()> verifier, std::function<void()> quandPerdu)
-    : compte_(std::make_shared<Compte>(Compte{std::move(boucle), std::move(arrierePlan), std::move(verifier),
-                                              std::move(quandPerdu), {}, 0})) {}
+    : compte_(std::make_shared<Compte>(Compte{
+          std::move(boucle), std::move(arrierePlan), std::move(verifier), std::move(quandPerdu), {}, 0})) {}
 
 void Surveillance::demarrer() {
   arreter();
@@ -32,11 +32,17 @@ void Surveillance::demarrer() {
   });
 }
 
-void Surveillance::arreter() { compte_->minuteur.annuler(); }
+void Surveillance::arreter() {
+  compte_->minuteur.annuler();
+}
 
-bool Surveillance::active() const { return static_cast<bool>(compte_->minuteur); }
+bool Surveillance::active() const {
+  return static_cast<bool>(compte_->minuteur);
+}
 
-int Surveillance::echecsDaffilee() const { return compte_->echecsDaffilee; }
+int Surveillance::echecsDaffilee() const {
+  return compte_->echecsDaffilee;
+}
 
 void Surveillance::regarder(const std::shared_ptr<Compte>& compte) {
   const auto rendre = [boucle = compte->boucle, faible = std::weak_ptr(compte)](bool repond) {
@@ -44,7 +50,8 @@ void Surveillance::regarder(const std::shared_ptr<Compte>& compte) {
       if (const auto encoreLa = faible.lock()) appliquer(*encoreLa, repond);
     });
   };
-  if (!compte->arrierePlan.deposer([verifier = compte->verifier, rendre] { rendre(verifier()); })) rendre(false);
+  if (!compte->arrierePlan.deposer([verifier = compte->verifier, rendre] { rendre(verifier()); }))
+    rendre(false);
 }
 
 void Surveillance::appliquer(Compte& compte, bool repond) {

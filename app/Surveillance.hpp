@@ -1,7 +1,7 @@
 // Surveillance : un regard toutes les six secondes sur le serveur en service.
 //
-// Trois échecs de suite y mettent fin ; un seul succès remet le compte à zéro. La vérification bloque et se fait
-// donc en arrière-plan ; son résultat revient sur le fil principal, où vit tout le reste.
+// Trois échecs de suite y mettent fin ; un seul succès remet le compte à zéro. La vérification bloque et se
+// fait donc en arrière-plan ; son résultat revient sur le fil principal, où vit tout le reste.
 #pragma once
 
 #include "socle/BoucleEvenements.hpp"

@@ -6,10 +6,11 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string>
-#include <unistd.h>
 #include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -18,7 +19,8 @@ using namespace keltrove;
 // Lancés sans entrée ni sorties, nous ouvririons sinon nos propres fichiers sous les numéros 0, 1 et 2.
 void garantirEntreeEtSorties() {
   int descripteur = 0;
-  do descripteur = ::open("/dev/null", O_RDWR);
+  do
+    descripteur = ::open("/dev/null", O_RDWR);
   while (descripteur >= 0 && descripteur <= STDERR_FILENO);
   if (descripteur >= 0) ::close(descripteur);
 }

@@ -7,7 +7,9 @@ struct Couleur {
   double rouge, vert, bleu;
   double opacite = 1.0;
 };
-constexpr Couleur gris(double blanc, double opacite = 1.0) { return {blanc, blanc, blanc, opacite}; }
+constexpr Couleur gris(double blanc, double opacite = 1.0) {
+  return {blanc, blanc, blanc, opacite};
+}
 
 // Le fond de la fenêtre suit le thème du système ; celui de l’écran d’attente est toujours sombre.
 inline constexpr Couleur fondSombre{0.055, 0.067, 0.086};

@@ -1,8 +1,8 @@
 // EcranAttente : l’écran qui couvre la page tant qu’il n’y en a pas à montrer.
 //
-// Deux visages : l’attente (titre, phrase, roue) et le problème (titre, phrase, conseil, « Réessayer », détail à
-// déplier). L’écran calcule une valeur, EtatEcran, et la remet à sa vue ; la vue la dessine et ne décide rien.
-// Fil principal seulement.
+// Deux visages : l’attente (titre, phrase, roue) et le problème (titre, phrase, conseil, « Réessayer »,
+// détail à déplier). L’écran calcule une valeur, EtatEcran, et la remet à sa vue ; la vue la dessine et ne
+// décide rien. Fil principal seulement.
 #pragma once
 
 #include "moteur/ErreurServeur.hpp"

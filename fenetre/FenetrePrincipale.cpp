@@ -47,8 +47,10 @@ FenetrePrincipale::~FenetrePrincipale() {
 
 void FenetrePrincipale::afficher() {
   if (Reglages::modeEssai()) return;
-  if (Reglages::modeDiscret()) imprimerLeNumero(vue_.mettreDerriere());
-  else vue_.mettreDevant();
+  if (Reglages::modeDiscret())
+    imprimerLeNumero(vue_.mettreDerriere());
+  else
+    vue_.mettreDevant();
 }
 
 void FenetrePrincipale::chargerLaPage(int port) {
@@ -73,27 +75,28 @@ void FenetrePrincipale::quandLaPageEstLa() {
 }
 
 void FenetrePrincipale::sonderLeContenu() {
-  vue_.evaluer(expressionDeSonde, [existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
-    if (reponse && existe.lock()) Journal::etape("page-contenu", lireSonde(*reponse));
-  });
+  vue_.evaluer(expressionDeSonde,
+               [existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
+                 if (reponse && existe.lock()) Journal::etape("page-contenu", lireSonde(*reponse));
+               });
 }
 
 void FenetrePrincipale::signalerPageRatee(const EchecDeNavigation& echec) {
   if (echec.annulee) return;
   delaiDeChargement_.annuler();
-  ecran_.montrerProbleme("La page de keltrove ne s’affiche pas",
-                         "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : un "
-                         "nouvel essai suffit presque toujours.",
-                         "Cliquez sur « Réessayer ».", echec.description);
+  ecran_.montrerProbleme(
+      "La page de keltrove ne s’affiche pas",
+      "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : un "
+      "nouvel essai suffit presque toujours.",
+      "Cliquez sur « Réessayer ».", echec.description);
   Journal::etape("page-ratee", {{"raison", echec.description}});
 }
 
 void FenetrePrincipale::afficherBandeau(const std::string& texte, double secondes) {
   const auto encadre = "  " + texte + "  ";
   vue_.dessiner(EtatBandeau{.visible = true, .texte = encadre});
-  minuteurBandeau_ = boucle_.apres(secondes, [this, encadre] {
-    vue_.dessiner(EtatBandeau{.visible = false, .texte = encadre});
-  });
+  minuteurBandeau_ = boucle_.apres(
+      secondes, [this, encadre] { vue_.dessiner(EtatBandeau{.visible = false, .texte = encadre}); });
   Journal::etape("bandeau", {{"texte", texte}});
 }
 

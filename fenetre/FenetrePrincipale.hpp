@@ -1,7 +1,7 @@
 // FenetrePrincipale : le contrôleur de la fenêtre unique.
 //
-// Il tient l’écran d’attente et le bandeau, charge la page du serveur, suit sa navigation et rend les demandes
-// d’essai à qui l’a créé. Fil principal seulement.
+// Il tient l’écran d’attente et le bandeau, charge la page du serveur, suit sa navigation et rend les
+// demandes d’essai à qui l’a créé. Fil principal seulement.
 #pragma once
 
 #include "fenetre/EcranAttente.hpp"

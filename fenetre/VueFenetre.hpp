@@ -1,7 +1,7 @@
 // VueFenetre : la fenêtre native et sa vue web, vues du comportement.
 //
-// Chaque bureau en écrit une, aussi mince que possible : elle dessine les valeurs qu’on lui donne et rapporte ce
-// qui arrive. Fil principal seulement.
+// Chaque bureau en écrit une, aussi mince que possible : elle dessine les valeurs qu’on lui donne et rapporte
+// ce qui arrive. Fil principal seulement.
 #pragma once
 
 #include "fenetre/EcranAttente.hpp"

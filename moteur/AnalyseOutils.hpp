@@ -5,8 +5,9 @@
 #pragma once
 
 #include <string_view>
-#include <sys/types.h>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace keltrove::moteur {
 

@@ -1,11 +1,13 @@
 // ArbreProcessus : les descendants d’un processus et les ports TCP sur lesquels chacun écoute.
 //
-// Aucune erreur n’est signalée : ce que le système ne dit pas donne une liste vide. Utilisable depuis tout fil.
+// Aucune erreur n’est signalée : ce que le système ne dit pas donne une liste vide. Utilisable depuis tout
+// fil.
 #pragma once
 
 #include <cstdint>
-#include <sys/types.h>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace keltrove::moteur {
 

@@ -1,18 +1,18 @@
 #include "moteur/ArbreProcessus.hpp"
-
 #include "socle/Texte.hpp"
 
 #include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <filesystem>
-#include <fmt/format.h>
 #include <fstream>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+
+#include <fmt/format.h>
 
 namespace keltrove::moteur {
 namespace {

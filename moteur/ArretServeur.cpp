@@ -4,8 +4,9 @@
 
 #include <algorithm>
 #include <csignal>
-#include <fmt/format.h>
 #include <utility>
+
+#include <fmt/format.h>
 
 namespace keltrove::moteur {
 namespace {

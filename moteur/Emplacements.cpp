@@ -21,8 +21,8 @@ std::optional<std::string> premier(const std::vector<std::string>& candidats,
 
 } // namespace
 
-const std::vector<std::string> Emplacements::nodesDuSysteme = {"/usr/local/bin/node", "/opt/homebrew/bin/node",
-                                                               "/usr/bin/node"};
+const std::vector<std::string> Emplacements::nodesDuSysteme = {"/usr/local/bin/node",
+                                                               "/opt/homebrew/bin/node", "/usr/bin/node"};
 
 Emplacements::Emplacements(std::optional<std::string> ressources, std::vector<std::string> nodes)
     : ressources_(std::move(ressources)), nodes_(std::move(nodes)) {}

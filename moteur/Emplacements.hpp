@@ -1,8 +1,8 @@
 // Emplacements : où se trouvent node, le code du serveur, et la commande exacte qui le démarre.
 //
 // Rien n’est gardé en mémoire : chaque appel regarde à nouveau, si bien qu’un fichier installé pendant que
-// l’application tourne est trouvé à l’essai suivant. Tout échec du système de fichiers compte comme « absent ».
-// Utilisable depuis tout fil.
+// l’application tourne est trouvé à l’essai suivant. Tout échec du système de fichiers compte comme « absent
+// ». Utilisable depuis tout fil.
 #pragma once
 
 #include <optional>

@@ -15,17 +15,16 @@ struct Selon : Cas... {
 } // namespace
 
 std::string titreCourt(const ErreurServeur& erreur) {
-  return std::visit(
-      Selon{
-          [](const CodeIntrouvable&) { return "Le code de keltrove est introuvable"; },
-          [](const LancementImpossible&) { return "Le serveur n’a pas pu démarrer"; },
-          [](const MortAuDemarrage&) { return "Le serveur s’est arrêté aussitôt"; },
-          [](const PasDeReponse&) { return "Le serveur ne répond pas"; },
-          [](const PerduEnRoute&) { return "Le serveur s’est arrêté"; },
-          [](const NodeIntrouvable&) { return "Il manque Node sur cet ordinateur"; },
-          [](const CodeModifie&) { return "Cette copie de keltrove a été modifiée"; },
-      },
-      erreur);
+  return std::visit(Selon{
+                        [](const CodeIntrouvable&) { return "Le code de keltrove est introuvable"; },
+                        [](const LancementImpossible&) { return "Le serveur n’a pas pu démarrer"; },
+                        [](const MortAuDemarrage&) { return "Le serveur s’est arrêté aussitôt"; },
+                        [](const PasDeReponse&) { return "Le serveur ne répond pas"; },
+                        [](const PerduEnRoute&) { return "Le serveur s’est arrêté"; },
+                        [](const NodeIntrouvable&) { return "Il manque Node sur cet ordinateur"; },
+                        [](const CodeModifie&) { return "Cette copie de keltrove a été modifiée"; },
+                    },
+                    erreur);
 }
 
 std::string explication(const ErreurServeur& erreur) {
@@ -34,7 +33,8 @@ std::string explication(const ErreurServeur& erreur) {
       Selon{
           [](const CodeIntrouvable& e) -> string {
             std::vector<string> lignes;
-            for (const auto& chemin : e.essayes) lignes.push_back("  • " + chemin);
+            for (const auto& chemin : e.essayes)
+              lignes.push_back("  • " + chemin);
             return "L’application n’a pas retrouvé le fichier « serveur.mjs ». Elle a regardé ici :\n" +
                    socle::joindre(lignes, "\n");
           },
@@ -42,16 +42,19 @@ std::string explication(const ErreurServeur& erreur) {
             return "macOS a refusé de lancer le serveur. Il dit : " + e.raison;
           },
           [](const MortAuDemarrage&) -> string {
-            return "Le serveur a démarré puis s’est arrêté tout de suite. Ce qu’il a écrit avant de partir est en "
+            return "Le serveur a démarré puis s’est arrêté tout de suite. Ce qu’il a écrit avant de partir "
+                   "est en "
                    "dessous : c’est là que se trouve la vraie raison.";
           },
           [](const PasDeReponse& e) -> string {
-            return fmt::format("Le serveur a été lancé, il n’a pas planté, mais au bout de {} secondes il ne "
-                               "répond toujours pas sur le port {}. Ce qu’il a écrit jusque-là est en dessous.",
-                               e.secondes, e.port);
+            return fmt::format(
+                "Le serveur a été lancé, il n’a pas planté, mais au bout de {} secondes il ne "
+                "répond toujours pas sur le port {}. Ce qu’il a écrit jusque-là est en dessous.",
+                e.secondes, e.port);
           },
           [](const PerduEnRoute&) -> string {
-            return "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient ouverts "
+            return "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient "
+                   "ouverts "
                    "sont fermés ; leur liste, elle, a été notée et reviendra au prochain démarrage.";
           },
           [](const NodeIntrouvable&) -> string {
@@ -89,8 +92,10 @@ std::string conseil(const ErreurServeur& erreur) {
 std::optional<std::string> journal(const ErreurServeur& erreur) {
   const auto texte = std::visit(
       []<typename Cas>(const Cas& e) -> std::string {
-        if constexpr (requires { e.journal; }) return e.journal;
-        else return "";
+        if constexpr (requires { e.journal; })
+          return e.journal;
+        else
+          return "";
       },
       erreur);
   if (texte.empty()) return std::nullopt;

@@ -7,8 +7,8 @@
 namespace keltrove::moteur {
 namespace {
 
-// Les derniers morceaux seulement, du plus récent au plus ancien : un bloc fait de fins de ligne en compterait
-// des dizaines de milliers.
+// Les derniers morceaux seulement, du plus récent au plus ancien : un bloc fait de fins de ligne en
+// compterait des dizaines de milliers.
 std::vector<std::string_view> derniersMorceaux(std::string_view bloc, std::size_t maximum) {
   std::vector<std::string_view> morceaux;
   while (morceaux.size() < maximum) {
@@ -29,8 +29,10 @@ void LignesServeur::noter(std::string_view bloc) {
   if (!socle::estUTF8(bloc)) return;
   const auto morceaux = derniersMorceaux(bloc, maximum);
   const std::lock_guard garde(verrou_);
-  for (const auto morceau : morceaux | std::views::reverse) lignes_.emplace_back(morceau);
-  while (lignes_.size() > maximum) lignes_.pop_front();
+  for (const auto morceau : morceaux | std::views::reverse)
+    lignes_.emplace_back(morceau);
+  while (lignes_.size() > maximum)
+    lignes_.pop_front();
 }
 
 void LignesServeur::vider() {

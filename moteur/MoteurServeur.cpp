@@ -18,7 +18,9 @@ constexpr double delaiDeReponse = 40.0;
 constexpr double entreDeuxTours = 0.25;
 constexpr int toursEntreDeuxRecherchesDePort = 8;
 
-std::string texteDuSysteme(std::errc erreur) { return std::make_error_code(erreur).message(); }
+std::string texteDuSysteme(std::errc erreur) {
+  return std::make_error_code(erreur).message();
+}
 
 } // namespace
 
@@ -81,11 +83,11 @@ std::expected<MoteurServeur::ProcessusPartage, ErreurServeur> MoteurServeur::lan
   const std::lock_guard garde(verrouEtat_);
   if (lancementInterdit_)
     return std::unexpected(LancementImpossible{texteDuSysteme(std::errc::operation_canceled)});
-  auto processus = socle::Processus::lancer(
-      {commande->programme, commande->arguments, commande->dossier, environnement},
-      [lignes = std::weak_ptr(lignes_)](std::string_view bloc) {
-        if (const auto encoreLa = lignes.lock()) encoreLa->noter(bloc);
-      });
+  auto processus =
+      socle::Processus::lancer({commande->programme, commande->arguments, commande->dossier, environnement},
+                               [lignes = std::weak_ptr(lignes_)](std::string_view bloc) {
+                                 if (const auto encoreLa = lignes.lock()) encoreLa->noter(bloc);
+                               });
   if (!processus) return std::unexpected(LancementImpossible{processus.error()});
   processus_ = *processus;
   nousLavonsAllume_ = true;

@@ -3,7 +3,8 @@
 // Un seul par processus, tenu par le délégué. Il ne note rien au journal de démarrage. Il n’envoie jamais
 // d’autre signal que SIGTERM, et seulement à un serveur qu’il a lancé.
 //
-// Sauf mention, les opérations s’appellent depuis tout fil ; les appels de retour viennent sur le fil principal.
+// Sauf mention, les opérations s’appellent depuis tout fil ; les appels de retour viennent sur le fil
+// principal.
 #pragma once
 
 #include "moteur/ArbreProcessus.hpp"
@@ -40,18 +41,19 @@ public:
   // Lance un essai sur la file du moteur ; `fini` en reçoit l’issue, une fois. Les essais se suivent.
   void demarrer(std::function<void(Demarrage)> fini);
 
-  // Interdit tout lancement à venir. Au retour, `nousLavonsAllume` ne peut plus devenir vrai : on peut quitter
-  // sans laisser derrière soi un serveur lancé au dernier moment.
+  // Interdit tout lancement à venir. Au retour, `nousLavonsAllume` ne peut plus devenir vrai : on peut
+  // quitter sans laisser derrière soi un serveur lancé au dernier moment.
   void neLancerPlusRien();
 
-  // Fil principal. Arrête le serveur si nous l’avons allumé et qu’il tourne encore, et l’attend 12 secondes au
-  // plus. `fini` reçoit une phrase pour le journal, une fois : tout de suite s’il n’y a rien à arrêter.
+  // Fil principal. Arrête le serveur si nous l’avons allumé et qu’il tourne encore, et l’attend 12 secondes
+  // au plus. `fini` reçoit une phrase pour le journal, une fois : tout de suite s’il n’y a rien à arrêter.
   void arreter(std::function<void(std::string)> fini);
 
   std::optional<int> port() const;
   bool nousLavonsAllume() const;
 
-  // Appelé à la mort d’un serveur que nous avons allumé, hors de tout arrêt demandé. À poser avant de démarrer.
+  // Appelé à la mort d’un serveur que nous avons allumé, hors de tout arrêt demandé. À poser avant de
+  // démarrer.
   std::function<void(ErreurServeur)> quandLeServeurMeurt;
 
   // Bloquantes : jamais sur le fil principal.

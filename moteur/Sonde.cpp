@@ -4,8 +4,9 @@
 #include "socle/RequeteHTTP.hpp"
 #include "socle/Texte.hpp"
 
-#include <fmt/format.h>
 #include <limits>
+
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace keltrove::moteur {
@@ -30,7 +31,8 @@ int entierDuCarnet(const nlohmann::json& sante) {
   if (terminaux == carnet->end() || !terminaux->is_number()) return 0;
   const auto valeur = terminaux->get<double>();
   const auto entier = static_cast<double>(std::numeric_limits<int>::max());
-  if (!(valeur >= -entier && valeur <= entier) || valeur != static_cast<double>(static_cast<int>(valeur))) return 0;
+  if (!(valeur >= -entier && valeur <= entier) || valeur != static_cast<double>(static_cast<int>(valeur)))
+    return 0;
   return static_cast<int>(valeur);
 }
 

@@ -20,7 +20,7 @@ installer_ce_qui_manque "${paquets_construction[@]}" "${paquets_execution[@]}" "
   fonts-noto-color-emoji
 construire release
 ouvrir_un_ecran_virtuel
-"$racine/outils/captures.py" "$racine/build/release" "$dossier" || etat=$?
+KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/outils/captures.py" "$dossier" || etat=$?
 fermer_l_ecran_virtuel
 [ "${etat:-0}" = 0 ] || abandonner "Une capture a échoué : la raison est juste au-dessus."
 

@@ -31,8 +31,10 @@ std::optional<std::string> Environnement::lire(std::string_view nom) const {
 void Environnement::definir(std::string_view nom, std::string_view valeur) {
   auto entree = std::string(nom) + "=" + std::string(valeur);
   const auto trouvee = chercher(entrees_, nom);
-  if (trouvee == entrees_.end()) entrees_.push_back(std::move(entree));
-  else *trouvee = std::move(entree);
+  if (trouvee == entrees_.end())
+    entrees_.push_back(std::move(entree));
+  else
+    *trouvee = std::move(entree);
 }
 
 } // namespace keltrove::socle

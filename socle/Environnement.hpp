@@ -1,7 +1,7 @@
 // Environnement : les variables d’un processus, comme une valeur que l’on copie et que l’on modifie.
 //
-// L’application prend cette copie avant tout réglage de la boîte à outils : c’est elle, et non l’environnement
-// courant, qui est transmise au serveur.
+// L’application prend cette copie avant tout réglage de la boîte à outils : c’est elle, et non
+// l’environnement courant, qui est transmise au serveur.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,4 @@
 #include "socle/Executable.hpp"
-
 #include "socle/Fichiers.hpp"
 
 #include <filesystem>

@@ -3,10 +3,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
-#include <sys/stat.h>
 #include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace keltrove::socle {
@@ -42,33 +43,36 @@ bool toutEcrire(int descripteur, std::string_view contenu) {
 } // namespace
 
 std::string ajouterComposant(std::string_view dossier, std::string_view nom) {
-  while (nom.starts_with('/')) nom.remove_prefix(1);
+  while (nom.starts_with('/'))
+    nom.remove_prefix(1);
   if (dossier.empty()) return std::string(nom);
-  while (dossier.ends_with('/')) dossier.remove_suffix(1);
+  while (dossier.ends_with('/'))
+    dossier.remove_suffix(1);
   return std::string(dossier) + "/" + std::string(nom);
 }
 
 std::string dossierDe(std::string_view chemin) {
-  while (chemin.size() > 1 && chemin.ends_with('/')) chemin.remove_suffix(1);
+  while (chemin.size() > 1 && chemin.ends_with('/'))
+    chemin.remove_suffix(1);
   const auto barre = chemin.rfind('/');
   if (barre == std::string_view::npos) return "";
   return std::string(chemin.substr(0, barre == 0 ? 1 : barre));
 }
 
 bool existe(const std::string& chemin) {
-  struct stat etat {};
+  struct stat etat{};
   return ::stat(chemin.c_str(), &etat) == 0;
 }
 
 bool estExecutable(const std::string& chemin) {
-  struct stat etat {};
+  struct stat etat{};
   return ::stat(chemin.c_str(), &etat) == 0 && !S_ISDIR(etat.st_mode) && ::access(chemin.c_str(), X_OK) == 0;
 }
 
 std::optional<std::string> lireFichier(const std::string& chemin, std::size_t maximum) {
   // O_NONBLOCK : ouvrir un tube nommé sans écrivain attendrait sinon sans fin.
   const Descripteur fichier(::open(chemin.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-  struct stat etat {};
+  struct stat etat{};
   if (fichier.numero() < 0 || ::fstat(fichier.numero(), &etat) != 0 || !S_ISREG(etat.st_mode)) return {};
   if (static_cast<std::uintmax_t>(etat.st_size) > maximum) return {};
 

@@ -1,7 +1,7 @@
 // Fichiers : chemins sous forme de texte, lecture bornée, écriture atomique.
 //
-// Aucune de ces opérations n’attend : un tube nommé, un dossier, un périphérique ou un fichier trop grand à la
-// place de celui qui est attendu donne un échec, jamais un blocage. Utilisables depuis tout fil.
+// Aucune de ces opérations n’attend : un tube nommé, un dossier, un périphérique ou un fichier trop grand à
+// la place de celui qui est attendu donne un échec, jamais un blocage. Utilisables depuis tout fil.
 #pragma once
 
 #include <cstddef>

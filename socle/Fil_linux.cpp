@@ -1,7 +1,8 @@
 #include "socle/Fil.hpp"
 
-#include <pthread.h>
 #include <string>
+
+#include <pthread.h>
 
 namespace keltrove::socle {
 

@@ -1,8 +1,8 @@
 // FileDeTravail : des tâches en arrière-plan, sur au plus `largeur` fils à la fois.
 //
-// Avec une largeur de 1, les tâches se suivent dans l’ordre de leur dépôt. Un fil naît avec la première tâche et
-// disparaît avec la dernière. Détruire la file ne les attend pas : quitter l’application n’attend jamais un
-// démarrage en cours. Une tâche doit donc posséder tout ce qu’elle touche.
+// Avec une largeur de 1, les tâches se suivent dans l’ordre de leur dépôt. Un fil naît avec la première tâche
+// et disparaît avec la dernière. Détruire la file ne les attend pas : quitter l’application n’attend jamais
+// un démarrage en cours. Une tâche doit donc posséder tout ce qu’elle touche.
 #pragma once
 
 #include "socle/BoucleEvenements.hpp"

@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <fmt/format.h>
 #include <mutex>
+
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
@@ -85,7 +86,8 @@ std::vector<Details> etapes() {
 
 std::string resume(const Details& details) {
   std::vector<std::string> paires;
-  for (const auto& [cle, valeur] : details) paires.push_back(cle + "=" + decrire(valeur));
+  for (const auto& [cle, valeur] : details)
+    paires.push_back(cle + "=" + decrire(valeur));
   std::ranges::sort(paires);
   return joindre(paires, " ");
 }
@@ -107,6 +109,8 @@ std::optional<std::string> enJSON(const std::vector<Details>& etapes) {
   }
 }
 
-double auCentieme(double secondes) { return std::round(secondes * 100) / 100; }
+double auCentieme(double secondes) {
+  return std::round(secondes * 100) / 100;
+}
 
 } // namespace keltrove::socle::Journal

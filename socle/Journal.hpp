@@ -1,8 +1,9 @@
 // Journal : les étapes nommées du démarrage et de la vie de l’application.
 //
-// Chaque étape s’imprime aussitôt sur la sortie d’erreur et reste en mémoire avec son heure depuis la première.
-// En mode essai, la liste entière est aussi réécrite dans Reglages::cheminEtatEssai() après chaque étape.
-// Le journal n’échoue jamais : ce qui ne peut être écrit est perdu sans bruit. Utilisable depuis tout fil.
+// Chaque étape s’imprime aussitôt sur la sortie d’erreur et reste en mémoire avec son heure depuis la
+// première. En mode essai, la liste entière est aussi réécrite dans Reglages::cheminEtatEssai() après chaque
+// étape. Le journal n’échoue jamais : ce qui ne peut être écrit est perdu sans bruit. Utilisable depuis tout
+// fil.
 #pragma once
 
 #include <cstdint>

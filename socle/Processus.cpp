@@ -5,13 +5,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <future>
 #include <mutex>
-#include <poll.h>
-#include <sys/wait.h>
 #include <system_error>
 #include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace keltrove::socle {
@@ -35,12 +36,15 @@ namespace {
 
 constexpr std::size_t tailleDeLecture = 65536;
 
-std::string texteDuSysteme(int erreur) { return std::generic_category().message(erreur); }
+std::string texteDuSysteme(int erreur) {
+  return std::generic_category().message(erreur);
+}
 
 // posix_spawn copie ce qu’on lui donne : ces tableaux ne servent que le temps de l’appel.
 std::vector<char*> tableauC(const std::vector<std::string>& textes) {
   std::vector<char*> tableau;
-  for (const auto& texte : textes) tableau.push_back(const_cast<char*>(texte.c_str()));
+  for (const auto& texte : textes)
+    tableau.push_back(const_cast<char*>(texte.c_str()));
   tableau.push_back(nullptr);
   return tableau;
 }
@@ -162,7 +166,9 @@ std::expected<std::shared_ptr<Processus>, std::string> Processus::lancer(const C
   return std::make_shared<Processus>(etat);
 }
 
-pid_t Processus::pid() const { return etat_->pid; }
+pid_t Processus::pid() const {
+  return etat_->pid;
+}
 
 bool Processus::tourne() const {
   const std::lock_guard garde(etat_->verrou);

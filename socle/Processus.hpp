@@ -15,8 +15,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace keltrove::socle {
 

@@ -6,12 +6,13 @@
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
+#include <string_view>
+#include <vector>
+
 #include <locale.h>
 #include <nlohmann/json.hpp>
 #include <pwd.h>
-#include <string_view>
 #include <unistd.h>
-#include <vector>
 #if __has_include(<xlocale.h>)
 #include <xlocale.h>
 #endif
@@ -35,7 +36,8 @@ std::string maisonDuCompte() {
   std::vector<char> place(16384);
   passwd compte{};
   passwd* trouve = nullptr;
-  if (::getpwuid_r(::getuid(), &compte, place.data(), place.size(), &trouve) != 0 || trouve == nullptr) return "/";
+  if (::getpwuid_r(::getuid(), &compte, place.data(), place.size(), &trouve) != 0 || trouve == nullptr)
+    return "/";
   return trouve->pw_dir;
 }
 
@@ -65,12 +67,22 @@ std::string maison() {
   return valeur != nullptr && *valeur != '\0' ? valeur : maisonDuCompte();
 }
 
-bool modeEssai() { return vautUn("KELTROVE_ESSAI"); }
-bool modeDiscret() { return vautUn("KELTROVE_DISCRET"); }
+bool modeEssai() {
+  return vautUn("KELTROVE_ESSAI");
+}
+bool modeDiscret() {
+  return vautUn("KELTROVE_DISCRET");
+}
 
-std::string cheminEtatEssai() { return dansLeDossierCache("keltrove-app-etat.json"); }
-std::string cheminJeton() { return dansLeDossierCache("keltrove-jeton"); }
-std::string dossierKeltroveInstalle() { return dansLeDossierCache("it/keltrove"); }
+std::string cheminEtatEssai() {
+  return dansLeDossierCache("keltrove-app-etat.json");
+}
+std::string cheminJeton() {
+  return dansLeDossierCache("keltrove-jeton");
+}
+std::string dossierKeltroveInstalle() {
+  return dansLeDossierCache("it/keltrove");
+}
 
 double secondesAvantAuToQuitter() {
   const char* valeur = modeEssai() ? std::getenv("KELTROVE_ESSAI_QUITTER") : nullptr;

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <curl/curl.h>
 #include <memory>
 #include <mutex>
+
+#include <curl/curl.h>
 
 namespace keltrove::socle {
 namespace {
@@ -82,8 +83,8 @@ bool mener(CURLM* groupe, const Reception& reception, Duree inactivite, Horodata
     int enCours = 0;
     if (curl_multi_perform(groupe, &enCours) != CURLM_OK) return false;
     if (const auto issue = issueDe(groupe); issue != Issue::enCours) return issue == Issue::reussie;
-    const auto echeance = std::min(
-        limite, reception.dernierOctet + std::chrono::duration_cast<Horodatage::duration>(inactivite));
+    const auto echeance = std::min(limite, reception.dernierOctet +
+                                               std::chrono::duration_cast<Horodatage::duration>(inactivite));
     const auto reste = std::chrono::ceil<std::chrono::milliseconds>(echeance - Horodatage::now()).count();
     if (reste <= 0) return false;
     curl_multi_poll(groupe, nullptr, 0, static_cast<int>(reste), nullptr);
@@ -132,7 +133,8 @@ std::optional<ReponseHTTP> obtenir(const RequeteHTTP& requete) {
   const auto limite =
       Horodatage::now() + std::chrono::duration_cast<Horodatage::duration>(Duree(requete.dureeMaximale));
   curl_slist* liste = nullptr;
-  for (const auto& entete : requete.entetes) liste = curl_slist_append(liste, entete.c_str());
+  for (const auto& entete : requete.entetes)
+    liste = curl_slist_append(liste, entete.c_str());
   const Entetes entetes(liste);
   const Groupe groupe(curl_multi_init());
   const Transfert transfert(curl_easy_init());

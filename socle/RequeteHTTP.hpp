@@ -12,15 +12,15 @@
 namespace keltrove::socle {
 
 enum class Redirections {
-  suivies,           // où qu’elles mènent, en HTTP ou en HTTPS
-  memeOrigineSeule,  // une redirection vers une autre origine est rendue telle quelle, sans être suivie
+  suivies,          // où qu’elles mènent, en HTTP ou en HTTPS
+  memeOrigineSeule, // une redirection vers une autre origine est rendue telle quelle, sans être suivie
 };
 
 struct RequeteHTTP {
   std::string url;
-  std::vector<std::string> entetes; // « Nom: valeur »
-  double inactiviteMaximale = 0;    // secondes sans recevoir un seul octet
-  double dureeMaximale = 0;         // secondes pour le tout, redirections comprises
+  std::vector<std::string> entetes;                  // « Nom: valeur »
+  double inactiviteMaximale = 0;                     // secondes sans recevoir un seul octet
+  double dureeMaximale = 0;                          // secondes pour le tout, redirections comprises
   std::size_t octetsMaximum = std::size_t{16} << 20; // corps et en-têtes d’une réponse
   Redirections redirections = Redirections::suivies;
 };

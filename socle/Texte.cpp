@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+
 #include <utf8proc.h>
 
 namespace keltrove::socle {
@@ -60,7 +61,8 @@ std::size_t longueurASCII(std::string_view texte) {
     std::memcpy(&huit, texte.data() + i, sizeof huit);
     if (huit & 0x8080808080808080U) break;
   }
-  while (i < texte.size() && static_cast<unsigned char>(texte[i]) < 0x80) ++i;
+  while (i < texte.size() && static_cast<unsigned char>(texte[i]) < 0x80)
+    ++i;
   return i;
 }
 
@@ -76,15 +78,20 @@ bool estUTF8(std::string_view octets) {
   return true;
 }
 
-std::string_view rogner(std::string_view texte) { return rognerSelon(texte, estBlanc); }
+std::string_view rogner(std::string_view texte) {
+  return rognerSelon(texte, estBlanc);
+}
 
-std::string_view rognerEspaces(std::string_view texte) { return rognerSelon(texte, estEspace); }
+std::string_view rognerEspaces(std::string_view texte) {
+  return rognerSelon(texte, estEspace);
+}
 
 std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides) {
   std::vector<std::string> morceaux;
   for (std::size_t debut = 0; debut <= texte.size();) {
     const auto fin = std::min(texte.find(separateur, debut), texte.size());
-    if (fin > debut || vides == MorceauxVides::gardes) morceaux.emplace_back(texte.substr(debut, fin - debut));
+    if (fin > debut || vides == MorceauxVides::gardes)
+      morceaux.emplace_back(texte.substr(debut, fin - debut));
     debut = fin + 1;
   }
   return morceaux;

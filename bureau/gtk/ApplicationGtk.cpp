@@ -1,6 +1,7 @@
 #include "bureau/gtk/ApplicationGtk.hpp"
 
 #include <csignal>
+
 #include <glib-unix.h>
 
 namespace keltrove::bureau {

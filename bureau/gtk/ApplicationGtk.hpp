@@ -4,14 +4,16 @@
 #include "app/DelegueApplication.hpp"
 #include "bureau/gtk/FenetreGtk.hpp"
 
-#include <gtkmm/application.h>
 #include <memory>
+
+#include <gtkmm/application.h>
 
 namespace keltrove::bureau {
 
 class ApplicationGtk final : public Gtk::Application {
 public:
-  ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur, std::shared_ptr<socle::BoucleEvenements> boucle);
+  ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
+                 std::shared_ptr<socle::BoucleEvenements> boucle);
   ~ApplicationGtk() override;
 
 private:

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -17,8 +18,9 @@ bool bacASableMarche() {
   ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   // Les mêmes cloisons que celles dont WebKit se sert.
-  const char* const arguments[] = {"bwrap",  "--die-with-parent", "--unshare-all", "--ro-bind", "/",         "/",
-                                   "--proc", "/proc",             "--dev",         "/dev",      "/bin/true", nullptr};
+  const char* const arguments[] = {
+      "bwrap", "--die-with-parent", "--unshare-all", "--ro-bind", "/", "/", "--proc", "/proc", "--dev",
+      "/dev",  "/bin/true",         nullptr};
   pid_t essai = -1;
   const int erreur =
       ::posix_spawnp(&essai, "bwrap", &actions, nullptr, const_cast<char* const*>(arguments), ::environ);
@@ -35,8 +37,9 @@ bool bacASableMarche() {
 void eprouverLeBacASable() {
   constexpr const char* variable = "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS";
   if (std::getenv(variable) != nullptr || bacASableMarche()) return;
-  std::fputs("Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
-             stderr);
+  std::fputs(
+      "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
+      stderr);
   ::setenv(variable, "1", 1);
 }
 

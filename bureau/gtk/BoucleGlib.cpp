@@ -1,8 +1,9 @@
 #include "bureau/gtk/BoucleGlib.hpp"
 
 #include <cmath>
-#include <glib.h>
 #include <limits>
+
+#include <glib.h>
 
 namespace keltrove::bureau {
 namespace {

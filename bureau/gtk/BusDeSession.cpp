@@ -1,18 +1,33 @@
 #include "bureau/gtk/BusDeSession.hpp"
 
+#include "socle/Fichiers.hpp"
+
 #include <cstdlib>
+
 #include <gio/gio.h>
 
 namespace keltrove::bureau {
+namespace {
 
-void ecarterUnBusMort() {
+bool repond(const char* adresse) {
+  auto* flux = g_dbus_address_get_stream_sync(adresse, nullptr, nullptr, nullptr);
+  if (flux == nullptr) return false;
+  g_object_unref(flux);
+  return true;
+}
+
+// La place convenue d’un bus dont aucune variable ne donne l’adresse.
+bool estALaPlaceConvenue() {
+  const char* dossier = std::getenv("XDG_RUNTIME_DIR");
+  return dossier != nullptr && socle::existe(socle::ajouterComposant(dossier, "bus"));
+}
+
+} // namespace
+
+void ecarterUnBusAbsent() {
   constexpr const char* variable = "DBUS_SESSION_BUS_ADDRESS";
   const char* adresse = std::getenv(variable);
-  if (adresse == nullptr) return;
-  if (auto* flux = g_dbus_address_get_stream_sync(adresse, nullptr, nullptr, nullptr)) {
-    g_object_unref(flux);
-    return;
-  }
+  if (adresse != nullptr ? repond(adresse) : estALaPlaceConvenue()) return;
   // Le mot que GLib et WebKit comprennent pour « aucun bus, et n’en lancez pas ».
   ::setenv(variable, "disabled:", 1);
 }

@@ -3,8 +3,9 @@
 #include "fenetre/Apparence.hpp"
 #include "socle/Fichiers.hpp"
 
-#include <glib.h>
 #include <memory>
+
+#include <glib.h>
 
 namespace keltrove::bureau {
 
@@ -22,14 +23,17 @@ std::string chemin(const std::string& nom) {
 
 using FichierDeCles = std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)>;
 
-FichierDeCles nouveauFichier() { return {g_key_file_new(), &g_key_file_unref}; }
+FichierDeCles nouveauFichier() {
+  return {g_key_file_new(), &g_key_file_unref};
+}
 
 } // namespace
 
 std::optional<Cadre> lireLeCadre(const std::string& nom) {
   const auto contenu = socle::lireFichier(chemin(nom), tailleMaximale);
   const auto fichier = nouveauFichier();
-  if (!contenu || !g_key_file_load_from_data(fichier.get(), contenu->data(), contenu->size(), G_KEY_FILE_NONE, nullptr))
+  if (!contenu ||
+      !g_key_file_load_from_data(fichier.get(), contenu->data(), contenu->size(), G_KEY_FILE_NONE, nullptr))
     return std::nullopt;
   const Cadre cadre{.largeur = g_key_file_get_integer(fichier.get(), groupe, "largeur", nullptr),
                     .hauteur = g_key_file_get_integer(fichier.get(), groupe, "hauteur", nullptr),
@@ -46,7 +50,8 @@ void retenirLeCadre(const std::string& nom, const Cadre& cadre) {
   g_key_file_set_integer(fichier.get(), groupe, "hauteur", cadre.hauteur);
   g_key_file_set_boolean(fichier.get(), groupe, "agrandie", cadre.agrandie);
   gsize taille = 0;
-  const std::unique_ptr<char, decltype(&g_free)> texte(g_key_file_to_data(fichier.get(), &taille, nullptr), &g_free);
+  const std::unique_ptr<char, decltype(&g_free)> texte(g_key_file_to_data(fichier.get(), &taille, nullptr),
+                                                       &g_free);
   // Un disque plein ne coûte ici que la taille de la fenêtre.
   socle::ecrireFichier(chemin(nom), {texte.get(), taille});
 }

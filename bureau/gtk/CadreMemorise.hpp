@@ -1,7 +1,7 @@
 // CadreMemorise : la taille de la fenêtre, retenue d’une fois sur l’autre.
 //
-// Un fichier de clés par nom de cadre, dans $XDG_STATE_HOME/keltrove. La place à l’écran n’en fait pas partie :
-// une fenêtre GTK ne choisit pas la sienne.
+// Un fichier de clés par nom de cadre, dans $XDG_STATE_HOME/keltrove. La place à l’écran n’en fait pas partie
+// : une fenêtre GTK ne choisit pas la sienne.
 #pragma once
 
 #include <optional>

@@ -2,10 +2,11 @@
 
 #include "fenetre/Apparence.hpp"
 
-#include <gdk/gdkkeysyms.h>
-#include <gtkmm/eventcontrollerkey.h>
 #include <memory>
 #include <string>
+
+#include <gdk/gdkkeysyms.h>
+#include <gtkmm/eventcontrollerkey.h>
 
 namespace keltrove::bureau {
 
@@ -23,7 +24,9 @@ Glib::ustring affichable(const std::string& texte) {
 } // namespace
 
 EcranGtk::EcranGtk()
-    : phrase_(Ecran::largeurDuTexte, "phrase"), conseil_(Ecran::largeurDuTexte, "conseil"), boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons), pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
+    : phrase_(Ecran::largeurDuTexte, "phrase"), conseil_(Ecran::largeurDuTexte, "conseil"),
+      boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons),
+      pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
   add_css_class("ecran-attente");
   set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
   set_focusable(true);
@@ -35,7 +38,8 @@ EcranGtk::EcranGtk()
   pile_.set_margin_end(Ecran::margesLaterales / 2);
   pile_.set_margin_top(Ecran::espacement);
   pile_.set_margin_bottom(Ecran::espacement);
-  for (auto* element : std::initializer_list<Gtk::Widget*>{&roue_, &titre_, &phrase_, &conseil_, &boutons_, &cadreDetail_}) {
+  for (auto* element :
+       std::initializer_list<Gtk::Widget*>{&roue_, &titre_, &phrase_, &conseil_, &boutons_, &cadreDetail_}) {
     element->set_halign(Gtk::Align::CENTER);
     pile_.append(*element);
   }
@@ -80,13 +84,15 @@ void EcranGtk::construireLeDetail() {
   cadreDetail_.set_overflow(Gtk::Overflow::HIDDEN);
 }
 
-// Entrée presse « Réessayer » où que soit le clavier sur cet écran ; la barre d’espace presse le bouton choisi.
+// Entrée presse « Réessayer » où que soit le clavier sur cet écran ; la barre d’espace presse le bouton
+// choisi.
 void EcranGtk::lierEntree() {
   const auto touches = Gtk::EventControllerKey::create();
   touches->set_propagation_phase(Gtk::PropagationPhase::CAPTURE);
   touches->signal_key_pressed().connect(
       [this](guint touche, guint, Gdk::ModifierType) {
-        const bool entree = touche == GDK_KEY_Return || touche == GDK_KEY_KP_Enter || touche == GDK_KEY_ISO_Enter;
+        const bool entree =
+            touche == GDK_KEY_Return || touche == GDK_KEY_KP_Enter || touche == GDK_KEY_ISO_Enter;
         if (!entree || !boutonReessayer_.get_visible()) return false;
         if (quandOnReessaie) quandOnReessaie();
         return true;
@@ -114,8 +120,10 @@ void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
 
 void EcranGtk::donnerLeClavier(const fenetre::EtatEcran& etat) {
   if (!etat.visible || boutonDetail_.has_focus() || detail_.has_focus()) return;
-  if (etat.boutonReessayer) boutonReessayer_.grab_focus();
-  else grab_focus();
+  if (etat.boutonReessayer)
+    boutonReessayer_.grab_focus();
+  else
+    grab_focus();
 }
 
 } // namespace keltrove::bureau

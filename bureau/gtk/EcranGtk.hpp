@@ -6,6 +6,7 @@
 #include "fenetre/EcranAttente.hpp"
 
 #include <functional>
+
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
 #include <gtkmm/label.h>

@@ -36,7 +36,8 @@ FenetreGtk::FenetreGtk() {
 
   const auto reglages = Gtk::Settings::get_default();
   reglages->property_gtk_theme_name().signal_changed().connect([this] { suivreLeTheme(); });
-  reglages->property_gtk_application_prefer_dark_theme().signal_changed().connect([this] { suivreLeTheme(); });
+  reglages->property_gtk_application_prefer_dark_theme().signal_changed().connect(
+      [this] { suivreLeTheme(); });
   suivreLeTheme();
 }
 
@@ -106,7 +107,9 @@ void FenetreGtk::dessiner(const fenetre::EtatBandeau& etat) {
   bandeau_.set_visible(etat.visible);
 }
 
-void FenetreGtk::mettreDevant() { present(); }
+void FenetreGtk::mettreDevant() {
+  present();
+}
 
 unsigned long FenetreGtk::mettreDerriere() {
   unsigned long numero = 0;
@@ -125,11 +128,16 @@ unsigned long FenetreGtk::mettreDerriere() {
   return numero;
 }
 
-void FenetreGtk::charger(const std::string& adresse) { vueWeb_.charger(adresse); }
+void FenetreGtk::charger(const std::string& adresse) {
+  vueWeb_.charger(adresse);
+}
 
-void FenetreGtk::arreterLeChargement() { vueWeb_.arreterLeChargement(); }
+void FenetreGtk::arreterLeChargement() {
+  vueWeb_.arreterLeChargement();
+}
 
-void FenetreGtk::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
+void FenetreGtk::evaluer(const std::string& expression,
+                         std::function<void(std::optional<std::string>)> fini) {
   vueWeb_.evaluer(expression, std::move(fini));
 }
 

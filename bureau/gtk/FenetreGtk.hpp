@@ -27,8 +27,7 @@ public:
   unsigned long mettreDerriere() override;
   void charger(const std::string& adresse) override;
   void arreterLeChargement() override;
-  void evaluer(const std::string& expression,
-               std::function<void(std::optional<std::string>)> fini) override;
+  void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) override;
 
 private:
   void reprendreLaTaille();

@@ -10,7 +10,8 @@ namespace {
 
 bool aUneCarte() {
   std::error_code erreur;
-  for (std::filesystem::directory_iterator i("/dev/dri", erreur), fin; !erreur && i != fin; i.increment(erreur))
+  for (std::filesystem::directory_iterator i("/dev/dri", erreur), fin; !erreur && i != fin;
+       i.increment(erreur))
     if (std::string_view(i->path().filename().c_str()).starts_with("renderD")) return true;
   return false;
 }

@@ -3,8 +3,9 @@
 
 namespace keltrove::bureau {
 
-// Démarrer GL en logiciel double le temps d’ouverture et la mémoire, pour rien. À appeler avant la boîte à outils
-// et avant tout fil. Ne touche pas aux variables que l’utilisateur a posées, ni à une machine qui a une carte.
+// Démarrer GL en logiciel double le temps d’ouverture et la mémoire, pour rien. À appeler avant la boîte à
+// outils et avant tout fil. Ne touche pas aux variables que l’utilisateur a posées, ni à une machine qui a
+// une carte.
 void choisirLeRendu();
 
 } // namespace keltrove::bureau

@@ -3,8 +3,9 @@
 #include "fenetre/Apparence.hpp"
 
 #include <cmath>
-#include <gdkmm/frameclock.h>
 #include <numbers>
+
+#include <gdkmm/frameclock.h>
 
 namespace keltrove::bureau {
 namespace {

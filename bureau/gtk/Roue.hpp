@@ -1,7 +1,7 @@
 // Roue : l’indicateur d’attente.
 //
-// Celui de GTK est une image vectorielle : l’afficher charge toute une bibliothèque de dessin, au moment même où
-// l’application doit s’ouvrir vite.
+// Celui de GTK est une image vectorielle : l’afficher charge toute une bibliothèque de dessin, au moment même
+// où l’application doit s’ouvrir vite.
 #pragma once
 
 #include <gtkmm/drawingarea.h>

@@ -2,9 +2,10 @@
 
 #include "fenetre/Apparence.hpp"
 
+#include <string>
+
 #include <fmt/format.h>
 #include <gtkmm/settings.h>
-#include <string>
 
 namespace keltrove::bureau {
 
@@ -19,7 +20,9 @@ std::string enCSS(const Apparence::Couleur& c) {
 }
 
 // En points plutôt qu’en pixels : l’agrandissement du texte choisi par l’utilisateur s’applique alors.
-std::string police(int taille) { return fmt::format("font-size: {}pt;", taille * 0.75); }
+std::string police(int taille) {
+  return fmt::format("font-size: {}pt;", taille * 0.75);
+}
 
 std::string regle(const char* selecteur, const std::string& corps) {
   return fmt::format("{} {{ {}{} }}\n", selecteur, corps, corps.ends_with(';') ? "" : ";");
@@ -27,11 +30,11 @@ std::string regle(const char* selecteur, const std::string& corps) {
 
 // L’écran d’attente est sombre sous tous les thèmes : rien de ce qu’il contient ne suit celui du système.
 std::string regleDesBoutons() {
-  return regle(".ecran-attente button",
-               "background: none; border: none; box-shadow: none; outline: none; text-shadow: none; min-height: 0;") +
+  return regle(".ecran-attente button", "background: none; border: none; box-shadow: none; outline: none; "
+                                        "text-shadow: none; min-height: 0;") +
          regle(".ecran-attente button.reessayer",
-               police(Ecran::tailleDuTexte) +
-                   "background-color: #2f6fde; color: white; font-weight: 500; border-radius: 7px; padding: 6px 18px;") +
+               police(Ecran::tailleDuTexte) + "background-color: #2f6fde; color: white; font-weight: 500; "
+                                              "border-radius: 7px; padding: 6px 18px;") +
          regle(".ecran-attente button.reessayer:hover", "background-color: #3d7cea;") +
          regle(".ecran-attente button.reessayer:active", "background-color: #255cbd;") +
          regle(".ecran-attente button.detail",
@@ -39,11 +42,13 @@ std::string regleDesBoutons() {
                             "border-radius: 999px; padding: 4px 13px;") +
          regle(".ecran-attente button.detail:hover", "background-color: rgba(255,255,255,0.16);") +
          regle(".ecran-attente button.detail:active", "background-color: rgba(255,255,255,0.07);") +
-         regle(".ecran-attente button:focus-visible", "outline: 2px solid rgba(148,187,255,0.9); outline-offset: 2px;");
+         regle(".ecran-attente button:focus-visible",
+               "outline: 2px solid rgba(148,187,255,0.9); outline-offset: 2px;");
 }
 
 std::string regleDesTextes() {
-  return regle(".ecran-attente .titre", police(Ecran::tailleDuTitre) + "font-weight: 600; color: " + enCSS(Ecran::titre)) +
+  return regle(".ecran-attente .titre",
+               police(Ecran::tailleDuTitre) + "font-weight: 600; color: " + enCSS(Ecran::titre)) +
          regle(".ecran-attente .phrase", police(Ecran::tailleDuTexte) + "color: " + enCSS(Ecran::phrase)) +
          regle(".ecran-attente .conseil",
                police(Ecran::tailleDuTexte) + "font-weight: 500; color: " + enCSS(Ecran::conseil));
@@ -53,7 +58,8 @@ std::string regleDuDetail() {
   return regle(".ecran-attente .cadre-detail",
                "border-radius: 8px; background-color: " + enCSS(Ecran::fondDuDetail)) +
          regle(".ecran-attente textview, .ecran-attente textview text",
-               police(Ecran::tailleDuDetail) + "font-family: monospace; background-color: transparent; caret-color: " +
+               police(Ecran::tailleDuDetail) +
+                   "font-family: monospace; background-color: transparent; caret-color: " +
                    enCSS(Ecran::detail) + "; color: " + enCSS(Ecran::detail)) +
          regle(".ecran-attente textview text selection", "background-color: #2f6fde; color: white;") +
          regle(".ecran-attente scrollbar", "background: none; border: none;") +

@@ -10,7 +10,9 @@ TexteReplie::TexteReplie(int largeur, const Glib::ustring& classe) : largeur_(la
   label_.set_parent(*this);
 }
 
-TexteReplie::~TexteReplie() { label_.unparent(); }
+TexteReplie::~TexteReplie() {
+  label_.unparent();
+}
 
 void TexteReplie::ecrire(const Glib::ustring& texte) {
   label_.set_text(texte);

@@ -17,7 +17,9 @@ public:
   void ecrire(const Glib::ustring& texte);
 
 private:
-  Gtk::SizeRequestMode get_request_mode_vfunc() const override { return Gtk::SizeRequestMode::HEIGHT_FOR_WIDTH; }
+  Gtk::SizeRequestMode get_request_mode_vfunc() const override {
+    return Gtk::SizeRequestMode::HEIGHT_FOR_WIDTH;
+  }
   void measure_vfunc(Gtk::Orientation sens, int pour, int& minimum, int& naturel, int& ligneMinimale,
                      int& ligneNaturelle) const override;
   void size_allocate_vfunc(int largeur, int hauteur, int ligne) override;

@@ -1,9 +1,10 @@
 #include "bureau/gtk/VueWeb.hpp"
 
-#include <glibmm/main.h>
-#include <gtkmm/widget.h>
 #include <memory>
 #include <utility>
+
+#include <glibmm/main.h>
+#include <gtkmm/widget.h>
 
 namespace keltrove::bureau {
 namespace {
@@ -16,7 +17,8 @@ template <typename T>
 using Objet = std::unique_ptr<T, LacherObjet<T>>;
 
 std::string dossierDe(const char* racine) {
-  const std::unique_ptr<char, decltype(&g_free)> chemin(g_build_filename(racine, "keltrove", nullptr), &g_free);
+  const std::unique_ptr<char, decltype(&g_free)> chemin(g_build_filename(racine, "keltrove", nullptr),
+                                                        &g_free);
   return chemin.get();
 }
 
@@ -49,13 +51,13 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                      moi->quandLeChargementChange(evenement);
                    }),
                    this);
-  g_signal_connect(vue_, "load-failed",
-                   G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent, const char*, GError* erreur,
-                                  VueWeb* moi) -> gboolean {
-                     moi->quandLeChargementEchoue(*erreur);
-                     return TRUE; // pas de page d’erreur de WebKit : l’écran d’attente explique
-                   }),
-                   this);
+  g_signal_connect(
+      vue_, "load-failed",
+      G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent, const char*, GError* erreur, VueWeb* moi) -> gboolean {
+        moi->quandLeChargementEchoue(*erreur);
+        return TRUE; // pas de page d’erreur de WebKit : l’écran d’attente explique
+      }),
+      this);
   g_signal_connect(vue_, "web-process-terminated",
                    G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason raison, VueWeb* moi) {
                      moi->quandLeProcessusSArrete(raison);
@@ -75,11 +77,14 @@ VueWeb::~VueWeb() {
 
 void VueWeb::charger(const std::string& adresse) {
   const Objet<WebKitURIRequest> requete(webkit_uri_request_new(adresse.c_str()));
-  soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control", "no-cache");
+  soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control",
+                               "no-cache");
   webkit_web_view_load_request(vue_, requete.get());
 }
 
-void VueWeb::arreterLeChargement() { webkit_web_view_stop_loading(vue_); }
+void VueWeb::arreterLeChargement() {
+  webkit_web_view_stop_loading(vue_);
+}
 
 void VueWeb::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
   using Suite = std::function<void(std::optional<std::string>)>;
@@ -99,8 +104,10 @@ void VueWeb::peindreLeFond(const fenetre::Apparence::Couleur& couleur) {
 }
 
 void VueWeb::quandLeChargementChange(WebKitLoadEvent evenement) {
-  if (evenement == WEBKIT_LOAD_STARTED) rate_ = false;
-  else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie) quandNavigationFinie();
+  if (evenement == WEBKIT_LOAD_STARTED)
+    rate_ = false;
+  else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie)
+    quandNavigationFinie();
 }
 
 void VueWeb::quandLeChargementEchoue(const GError& erreur) {

@@ -7,9 +7,10 @@
 #include "fenetre/VueFenetre.hpp"
 
 #include <functional>
-#include <gtkmm/widget.h>
 #include <optional>
 #include <string>
+
+#include <gtkmm/widget.h>
 #include <webkit/webkit.h>
 
 namespace keltrove::bureau {

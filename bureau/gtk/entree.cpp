@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+
 #include <gtk/gtk.h>
 #include <unistd.h>
 
@@ -19,9 +20,10 @@ namespace {
 using namespace keltrove;
 
 int sansEcran() {
-  std::fputs("Keltrove n’a trouvé aucun écran où s’ouvrir : lancez-le depuis une session graphique, ou réglez "
-             "DISPLAY ou WAYLAND_DISPLAY.\n",
-             stderr);
+  std::fputs(
+      "Keltrove n’a trouvé aucun écran où s’ouvrir : lancez-le depuis une session graphique, ou réglez "
+      "DISPLAY ou WAYLAND_DISPLAY.\n",
+      stderr);
   return EXIT_FAILURE;
 }
 
@@ -36,7 +38,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   };
   bureau::choisirLeRendu();
   bureau::eprouverLeBacASable();
-  bureau::ecarterUnBusMort();
+  bureau::ecarterUnBusAbsent();
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();

@@ -53,8 +53,8 @@ public:
   }
 
   // Exécute ce que d’autres fils postent jusqu’à ce que la condition soit vraie ; faux après dix secondes
-  // réelles, pour qu’un essai raté se termine. La condition est aussi relue de temps en temps : tout ce que font
-  // les autres fils ne passe pas par la boucle.
+  // réelles, pour qu’un essai raté se termine. La condition est aussi relue de temps en temps : tout ce que
+  // font les autres fils ne passe pas par la boucle.
   bool attendre(const std::function<bool()>& condition) {
     const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     do {

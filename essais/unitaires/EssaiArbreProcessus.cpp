@@ -1,18 +1,18 @@
-#include "moteur/ArbreProcessus.hpp"
-
 #include "MaisonTemporaire.hpp"
 #include "moteur/AnalyseOutils.hpp"
+#include "moteur/ArbreProcessus.hpp"
 #include "socle/Processus.hpp"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <thread>
+
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace keltrove::moteur {
@@ -20,7 +20,8 @@ namespace {
 
 bool attendre(const std::function<bool()>& condition) {
   const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (!condition() && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  while (!condition() && std::chrono::steady_clock::now() < limite)
+    std::this_thread::yield();
   return condition();
 }
 
@@ -34,7 +35,8 @@ TEST(AnalyseOutils, LsofDonneLesPortsDistinctsDansLOrdre) {
 
 TEST(AnalyseOutils, LsofIgnoreEnTeteEtLignesIllisibles) {
   EXPECT_EQ(lireLsof(""), std::vector<int>{});
-  EXPECT_EQ(lireLsof("node 1 me TCP 127.0.0.1:7777 (LISTEN)\n"), std::vector<int>{}) << "une seule ligne est l’en-tête";
+  EXPECT_EQ(lireLsof("node 1 me TCP 127.0.0.1:7777 (LISTEN)\n"), std::vector<int>{})
+      << "une seule ligne est l’en-tête";
   EXPECT_EQ(lireLsof("EN-TETE\nsans adresse\na:\n:\n*:http\n*:0\n*:-5\n*:+80\n*:99999999999\na:1 b:2\n"),
             (std::vector<int>{80, 2}));
   EXPECT_EQ(lireLsof("EN-TETE\n*:7777\xff\n"), std::vector<int>{});
@@ -53,7 +55,8 @@ TEST(ArbreProcessus, UneProfondeurNulleDonneUneListeVide) {
 
 TEST(ArbreProcessus, ChaqueEnfantEstSuiviDeSaDescendanceJusquALaProfondeurDite) {
   const auto processus = socle::Processus::lancer(
-      {"/bin/sh", {"-c", "sh -c 'sh -c \"sleep 1000; :\" & wait' & sleep 1000 & wait"}, "/", {}}, [](auto) {});
+      {"/bin/sh", {"-c", "sh -c 'sh -c \"sleep 1000; :\" & wait' & sleep 1000 & wait"}, "/", {}},
+      [](auto) {});
   ASSERT_TRUE(processus);
   const pid_t racine = (*processus)->pid();
   ASSERT_TRUE(attendre([&] { return descendants(racine, 9).size() == 4; }));

@@ -1,15 +1,15 @@
 // Le délégué avec un vrai moteur, de vrais serveurs, une fenêtre sans écran et un temps virtuel.
 
-#include "app/DelegueApplication.hpp"
-
 #include "BoucleVirtuelle.hpp"
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "VueEnregistreuse.hpp"
+#include "app/DelegueApplication.hpp"
 #include "socle/Journal.hpp"
 
 #include <algorithm>
 #include <cstdlib>
+
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -30,11 +30,14 @@ http.createServer((q, r) => r.end(q.url === '/api/sante' ? sante : page)).listen
 
 std::vector<std::string> etapes() {
   std::vector<std::string> noms;
-  for (const auto& etape : Journal::etapes()) noms.push_back(std::get<std::string>(etape.at("etape")));
+  for (const auto& etape : Journal::etapes())
+    noms.push_back(std::get<std::string>(etape.at("etape")));
   return noms;
 }
 
-bool aEteNotee(const std::string& nom) { return std::ranges::count(etapes(), nom) > 0; }
+bool aEteNotee(const std::string& nom) {
+  return std::ranges::count(etapes(), nom) > 0;
+}
 
 Journal::Details detailsDe(const std::string& nom) {
   for (auto etape : Journal::etapes())
@@ -127,7 +130,8 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
   EXPECT_EQ(etapes(), (std::vector<std::string>{"demarrage-demande", "rattache"}));
   EXPECT_EQ(vue.ecran().titre, "keltrove est déjà en route");
   EXPECT_EQ(vue.ecran().phrase,
-            fmt::format("Je me branche sur le serveur qui tourne (port {}) : rien n’a été relancé.", maison.port()));
+            fmt::format("Je me branche sur le serveur qui tourne (port {}) : rien n’a été relancé.",
+                        maison.port()));
 
   const auto dessins = vue.ecrans.size();
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
@@ -179,8 +183,8 @@ TEST_F(EssaiDelegue, LeMotDeMiseAJourSeMontreUneFoisDansLeBandeau) {
 }
 
 // Un serveur qui annonce sa mise à jour quand on le lui demande, par un fichier posé dans son dossier.
-constexpr const char* annonceSurDemande =
-    "import fs from 'node:fs'; fs.watch('.', (_, nom) => { if (nom === 'dire') console.log('MESSAGE=tard'); });";
+constexpr const char* annonceSurDemande = "import fs from 'node:fs'; fs.watch('.', (_, nom) => { if (nom === "
+                                          "'dire') console.log('MESSAGE=tard'); });";
 
 TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
   poserLeServeur(annonceSurDemande);
@@ -206,7 +210,8 @@ TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
 }
 
 TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSArrete) {
-  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => { console.log('au revoir'); process.exit(3); });");
+  poserLeServeur(
+      "import fs from 'node:fs'; fs.watch('.', () => { console.log('au revoir'); process.exit(3); });");
   delegue.applicationDidFinishLaunching(vue);
   ASSERT_TRUE(attendreLEtape("allume"));
   maison.ecrire("ressources/keltrove/fin", "");
@@ -232,16 +237,17 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
     ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
   }
   ASSERT_TRUE(attendreLEtape("serveur-ne-repond-plus"));
-  EXPECT_EQ(vue.ecran(),
-            (fenetre::EtatEcran{
-                .titre = "Le serveur de keltrove ne répond plus",
-                .phrase = "La page est toujours affichée, mais plus rien ne lui parle : le serveur s’est arrêté ou "
-                          "a été coupé. Les terminaux qui étaient ouverts sont fermés ; leur liste, elle, a été "
-                          "notée et reviendra.",
-                .conseil = "Cliquez sur « Réessayer » : je le rallume et je rouvre la page.",
-                .boutonReessayer = true,
-                .boutonDetail = true,
-                .detail = "dernière ligne"}));
+  EXPECT_EQ(
+      vue.ecran(),
+      (fenetre::EtatEcran{
+          .titre = "Le serveur de keltrove ne répond plus",
+          .phrase = "La page est toujours affichée, mais plus rien ne lui parle : le serveur s’est arrêté ou "
+                    "a été coupé. Les terminaux qui étaient ouverts sont fermés ; leur liste, elle, a été "
+                    "notée et reviendra.",
+          .conseil = "Cliquez sur « Réessayer » : je le rallume et je rouvre la page.",
+          .boutonReessayer = true,
+          .boutonDetail = true,
+          .detail = "dernière ligne"}));
 }
 
 TEST_F(EssaiDelegue, FermerNotreServeurLeDitAttendSaFinPuisPart) {
@@ -268,7 +274,8 @@ TEST_F(EssaiDelegue, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
   vue.quandOnReessaie();
   ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
-  EXPECT_EQ(etapes(), (std::vector<std::string>{"demarrage-demande", "allume", "arret-demande", "arret-fini"}));
+  EXPECT_EQ(etapes(),
+            (std::vector<std::string>{"demarrage-demande", "allume", "arret-demande", "arret-fini"}));
 }
 
 TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranDeFermeture) {
@@ -286,13 +293,16 @@ TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranD
 }
 
 TEST_F(EssaiDelegue, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
-  maison.ecrire("ressources/keltrove/serveur.mjs", "import fs from 'node:fs'; fs.writeFileSync('lance', '');");
+  maison.ecrire("ressources/keltrove/serveur.mjs",
+                "import fs from 'node:fs'; fs.writeFileSync('lance', '');");
   delegue.applicationDidFinishLaunching(vue);
   const bool lance = moteur->nousLavonsAllume();
   const auto reponse = delegue.applicationShouldTerminate();
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  if (reponse == ReponseFermeture::maintenant) EXPECT_FALSE(moteur->nousLavonsAllume());
-  else EXPECT_TRUE(lance || moteur->nousLavonsAllume());
+  if (reponse == ReponseFermeture::maintenant)
+    EXPECT_FALSE(moteur->nousLavonsAllume());
+  else
+    EXPECT_TRUE(lance || moteur->nousLavonsAllume());
 }
 
 TEST_F(EssaiDelegue, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {

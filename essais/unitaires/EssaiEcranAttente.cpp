@@ -1,7 +1,8 @@
 #include "fenetre/EcranAttente.hpp"
 
-#include <gtest/gtest.h>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace keltrove::fenetre {
 namespace {
@@ -84,7 +85,8 @@ TEST_F(EssaiEcran, PasserDuProblemeALAttenteCacheConseilBoutonsEtDetailEtRelance
   ecran.montrerProbleme("T", "P", "C", "journal");
   ecran.basculerDetail();
   ecran.montrerAttente("Nouvel essai…", "…");
-  EXPECT_EQ(ecran.etat(), (EtatEcran{.roue = true, .titre = "Nouvel essai…", .phrase = "…", .detail = "journal"}));
+  EXPECT_EQ(ecran.etat(),
+            (EtatEcran{.roue = true, .titre = "Nouvel essai…", .phrase = "…", .detail = "journal"}));
 }
 
 TEST_F(EssaiEcran, CacherArreteLaRoueEtUnAffichageRemontreLEcran) {
@@ -112,14 +114,16 @@ TEST_F(EssaiEcran, UneMortAuDemarrageSansSortieNAPasDeBoutonDetail) {
 }
 
 TEST_F(EssaiEcran, ChaqueErreurMontreSonTitreSonExplicationSonConseilEtReessayer) {
-  const std::string reessayer = "Cliquez sur « Réessayer ». Si cela recommence, montrez le détail ci-dessous.";
+  const std::string reessayer =
+      "Cliquez sur « Réessayer ». Si cela recommence, montrez le détail ci-dessous.";
   const std::vector<std::pair<ErreurServeur, std::string>> conseils = {
       {moteur::CodeIntrouvable{{"/a"}}, "Réinstallez l’application depuis l’installateur fourni."},
       {moteur::LancementImpossible{"non"}, reessayer},
       {moteur::MortAuDemarrage{"j"}, reessayer},
       {moteur::PasDeReponse{1, 40, "j"}, reessayer},
       {moteur::PerduEnRoute{"j"}, reessayer},
-      {moteur::NodeIntrouvable{}, "Installez Node, ou attendez la version de l’application qui l’emporte avec elle."},
+      {moteur::NodeIntrouvable{},
+       "Installez Node, ou attendez la version de l’application qui l’emporte avec elle."},
       {moteur::CodeModifie{}, "Réinstallez-la depuis " KELTROVE_SITE " : ne lancez pas une copie modifiée."},
   };
   for (const auto& [erreur, conseil] : conseils) {

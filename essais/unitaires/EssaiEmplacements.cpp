@@ -1,8 +1,8 @@
+#include "MaisonTemporaire.hpp"
 #include "moteur/Emplacements.hpp"
 
-#include "MaisonTemporaire.hpp"
-
 #include <filesystem>
+
 #include <gtest/gtest.h>
 
 namespace keltrove::moteur {
@@ -10,7 +10,9 @@ namespace {
 
 class EssaiEmplacements : public testing::Test {
 protected:
-  std::string ressource(std::string_view nom) const { return maison.chemin("ressources/" + std::string(nom)); }
+  std::string ressource(std::string_view nom) const {
+    return maison.chemin("ressources/" + std::string(nom));
+  }
 
   essais::MaisonTemporaire maison;
   const std::vector<std::string> nodes = {maison.chemin("usr/local/bin/node"), maison.chemin("opt/bin/node")};

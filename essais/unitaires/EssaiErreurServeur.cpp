@@ -16,8 +16,9 @@ TEST(ErreurServeur, ChaqueCasASonTitreCourt) {
 }
 
 TEST(ErreurServeur, LeCodeIntrouvableListeLesCheminsDansLOrdre) {
-  EXPECT_EQ(explication(CodeIntrouvable{{"/b", "/a é"}}),
-            "L’application n’a pas retrouvé le fichier « serveur.mjs ». Elle a regardé ici :\n  • /b\n  • /a é");
+  EXPECT_EQ(
+      explication(CodeIntrouvable{{"/b", "/a é"}}),
+      "L’application n’a pas retrouvé le fichier « serveur.mjs ». Elle a regardé ici :\n  • /b\n  • /a é");
   EXPECT_EQ(explication(CodeIntrouvable{}),
             "L’application n’a pas retrouvé le fichier « serveur.mjs ». Elle a regardé ici :\n");
 }
@@ -30,22 +31,24 @@ TEST(ErreurServeur, LeLancementImpossibleCiteLeSystemeMemeMuet) {
 
 TEST(ErreurServeur, LAbsenceDeReponseDitLesSecondesEtLePort) {
   const PasDeReponse erreur{7777, 40, ""};
-  EXPECT_EQ(explication(erreur),
-            "Le serveur a été lancé, il n’a pas planté, mais au bout de 40 secondes il ne répond toujours pas sur le "
-            "port 7777. Ce qu’il a écrit jusque-là est en dessous.");
+  EXPECT_EQ(explication(erreur), "Le serveur a été lancé, il n’a pas planté, mais au bout de 40 secondes il "
+                                 "ne répond toujours pas sur le "
+                                 "port 7777. Ce qu’il a écrit jusque-là est en dessous.");
   EXPECT_EQ(journal(erreur), std::nullopt);
 }
 
 TEST(ErreurServeur, LesAutresExplicationsSontDesTextesFixes) {
-  EXPECT_EQ(explication(MortAuDemarrage{"x"}),
-            "Le serveur a démarré puis s’est arrêté tout de suite. Ce qu’il a écrit avant de partir est en dessous : "
-            "c’est là que se trouve la vraie raison.");
+  EXPECT_EQ(explication(MortAuDemarrage{"x"}), "Le serveur a démarré puis s’est arrêté tout de suite. Ce "
+                                               "qu’il a écrit avant de partir est en dessous : "
+                                               "c’est là que se trouve la vraie raison.");
   EXPECT_EQ(explication(PerduEnRoute{"x"}),
-            "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient ouverts sont fermés "
+            "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient ouverts "
+            "sont fermés "
             "; leur liste, elle, a été notée et reviendra au prochain démarrage.");
-  EXPECT_EQ(explication(NodeIntrouvable{}),
-            "keltrove a besoin du programme « Node » pour fonctionner, et il n’est nulle part sur cet ordinateur. "
-            "Cette version de l’application ne l’emporte pas encore avec elle.");
+  EXPECT_EQ(
+      explication(NodeIntrouvable{}),
+      "keltrove a besoin du programme « Node » pour fonctionner, et il n’est nulle part sur cet ordinateur. "
+      "Cette version de l’application ne l’emporte pas encore avec elle.");
   EXPECT_EQ(explication(CodeModifie{}),
             "Cette copie de keltrove a été modifiée. Réinstallez-la depuis " KELTROVE_SITE);
 }

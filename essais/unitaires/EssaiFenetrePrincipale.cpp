@@ -1,11 +1,11 @@
-#include "fenetre/FenetrePrincipale.hpp"
-
 #include "BoucleVirtuelle.hpp"
 #include "VueEnregistreuse.hpp"
+#include "fenetre/FenetrePrincipale.hpp"
 #include "fenetre/SondeContenu.hpp"
 #include "socle/Journal.hpp"
 
 #include <cstdlib>
+
 #include <gtest/gtest.h>
 
 namespace keltrove::fenetre {
@@ -15,7 +15,8 @@ namespace Journal = socle::Journal;
 
 std::vector<std::string> nomsDesEtapes() {
   std::vector<std::string> noms;
-  for (const auto& etape : Journal::etapes()) noms.push_back(std::get<std::string>(etape.at("etape")));
+  for (const auto& etape : Journal::etapes())
+    noms.push_back(std::get<std::string>(etape.at("etape")));
   return noms;
 }
 
@@ -130,14 +131,15 @@ TEST(SondeContenu, UneReponseVideOuIllisibleDonneDesValeursNeutres) {
 TEST_F(EssaiFenetre, UnePageRateeMontreLeProblemeAvecSonDetailEtSeNote) {
   fenetre.chargerLaPage(8080);
   vue.quandNavigationRatee({.description = "Connexion refusée"});
-  EXPECT_EQ(vue.ecran(),
-            (EtatEcran{.titre = "La page de keltrove ne s’affiche pas",
-                       .phrase = "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : "
-                                 "un nouvel essai suffit presque toujours.",
-                       .conseil = "Cliquez sur « Réessayer ».",
-                       .boutonReessayer = true,
-                       .boutonDetail = true,
-                       .detail = "Connexion refusée"}));
+  EXPECT_EQ(
+      vue.ecran(),
+      (EtatEcran{.titre = "La page de keltrove ne s’affiche pas",
+                 .phrase = "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : "
+                           "un nouvel essai suffit presque toujours.",
+                 .conseil = "Cliquez sur « Réessayer ».",
+                 .boutonReessayer = true,
+                 .boutonDetail = true,
+                 .detail = "Connexion refusée"}));
   EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-ratee"}, {"raison", "Connexion refusée"}}));
 }
 

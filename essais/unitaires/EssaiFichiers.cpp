@@ -1,11 +1,11 @@
-#include "socle/Fichiers.hpp"
-
 #include "MaisonTemporaire.hpp"
 #include "socle/Environnement.hpp"
 #include "socle/Executable.hpp"
+#include "socle/Fichiers.hpp"
 
 #include <cstdlib>
 #include <filesystem>
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,7 +39,8 @@ TEST(Fichiers, UnExecutableNEstNiUnDossierNiUnFichierSansDroit) {
   std::filesystem::create_symlink("rien", maison.chemin("perdu"));
   EXPECT_TRUE(estExecutable(maison.chemin("oui")));
   EXPECT_TRUE(estExecutable(maison.chemin("lien")));
-  for (const auto* nom : {"non", "dossier", "perdu", "absent"}) EXPECT_FALSE(estExecutable(maison.chemin(nom)));
+  for (const auto* nom : {"non", "dossier", "perdu", "absent"})
+    EXPECT_FALSE(estExecutable(maison.chemin(nom)));
 }
 
 TEST(Fichiers, LireSArreteExactementAuMaximum) {
@@ -56,7 +57,7 @@ TEST(Fichiers, EcrireRemplaceDUnCoupPourLeSeulProprietaire) {
   EXPECT_TRUE(ecrireFichier(chemin, "ancien"));
   EXPECT_TRUE(ecrireFichier(chemin, "neuf"));
   EXPECT_EQ(maison.lire("un/deux/f"), "neuf");
-  struct stat etat {};
+  struct stat etat{};
   ASSERT_EQ(::stat(chemin.c_str(), &etat), 0);
   EXPECT_EQ(etat.st_mode & 0777, 0600U);
 }

@@ -1,15 +1,15 @@
-#include "socle/Journal.hpp"
-
 #include "LangueAVirgule.hpp"
 #include "MaisonTemporaire.hpp"
+#include "socle/Journal.hpp"
 #include "socle/Reglages.hpp"
 
 #include <cstdlib>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <thread>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace keltrove::socle::Journal {
 namespace {
@@ -40,8 +40,9 @@ TEST_F(EssaiJournal, ChaqueEtapeSImprimeSurUneLigneAvecSesDetailsTries) {
 
 TEST_F(EssaiJournal, LesValeursSeDecriventSelonLeurType) {
   EXPECT_EQ(resume({}), "");
-  EXPECT_EQ(resume({{"a", 0.25}, {"b", 3.0}, {"c", true}, {"d", false}, {"e", std::int64_t{-7}}, {"f", "a b"}}),
-            "a=0.25 b=3.0 c=true d=false e=-7 f=a b");
+  EXPECT_EQ(
+      resume({{"a", 0.25}, {"b", 3.0}, {"c", true}, {"d", false}, {"e", std::int64_t{-7}}, {"f", "a b"}}),
+      "a=0.25 b=3.0 c=true d=false e=-7 f=a b");
   EXPECT_EQ(resume({{"a", 0.1}, {"b", 1e16}, {"c", -0.0}, {"d", 1.0 / 3}}),
             "a=0.1 b=1e+16 c=-0.0 d=0.3333333333333333");
 }
@@ -126,9 +127,11 @@ TEST_F(EssaiJournal, HuitFilsNePerdentAucuneEtape) {
   std::vector<std::thread> fils;
   for (int fil = 0; fil < 8; ++fil)
     fils.emplace_back([] {
-      for (int i = 0; i < 25; ++i) etape("une", {{"i", std::int64_t{i}}});
+      for (int i = 0; i < 25; ++i)
+        etape("une", {{"i", std::int64_t{i}}});
     });
-  for (auto& fil : fils) fil.join();
+  for (auto& fil : fils)
+    fil.join();
   const auto lignes = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::ranges::count(lignes, '\n'), 200);
   EXPECT_EQ(etapes().size(), 200U);

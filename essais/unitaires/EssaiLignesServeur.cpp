@@ -24,19 +24,22 @@ TEST(LignesServeur, LesBlocsNeSontPasRecollesEtLeRetourChariotReste) {
 
 TEST(LignesServeur, SeulesLesSoixanteDernieresLignesRestent) {
   LignesServeur lignes;
-  for (int i = 0; i < 100; ++i) lignes.noter(std::to_string(i));
+  for (int i = 0; i < 100; ++i)
+    lignes.noter(std::to_string(i));
   ASSERT_EQ(lignes.lignes().size(), 60U);
   EXPECT_EQ(lignes.lignes().front(), "40");
   EXPECT_EQ(lignes.lignes().back(), "99");
   LignesServeur juste;
-  for (int i = 0; i < 60; ++i) juste.noter("x");
+  for (int i = 0; i < 60; ++i)
+    juste.noter("x");
   EXPECT_EQ(juste.lignes().size(), 60U);
 }
 
 TEST(LignesServeur, UnSeulBlocTresDecoupeDonneSesSoixanteDerniersMorceaux) {
   LignesServeur lignes;
   std::string bloc;
-  for (int i = 0; i < 1000; ++i) bloc += std::to_string(i) + "\n";
+  for (int i = 0; i < 1000; ++i)
+    bloc += std::to_string(i) + "\n";
   lignes.noter("avant");
   lignes.noter(bloc);
   ASSERT_EQ(lignes.lignes().size(), 60U);

@@ -1,17 +1,17 @@
 // Le moteur avec de vrais processus et de vraies prises ; seules ses attentes sont accélérées.
 
-#include "moteur/MoteurServeur.hpp"
-
 #include "BoucleVirtuelle.hpp"
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
+#include "moteur/MoteurServeur.hpp"
 
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <sstream>
+
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,7 +31,8 @@ const servir = (port, hote) => http.createServer((_, r) => r.end('<meta name="ke
 class EssaiMoteur : public testing::Test {
 protected:
   ~EssaiMoteur() override {
-    for (const auto pid : pids()) ::kill(pid, SIGKILL);
+    for (const auto pid : pids())
+      ::kill(pid, SIGKILL);
     boucle->attendre([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; });
     EXPECT_TRUE(::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD) << "un zombie est resté";
   }
@@ -49,7 +50,8 @@ protected:
     std::vector<pid_t> numeros;
     for (const auto* fichier : {"ressources/keltrove/pid", "ressources/pid"}) {
       std::istringstream texte(maison.lire(fichier));
-      for (pid_t pid; texte >> pid;) numeros.push_back(pid);
+      for (pid_t pid; texte >> pid;)
+        numeros.push_back(pid);
     }
     return numeros;
   }
@@ -87,7 +89,8 @@ TEST_F(EssaiMoteur, UnServeurANousQuiRepondEstRejointSansRienLancer) {
   EXPECT_EQ(moteur->port(), dejaLa.port());
   EXPECT_FALSE(moteur->nousLavonsAllume());
   EXPECT_TRUE(pids().empty());
-  EXPECT_EQ(arreter(), "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
+  EXPECT_EQ(arreter(),
+            "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
 }
 
 TEST_F(EssaiMoteur, UnServeurAbsentEstAllumePuisFermeProprement) {
@@ -95,16 +98,20 @@ TEST_F(EssaiMoteur, UnServeurAbsentEstAllumePuisFermeProprement) {
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
   EXPECT_TRUE(moteur->nousLavonsAllume());
   const auto message = arreter();
-  EXPECT_TRUE(message.starts_with("Serveur fermé proprement en ") && message.ends_with(" seconde(s).")) << message;
+  EXPECT_TRUE(message.starts_with("Serveur fermé proprement en ") && message.ends_with(" seconde(s)."))
+      << message;
   EXPECT_EQ(message.find(','), std::string::npos);
   EXPECT_FALSE(vivant(pids().at(0)));
 }
 
 TEST_F(EssaiMoteur, SansNodeOuSansCodeLeDitPrecisement) {
   EXPECT_EQ(demarrer(), echec(CodeIntrouvable{{maison.chemin("ressources/keltrove/serveur.mjs"),
-                                              maison.chemin(".zelcor/it/keltrove/serveur.mjs")}}));
-  moteur = std::make_shared<MoteurServeur>(MoteurServeur::Contexte{
-      .boucle = boucle, .horloge = horloge, .emplacements = Emplacements(maison.chemin("ressources"), {}), .environnement = {}});
+                                               maison.chemin(".zelcor/it/keltrove/serveur.mjs")}}));
+  moteur = std::make_shared<MoteurServeur>(
+      MoteurServeur::Contexte{.boucle = boucle,
+                              .horloge = horloge,
+                              .emplacements = Emplacements(maison.chemin("ressources"), {}),
+                              .environnement = {}});
   poser("servir(PORT);");
   EXPECT_EQ(demarrer(), echec(NodeIntrouvable{}));
 }
@@ -122,7 +129,8 @@ TEST_F(EssaiMoteur, UneMortAuDemarrageRendToutCeQueLeServeurAEcrit) {
   EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"un\ndeux"}));
   EXPECT_TRUE(moteur->nousLavonsAllume());
   EXPECT_EQ(moteur->port(), std::nullopt);
-  EXPECT_EQ(arreter(), "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
+  EXPECT_EQ(arreter(),
+            "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
 }
 
 TEST_F(EssaiMoteur, UneMortAussitotAvecUnDescendantQuiGardeLeTubeNAttendPas) {
@@ -142,7 +150,8 @@ TEST_F(EssaiMoteur, LaMarqueNEstRienSiLeServeurRepond) {
 
 TEST_F(EssaiMoteur, UnLanceurQuiFinitAlorsQuUnServeurANousRepondEstUnRattachement) {
   // Le serveur ne se dit nôtre qu’une fois son lanceur parti.
-  poser("const lanceur = process.ppid; http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? '' : "
+  poser("const lanceur = process.ppid; http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? "
+        "'' : "
         "'keltrove-jeton')).listen(PORT, '127.0.0.1', () => fs.writeFileSync('pret', ''));");
   poserLaPorte("cd keltrove; node serveur.mjs & while [ ! -e pret ]; do :; done");
   EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
@@ -199,7 +208,8 @@ TEST_F(EssaiMoteur, UnServeurSourdEstLaisseEnVieAuBoutDeDouzeSecondes) {
 }
 
 TEST_F(EssaiMoteur, LaMortEnServiceSAnnonceAvecLaSortieDuServeur) {
-  poser("servir(PORT); console.log('prêt'); process.on('SIGUSR1', () => { console.log('adieu'); process.exit(1); });");
+  poser("servir(PORT); console.log('prêt'); process.on('SIGUSR1', () => { console.log('adieu'); "
+        "process.exit(1); });");
   std::optional<ErreurServeur> mort;
   moteur->quandLeServeurMeurt = [&](const ErreurServeur& erreur) { mort = erreur; };
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));

@@ -1,17 +1,17 @@
-#include "socle/Processus.hpp"
-
 #include "MaisonTemporaire.hpp"
+#include "socle/Processus.hpp"
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
+#include <mutex>
+#include <thread>
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <mutex>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace keltrove::socle {
@@ -51,15 +51,19 @@ protected:
     Environnement environnement;
     environnement.definir("PATH", "/usr/bin:/bin");
     environnement.definir("ACCENT", "é\n=");
-    auto issue = Processus::lancer({programme, std::move(arguments), std::move(dossier), environnement}, ecoute.appel());
-    if (issue) processus = *issue;
-    else raison = issue.error();
+    auto issue = Processus::lancer({programme, std::move(arguments), std::move(dossier), environnement},
+                                   ecoute.appel());
+    if (issue)
+      processus = *issue;
+    else
+      raison = issue.error();
     return issue.has_value();
   }
   bool lancerLeShell(const std::string& script) { return lancer("/bin/sh", {"-c", script}); }
   bool attendreLaFin() {
     const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (processus->tourne() && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+    while (processus->tourne() && std::chrono::steady_clock::now() < limite)
+      std::this_thread::yield();
     return !processus->tourne();
   }
   std::string toutCeQuIlDit() {
@@ -149,7 +153,8 @@ TEST_F(EssaiProcessus, LaFinSAnnonceUneFoisEtTardivementToutDeSuite) {
   processus->terminer();
   EXPECT_TRUE(attendreLaFin());
   const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (fins == 0 && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  while (fins == 0 && std::chrono::steady_clock::now() < limite)
+    std::this_thread::yield();
   EXPECT_EQ(fins, 1);
   processus->surveillerLaFin([&] { fins += 10; });
   EXPECT_EQ(fins, 11);
@@ -185,7 +190,8 @@ TEST_F(EssaiProcessus, LacherUnProcessusNeLeTuePas) {
   EXPECT_EQ(::kill(pid, 0), 0);
   ::kill(pid, SIGKILL);
   const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (::kill(pid, 0) == 0 && std::chrono::steady_clock::now() < limite) std::this_thread::yield();
+  while (::kill(pid, 0) == 0 && std::chrono::steady_clock::now() < limite)
+    std::this_thread::yield();
   EXPECT_NE(::kill(pid, 0), 0) << "recueilli même sans propriétaire";
 }
 

@@ -1,11 +1,11 @@
-#include "socle/Reglages.hpp"
-
 #include "MaisonTemporaire.hpp"
+#include "socle/Reglages.hpp"
 
 #include <cmath>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <limits>
+
+#include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -105,12 +105,27 @@ TEST_F(EssaiReglages, LePortEstUnEntierDeUnA65535) {
 }
 
 TEST_F(EssaiReglages, ToutAutrePortDonneCeluiParDefaut) {
-  for (const auto* contenu :
-       {R"({"port": 65536})", R"({"port": 0})", R"({"port": -1})", R"([8080])", R"({"port": "8080"})",
-        R"({"port": 8080.5})", R"({"port": true})", R"({"port": null})", R"({"port": 1e400})",
-        R"({"port": 18446744073709551615})", R"({})", R"({"Port": 8080})", R"({"port": 8080} x)",
-        R"({"port": 8080,})", R"(// non
-{"port": 8080})", "", "null", "8080", "{", "\xff"})
+  for (const auto* contenu : {R"({"port": 65536})",
+                              R"({"port": 0})",
+                              R"({"port": -1})",
+                              R"([8080])",
+                              R"({"port": "8080"})",
+                              R"({"port": 8080.5})",
+                              R"({"port": true})",
+                              R"({"port": null})",
+                              R"({"port": 1e400})",
+                              R"({"port": 18446744073709551615})",
+                              R"({})",
+                              R"({"Port": 8080})",
+                              R"({"port": 8080} x)",
+                              R"({"port": 8080,})",
+                              R"(// non
+{"port": 8080})",
+                              "",
+                              "null",
+                              "8080",
+                              "{",
+                              "\xff"})
     EXPECT_EQ(portPour(contenu), 7777) << contenu;
 }
 
@@ -132,11 +147,14 @@ TEST_F(EssaiReglages, UnFichierEnormeUnDossierUnTubeOuUnPeripheriqueDonnentLesVa
   ecrireLesReglages(R"({"port": 8080, "x": ")" + std::string(5 << 20, 'x') + "\"}");
   ecrireLeJeton(std::string(5 << 20, 'x'));
   verifier("énorme");
-  for (const auto& fichier : {reglages, chemin}) ASSERT_EQ(::mkdir(fichier.c_str(), 0700), 0);
+  for (const auto& fichier : {reglages, chemin})
+    ASSERT_EQ(::mkdir(fichier.c_str(), 0700), 0);
   verifier("dossier");
-  for (const auto& fichier : {reglages, chemin}) ASSERT_EQ(::mkfifo(fichier.c_str(), 0600), 0);
+  for (const auto& fichier : {reglages, chemin})
+    ASSERT_EQ(::mkfifo(fichier.c_str(), 0600), 0);
   verifier("tube");
-  for (const auto& fichier : {reglages, chemin}) ASSERT_EQ(::symlink("/dev/zero", fichier.c_str()), 0);
+  for (const auto& fichier : {reglages, chemin})
+    ASSERT_EQ(::symlink("/dev/zero", fichier.c_str()), 0);
   verifier("périphérique");
   ecrireLesReglages(std::string(500'000, '['));
   verifier("imbriqué");

@@ -1,10 +1,10 @@
-#include "moteur/Sonde.hpp"
-
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
+#include "moteur/Sonde.hpp"
 
 #include <chrono>
 #include <cstdlib>
+
 #include <gtest/gtest.h>
 
 namespace keltrove::moteur {
@@ -52,7 +52,8 @@ TEST_F(EssaiSonde, UnePageQuiPorteLaMarqueEstLaNotre) {
 
 TEST_F(EssaiSonde, UnPortOuPersonneNEcouteOuImpossibleEstFaux) {
   EXPECT_FALSE(cEstBienKeltrove(maison.port()));
-  for (const int port : {-1, 0, 65536, 1'000'000}) EXPECT_FALSE(cEstBienKeltrove(port));
+  for (const int port : {-1, 0, 65536, 1'000'000})
+    EXPECT_FALSE(cEstBienKeltrove(port));
 }
 
 TEST_F(EssaiSonde, UnServeurEtrangerNEstPasLeNotre) {
@@ -61,18 +62,21 @@ TEST_F(EssaiSonde, UnServeurEtrangerNEstPasLeNotre) {
   attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("201 Created", page)); }, "201");
   attendreFaux([](const auto& c) { c.envoyer("HTTP/1.1 204 No Content\r\n\r\n"); }, "204");
   attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("302 Found", page)); }, "redirection sans but");
-  attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("200 OK", "keltrove-jeton \xff")); }, "pas de l’UTF-8");
+  attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("200 OK", "keltrove-jeton \xff")); },
+               "pas de l’UTF-8");
   attendreFaux([](const auto& c) { c.envoyer("SSH-2.0-OpenSSH_9.2\r\nkeltrove-jeton\r\n"); }, "pas du HTTP");
 }
 
 TEST_F(EssaiSonde, UnServeurMuetLentOuQuiRaccrocheEstFauxDansLeTempsDit) {
   attendreFaux([](const auto& c) { c.attendreSonDepart(20); }, "muet");
-  attendreFaux([](const auto& c) { c.envoyer("HTTP/1.1 200 OK\r\nContent-Length: 999\r\n\r\nkeltrove-jeton"); },
-               "raccroche au milieu du corps");
+  attendreFaux(
+      [](const auto& c) { c.envoyer("HTTP/1.1 200 OK\r\nContent-Length: 999\r\n\r\nkeltrove-jeton"); },
+      "raccroche au milieu du corps");
   attendreFaux(
       [](const auto& c) {
         c.envoyer("HTTP/1.1 200 OK\r\nContent-Length: 999\r\n\r\nkeltrove-jeton");
-        while (c.envoyer("x")) c.attendreSonDepart(1);
+        while (c.envoyer("x"))
+          c.attendreSonDepart(1);
       },
       "un octet par seconde");
   attendreFaux(
@@ -90,14 +94,16 @@ TEST_F(EssaiSonde, UneReponseSansFinNeCoutePasDeMemoire) {
   attendreFaux(
       [&](const auto& c) {
         c.envoyer("HTTP/1.1 200 OK\r\n\r\nkeltrove-jeton");
-        while (c.envoyer(bloc)) envoyes += bloc.size();
+        while (c.envoyer(bloc))
+          envoyes += bloc.size();
       },
       "corps sans fin");
   EXPECT_LT(envoyes, std::size_t{64} << 20) << "la lecture s’arrête vers 16 Mio";
 }
 
 TEST_F(EssaiSonde, UnCorpsJusteSousLaLimiteEstLuEtUnOctetDePlusEstTrop) {
-  const auto enTete = reponseHTTP("200 OK", std::string(), "").size() + 7; // la longueur s’écrit sur huit chiffres
+  const auto enTete =
+      reponseHTTP("200 OK", std::string(), "").size() + 7; // la longueur s’écrit sur huit chiffres
   const auto limite = (std::size_t{16} << 20) - enTete;
   std::string corps = "keltrove-jeton";
   corps.resize(limite, ' ');
@@ -112,8 +118,9 @@ TEST_F(EssaiSonde, UneRedirectionEstSuivieMaisPasSansFin) {
   EXPECT_TRUE(cEstBienKeltrove(ServeurFactice(reponseHTTP("302 Found", "", versNous)).port()));
   attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("302 Found", page, "Location: /encore\r\n")); },
                "redirections sans fin");
-  attendreFaux([](const auto& c) { c.envoyer(reponseHTTP("302 Found", page, "Location: file:///etc/passwd\r\n")); },
-               "redirection vers un fichier");
+  attendreFaux(
+      [](const auto& c) { c.envoyer(reponseHTTP("302 Found", page, "Location: file:///etc/passwd\r\n")); },
+      "redirection vers un fichier");
 }
 
 TEST_F(EssaiSonde, AucunMandataireNEstJamaisUtilise) {
@@ -168,13 +175,15 @@ TEST_F(EssaiSonde, LaSanteSeLitSansSEtonner) {
 
 TEST_F(EssaiSonde, UneSanteRefuseeOuMuetteNeDonneRienEnMoinsDeQuatreSecondes) {
   poserLeJeton("abc");
-  EXPECT_EQ(sante(ServeurFactice(reponseHTTP("401 Unauthorized", R"({"version":"1"})")).port()), std::nullopt);
+  EXPECT_EQ(sante(ServeurFactice(reponseHTTP("401 Unauthorized", R"({"version":"1"})")).port()),
+            std::nullopt);
   const ServeurFactice muet([](const Connexion& c) { c.attendreSonDepart(20); });
   // Le silence se constate au bout de deux secondes, bien avant la limite du tout.
   EXPECT_LT(secondes([&] { EXPECT_EQ(sante(muet.port()), std::nullopt); }), 3.5);
   const ServeurFactice lent([](const Connexion& c) {
     c.envoyer("HTTP/1.1 200 OK\r\nContent-Length: 999\r\n\r\n{");
-    while (c.envoyer(" ")) c.attendreSonDepart(1);
+    while (c.envoyer(" "))
+      c.attendreSonDepart(1);
   });
   EXPECT_LT(secondes([&] { EXPECT_EQ(sante(lent.port()), std::nullopt); }), 4.5);
 }
@@ -183,7 +192,8 @@ TEST_F(EssaiSonde, LeJetonNeSuitAucuneRedirectionVersUneAutreOrigine) {
   poserLeJeton("secret");
   const ServeurFactice autre(reponseHTTP("200 OK", R"({"version":"volee"})"));
   for (const auto* hote : {"127.0.0.1", "localhost"}) {
-    const auto vers = std::string("Location: http://") + hote + ":" + std::to_string(autre.port()) + "/api/sante\r\n";
+    const auto vers =
+        std::string("Location: http://") + hote + ":" + std::to_string(autre.port()) + "/api/sante\r\n";
     const ServeurFactice serveur(reponseHTTP("302 Found", "", vers));
     EXPECT_EQ(sante(serveur.port()), std::nullopt);
   }
@@ -193,8 +203,10 @@ TEST_F(EssaiSonde, LeJetonNeSuitAucuneRedirectionVersUneAutreOrigine) {
 TEST_F(EssaiSonde, LeJetonSuitUneRedirectionSurPlace) {
   poserLeJeton("secret");
   const ServeurFactice serveur([](const Connexion& c) {
-    if (c.requete.starts_with("GET /api/sante/ ")) c.envoyer(reponseHTTP("200 OK", R"({"version":"2"})"));
-    else c.envoyer(reponseHTTP("307 Temporary Redirect", "", "Location: /api/sante/\r\n"));
+    if (c.requete.starts_with("GET /api/sante/ "))
+      c.envoyer(reponseHTTP("200 OK", R"({"version":"2"})"));
+    else
+      c.envoyer(reponseHTTP("307 Temporary Redirect", "", "Location: /api/sante/\r\n"));
   });
   EXPECT_EQ(sante(serveur.port()), (Sante{"2", 0}));
   EXPECT_EQ(serveur.requetes().size(), 2U);

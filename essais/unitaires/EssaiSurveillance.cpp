@@ -1,9 +1,9 @@
+#include "BoucleVirtuelle.hpp"
 #include "app/Surveillance.hpp"
 
-#include "BoucleVirtuelle.hpp"
+#include <atomic>
 
 #include <gtest/gtest.h>
-#include <atomic>
 
 namespace keltrove::app {
 namespace {

@@ -1,10 +1,11 @@
 #include "MaisonTemporaire.hpp"
 
-#include <arpa/inet.h>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -49,7 +50,9 @@ void MaisonTemporaire::ecrireExecutable(std::string_view relatif, std::string_vi
   fs::permissions(chemin(relatif), fs::perms::owner_all);
 }
 
-void MaisonTemporaire::effacer(std::string_view relatif) const { fs::remove_all(chemin(relatif)); }
+void MaisonTemporaire::effacer(std::string_view relatif) const {
+  fs::remove_all(chemin(relatif));
+}
 
 std::string MaisonTemporaire::lire(std::string_view relatif) const {
   std::ifstream fichier(chemin(relatif), std::ios::binary);

@@ -1,11 +1,12 @@
 #include "ServeurFactice.hpp"
 
+#include <utility>
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <utility>
 
 namespace keltrove::essais {
 namespace {
@@ -38,7 +39,8 @@ void Connexion::attendreSonDepart(double secondes) const {
 }
 
 ServeurFactice::ServeurFactice(std::string reponse)
-    : ServeurFactice([reponse = std::move(reponse)](const Connexion& connexion) { connexion.envoyer(reponse); }) {}
+    : ServeurFactice(
+          [reponse = std::move(reponse)](const Connexion& connexion) { connexion.envoyer(reponse); }) {}
 
 ServeurFactice::ServeurFactice(std::function<void(const Connexion&)> jouer) : jouer_(std::move(jouer)) {
   prise_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -58,10 +60,13 @@ ServeurFactice::~ServeurFactice() {
   if (accueil_.joinable()) accueil_.join();
   {
     const std::lock_guard garde(verrou_);
-    for (const int ouverte : ouvertes_) ::shutdown(ouverte, SHUT_RDWR);
+    for (const int ouverte : ouvertes_)
+      ::shutdown(ouverte, SHUT_RDWR);
   }
-  for (auto& fil : fils_) fil.join();
-  for (const int ouverte : ouvertes_) ::close(ouverte);
+  for (auto& fil : fils_)
+    fil.join();
+  for (const int ouverte : ouvertes_)
+    ::close(ouverte);
   ::close(prise_);
 }
 
