@@ -126,7 +126,7 @@ def main():
     probleme("code-modifie", porte="#!/bin/sh\necho MODIFIE=serveur.mjs\nexit 1\n")
     sans_node()
     avec(Application(code=SOURD), mort_en_route_et_fermeture)
-    avec(Application(code=SERVEUR + "servir();"), page_ratee_et_serveur_fige)
+    avec(Application(code=SERVEUR + "servir(); console.log('Première ligne du serveur.');"), page_ratee_et_serveur_fige)
     avec(Application(code=MUET), attente_et_pas_de_reponse)
 
 

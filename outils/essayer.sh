@@ -27,7 +27,8 @@ construire release -DKELTROVE_STRICT=ON -DKELTROVE_ESSAIS=ON
 essais_unitaires release
 
 dire "Le comportement ne lie aucune boîte à outils…"
-! ldd "$racine/build/release/essais/unitaires/essais_unitaires" "$racine/build/release/keltrove" | grep -E 'gtk|gdk|webkit|gio' ||
+liens=$(ldd "$racine/build/release/essais/unitaires/essais_unitaires" "$racine/build/release/keltrove")
+! grep -E 'gtk|gdk|webkit|libgio' <<<"$liens" ||
   abandonner "Une bibliothèque du bureau est liée là où elle ne doit pas l’être."
 
 dire "Essais du serveur…"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bureau/gtk/EcranGtk.hpp"
+#include "bureau/gtk/ThemeSysteme.hpp"
 #include "bureau/gtk/VueWeb.hpp"
 #include "fenetre/VueFenetre.hpp"
 
@@ -36,6 +37,7 @@ private:
   void relierLesVues();
   bool on_close_request() override;
 
+  ThemeSysteme theme_;
   Gtk::Overlay contenu_;
   VueWeb vueWeb_;
   EcranGtk ecran_;

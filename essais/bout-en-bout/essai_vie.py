@@ -155,6 +155,15 @@ class Modes(Cas):
         self.assertFalse(os.path.exists(os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")))
         application.quitter()
 
+    def test_une_heure_de_fermeture_demesuree_ne_vient_jamais(self):
+        for heure in ("inf", "1e308", "5000000"):
+            with self.subTest(heure=heure):
+                application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1",
+                                                                          "KELTROVE_ESSAI_QUITTER": heure}).lancer()
+                application.attendre("page-contenu")
+                self.assertNotIn("essai-quitte-tout-seul", application.etapes())
+                application.quitter()
+
     def test_le_mode_discret_s_ouvre_derriere_et_sans_le_clavier(self):
         devant = self.application(code=ORDINAIRE).lancer()
         devant.attendre("page-contenu")

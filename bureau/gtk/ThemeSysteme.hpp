@@ -1,0 +1,26 @@
+// ThemeSysteme : la préférence claire ou sombre du bureau, transmise à GTK et, par lui, à la page.
+//
+// GTK seul ne la connaît pas : elle est donnée par le portail, sous « org.freedesktop.appearance ». Sans
+// portail, le thème de GTK reste celui que le bureau nomme. Fil principal seulement ; n’attend jamais.
+#pragma once
+
+#include <giomm/dbusproxy.h>
+
+namespace keltrove::bureau {
+
+class ThemeSysteme {
+public:
+  ThemeSysteme();
+  ThemeSysteme(const ThemeSysteme&) = delete;
+  ThemeSysteme& operator=(const ThemeSysteme&) = delete;
+  ~ThemeSysteme();
+
+private:
+  void quandLePortailEstLa(const Glib::RefPtr<Gio::AsyncResult>& resultat);
+  void demander();
+
+  Glib::RefPtr<Gio::DBus::Proxy> portail_;
+  Glib::RefPtr<Gio::Cancellable> abandon_ = Gio::Cancellable::create();
+};
+
+} // namespace keltrove::bureau
