@@ -137,6 +137,8 @@ Demarrage MoteurServeur::rattacher(int port) {
 }
 
 Demarrage MoteurServeur::allumer(const ProcessusPartage& processus, int port) {
+  // Un lanceur qui vient de finir pendant que l’on sondait : ce qui répond n’est plus à nous.
+  if (!processus->tourne()) return conclureApresUneFin(processus);
   {
     const std::lock_guard garde(verrouEtat_);
     port_ = port;
