@@ -22,13 +22,24 @@ protected:
     echecsAvant = attendus;
   }
 
+  // La vérification suivante n’aboutit qu’une fois attendue.
+  void retenirLaVerification() { passage = false; }
+  void recevoirLaVerification() {
+    const int avant = boucle->tachesExecutees();
+    passage = true;
+    passage.notify_all();
+    EXPECT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
+  }
+
   std::shared_ptr<essais::BoucleVirtuelle> boucle = std::make_shared<essais::BoucleVirtuelle>();
   std::atomic<bool> reponse = true;
+  std::atomic<bool> passage = true;
   std::atomic<int> verifications = 0;
   int echecsAvant = 0;
   int pertes = 0;
   Surveillance surveillance{boucle, socle::FileDeTravail("essai", 1),
                             [this] {
+                              passage.wait(false);
                               const bool valeur = reponse;
                               ++verifications;
                               return valeur;
@@ -75,13 +86,13 @@ TEST_F(EssaiSurveillance, UnResultatArriveApresLArretEstIgnore) {
   surveillance.demarrer();
   tic(false);
   tic(false);
-  reponse = false;
+  retenirLaVerification();
   boucle->avancer(6.0);
   surveillance.arreter();
-  EXPECT_TRUE(boucle->attendre([&] { return verifications == 3; }));
-  boucle->poster([] {});
-  boucle->vider();
+  recevoirLaVerification();
+  EXPECT_EQ(verifications, 3);
   EXPECT_EQ(pertes, 0);
+  EXPECT_EQ(surveillance.echecsDaffilee(), 2);
 }
 
 TEST_F(EssaiSurveillance, RedemarrerRemetLeCompteAZeroEtRepousseLeRegard) {
@@ -97,9 +108,11 @@ TEST_F(EssaiSurveillance, RedemarrerRemetLeCompteAZeroEtRepousseLeRegard) {
 TEST_F(EssaiSurveillance, UnResultatTardifComptePourLaNouvelleSurveillance) {
   surveillance.demarrer();
   reponse = false;
+  retenirLaVerification();
   boucle->avancer(6.0);
   surveillance.demarrer();
-  EXPECT_TRUE(boucle->attendre([&] { return surveillance.echecsDaffilee() == 1; }));
+  recevoirLaVerification();
+  EXPECT_EQ(surveillance.echecsDaffilee(), 1);
 }
 
 TEST_F(EssaiSurveillance, DetruireLaSurveillanceAnnuleSonMinuteur) {
