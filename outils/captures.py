@@ -5,10 +5,11 @@ import os
 import signal
 import subprocess
 import sys
+import tempfile
 
 DOSSIER = os.path.abspath(sys.argv[1])
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../essais/bout-en-bout"))
-from application import MUET, SERVEUR, SOMBRE, Application, attendre, commande, couleur, touches  # noqa: E402
+from application import MUET, SERVEUR, SOMBRE, Application, attendre, commande, couleur, sans_node, touches  # noqa: E402
 
 MORT = """console.error(`node:internal/modules/cjs/loader
   throw err;
@@ -109,13 +110,6 @@ def attente_et_pas_de_reponse(application):
     photographier_replie_puis_deplie("pas-de-reponse")
 
 
-def sans_node():
-    montages = "".join(f"mount --bind /dev/null {node};" for node in ("/usr/local/bin/node", "/usr/bin/node")
-                       if os.path.exists(node))
-    prefixe = ["unshare", "-m"] if os.getuid() == 0 else ["unshare", "-rm"]
-    probleme("node-introuvable", code=MUET, avant=[*prefixe, "sh", "-c", montages + 'exec "$@"', "sh"])
-
-
 def main():
     porte = ('#!/bin/sh\necho "MESSAGE=Le serveur a été mis à jour : version 0.1.0."\n'
              'exec node "$(dirname "$0")/keltrove/serveur.mjs"\n')
@@ -124,7 +118,8 @@ def main():
     probleme("lancement-impossible", porte="#!/nulle/part/interprete\n")
     probleme("mort-au-demarrage", deplier=True, code=MORT)
     probleme("code-modifie", porte="#!/bin/sh\necho MODIFIE=serveur.mjs\nexit 1\n")
-    sans_node()
+    with tempfile.TemporaryDirectory() as dossier:
+        probleme("node-introuvable", code=MUET, variables=sans_node(dossier))
     avec(Application(code=SOURD), mort_en_route_et_fermeture)
     avec(Application(code=SERVEUR + "servir(); console.log('Première ligne du serveur.');"), page_ratee_et_serveur_fige)
     avec(Application(code=MUET), attente_et_pas_de_reponse)

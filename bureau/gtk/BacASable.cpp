@@ -1,7 +1,6 @@
 #include "bureau/gtk/BacASable.hpp"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 
 #include <fcntl.h>
@@ -34,13 +33,11 @@ bool bacASableMarche() {
 
 } // namespace
 
-void eprouverLeBacASable() {
+bool renoncerAuBacASableRefuse() {
   constexpr const char* variable = "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS";
-  if (std::getenv(variable) != nullptr || bacASableMarche()) return;
-  std::fputs(
-      "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
-      stderr);
+  if (std::getenv(variable) != nullptr || bacASableMarche()) return false;
   ::setenv(variable, "1", 1);
+  return true;
 }
 
 } // namespace keltrove::bureau

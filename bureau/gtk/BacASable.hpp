@@ -4,9 +4,9 @@
 namespace keltrove::bureau {
 
 // Conteneur, racine changée, espaces d’utilisateur interdits : WebKit interrompt alors tout le processus.
-// Cette fonction l’essaie avant lui (six millisecondes) et, s’il ne marche pas, le dit et s’en passe : la
-// page est celle de notre propre serveur, sur cette machine. À appeler avant la boîte à outils et avant tout
-// fil.
-void eprouverLeBacASable();
+// Cette fonction l’essaie avant lui (six millisecondes) et s’en passe s’il ne marche pas : la page est celle
+// de notre propre serveur, sur cette machine. Vrai si elle y a renoncé. À appeler avant la boîte à outils et
+// avant tout fil.
+[[nodiscard]] bool renoncerAuBacASableRefuse();
 
 } // namespace keltrove::bureau

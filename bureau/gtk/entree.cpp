@@ -37,11 +37,15 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
   bureau::choisirLeRendu();
-  bureau::eprouverLeBacASable();
+  const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
   bureau::ecarterUnBusAbsent();
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();
+  if (sansBacASable)
+    std::fputs(
+        "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
+        stderr);
 
   const auto boucle = contexte.boucle;
   auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));

@@ -69,7 +69,7 @@ def commande(pid):
 
 
 class Application:
-    def __init__(self, code=None, porte=None, avant=(), variables=None, maison=None, vrai_serveur=False):
+    def __init__(self, code=None, porte=None, variables=None, maison=None, vrai_serveur=False):
         self.racine = tempfile.mkdtemp(prefix="kéltrove d’essai ")
         self.marque = os.path.basename(self.racine)
         self.maison = maison or os.path.join(self.racine, "maison")
@@ -80,7 +80,7 @@ class Application:
             shutil.copy(os.path.join(CONSTRUCTION, nom), self.racine)
         self.port = port_libre()
         self.regler(self.port)
-        self.avant, self.variables = list(avant), variables or {}
+        self.variables = variables or {}
         self.code, self.porte, self.vrai_serveur = code, porte, vrai_serveur
         self.lignes, self.arrivee, self.processus = [], threading.Condition(), None
 
@@ -111,7 +111,7 @@ class Application:
         if self.porte is not None:
             self.poser("demarrer-keltrove.sh", self.porte, executable=True)
         self.lignes.clear()
-        self.processus = subprocess.Popen([*self.avant, os.path.join(self.racine, "keltrove")], text=True,
+        self.processus = subprocess.Popen([os.path.join(self.racine, "keltrove")], text=True,
                                           env=self.environnement(), stderr=subprocess.PIPE, start_new_session=True)
         threading.Thread(target=self.ecouter, args=(self.processus.stderr,), daemon=True).start()
         return self
@@ -160,6 +160,14 @@ class Application:
                 pass
         shutil.rmtree(self.racine, ignore_errors=True)
         return restes
+
+
+def sans_node(dossier):
+    """Les variables d’une application qui ne trouve Node nulle part, quels que soient les droits de l’essai."""
+    bibliotheque = os.path.join(dossier, "sans_node.so")
+    source = os.path.join(os.path.dirname(os.path.abspath(__file__)), "sans_node.c")
+    subprocess.run(["cc", "-shared", "-fPIC", "-o", bibliotheque, source], check=True)
+    return {"LD_PRELOAD": bibliotheque}
 
 
 def couleur(x, y):

@@ -2,10 +2,11 @@
 
 import os
 import subprocess
+import tempfile
 import unittest
 
 import ecran
-from application import MUET, SERVEUR, SOMBRE, VERT, attendre, couleur, port_libre
+from application import MUET, SERVEUR, SOMBRE, VERT, attendre, couleur, port_libre, sans_node
 from cas import Cas
 
 
@@ -113,11 +114,8 @@ class Echecs(Cas):
         self.assertEqual(application.quitter(), 0)
 
     def test_sans_node_l_ecran_le_dit(self):
-        montages = "".join(f"mount --bind /dev/null {node};" for node in ("/usr/local/bin/node", "/usr/bin/node")
-                           if os.path.exists(node))
-        prefixe = ["unshare", "-m"] if os.getuid() == 0 else ["unshare", "-rm"]
-        self.echec("Il manque Node sur cet ordinateur", code=MUET,
-                   avant=[*prefixe, "sh", "-c", montages + 'exec "$@"', "sh"]).quitter()
+        with tempfile.TemporaryDirectory() as dossier:
+            self.echec("Il manque Node sur cet ordinateur", code=MUET, variables=sans_node(dossier)).quitter()
 
     def test_un_script_sans_interprete_cite_le_systeme(self):
         application = self.echec("Le serveur n’a pas pu démarrer", porte="#!/nulle/part\n")
