@@ -68,6 +68,7 @@ void FenetrePrincipale::surveillerLeDelai() {
 }
 
 void FenetrePrincipale::quandLaPageEstLa() {
+  if (pageIgnoree_) return;
   delaiDeChargement_.annuler();
   ecran_.cacher();
   Journal::etape("page-affichee", {{"port", std::int64_t{portAffiche_.value_or(0)}}});
@@ -82,7 +83,7 @@ void FenetrePrincipale::sonderLeContenu() {
 }
 
 void FenetrePrincipale::signalerPageRatee(const EchecDeNavigation& echec) {
-  if (echec.annulee) return;
+  if (echec.annulee || pageIgnoree_) return;
   delaiDeChargement_.annuler();
   ecran_.montrerProbleme(
       "La page de keltrove ne s’affiche pas",
@@ -98,6 +99,11 @@ void FenetrePrincipale::afficherBandeau(const std::string& texte, double seconde
   minuteurBandeau_ = boucle_.apres(
       secondes, [this, encadre] { vue_.dessiner(EtatBandeau{.visible = false, .texte = encadre}); });
   Journal::etape("bandeau", {{"texte", texte}});
+}
+
+void FenetrePrincipale::ignorerLaPage() {
+  pageIgnoree_ = true;
+  delaiDeChargement_.annuler();
 }
 
 void FenetrePrincipale::rechargerVraiment() {

@@ -32,6 +32,9 @@ public:
   void afficherBandeau(const std::string& texte, double secondes);
   void rechargerVraiment();
 
+  // À la fermeture : plus rien de ce qui arrive à la page ne change l’écran ni le journal.
+  void ignorerLaPage();
+
   EcranAttente& ecran() { return ecran_; }
 
 private:
@@ -44,6 +47,7 @@ private:
   socle::BoucleEvenements& boucle_;
   EcranAttente ecran_;
   std::optional<int> portAffiche_;
+  bool pageIgnoree_ = false;
   socle::Minuteur minuteurBandeau_;
   socle::Minuteur minuteurSonde_;
   socle::Minuteur delaiDeChargement_;

@@ -258,6 +258,11 @@ TEST_F(EssaiDelegue, FermerNotreServeurLeDitAttendSaFinPuisPart) {
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
   EXPECT_EQ(vue.ecran().phrase, "Je laisse le serveur noter la liste des terminaux avant de partir.");
   EXPECT_TRUE(vue.ecran().roue);
+  vue.quandNavigationRatee({.description = "la page s’est arrêtée"});
+  vue.quandNavigationFinie();
+  EXPECT_EQ(vue.ecran().titre, "Fermeture…");
+  EXPECT_TRUE(vue.ecran().visible);
+  EXPECT_FALSE(aEteNotee("page-ratee") || aEteNotee("page-affichee"));
   EXPECT_EQ(departs, 0);
   ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
   const auto message = std::get<std::string>(detailsDe("arret-fini").at("message"));
