@@ -3,6 +3,7 @@
 #include "BoucleVirtuelle.hpp"
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
+#include "ServeurFactice.hpp"
 #include "VueEnregistreuse.hpp"
 #include "app/DelegueApplication.hpp"
 #include "socle/Journal.hpp"
@@ -300,14 +301,13 @@ TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranD
 TEST_F(EssaiDelegue, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
   maison.ecrire("ressources/keltrove/serveur.mjs",
                 "import fs from 'node:fs'; fs.writeFileSync('lance', '');");
+  // Un étranger muet sur le port retient le démarrage avant tout lancement.
+  const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
+  maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
   delegue.applicationDidFinishLaunching(vue);
-  const bool lance = moteur->nousLavonsAllume();
-  const auto reponse = delegue.applicationShouldTerminate();
+  EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  if (reponse == ReponseFermeture::maintenant)
-    EXPECT_FALSE(moteur->nousLavonsAllume());
-  else
-    EXPECT_TRUE(lance || moteur->nousLavonsAllume());
+  EXPECT_FALSE(moteur->nousLavonsAllume());
 }
 
 TEST_F(EssaiDelegue, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {
