@@ -40,6 +40,7 @@ DelegueApplication::~DelegueApplication() {
 void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue) {
   fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, *boucle_);
   fenetre_->quandOnDemandeUnEssai = [this] { lancerLeDemarrage(false); };
+  fenetre::Menus::installer(vue, *fenetre_);
   fenetre_->ecran().montrerAttente("keltrove démarre…", "Je regarde si le serveur tourne déjà.");
   fenetre_->afficher();
   moteur_->quandLeServeurMeurt = [this](const moteur::ErreurServeur& erreur) { quandLeServeurMeurt(erreur); };

@@ -40,6 +40,7 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& b
 FenetrePrincipale::~FenetrePrincipale() {
   vue_.quandOnReessaie = nullptr;
   vue_.quandOnBasculeLeDetail = nullptr;
+  vue_.quandOnRecharge = nullptr;
   vue_.quandNavigationAvance = nullptr;
   vue_.quandNavigationFinie = nullptr;
   vue_.quandNavigationRatee = nullptr;

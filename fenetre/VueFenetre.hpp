@@ -5,10 +5,12 @@
 #pragma once
 
 #include "fenetre/EcranAttente.hpp"
+#include "fenetre/Menus.hpp"
 
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace keltrove::fenetre {
 
@@ -30,6 +32,11 @@ public:
   virtual void dessiner(const EtatEcran& etat) = 0;
   virtual void dessiner(const EtatBandeau& etat) = 0;
 
+  // Traduit la table en menus et raccourcis du système, une fois. Chaque action va à qui a le clavier, et
+  // reste grisée quand elle ne peut rien ; seule « rechargerVraiment » revient par quandOnRecharge, «
+  // terminate » prend le chemin ordinaire de la fermeture.
+  virtual void poserLesMenus(const std::vector<Menus::Menu>& menus) = 0;
+
   // Montre la fenêtre devant les autres, avec le clavier.
   virtual void mettreDevant() = 0;
   // Montre la fenêtre derrière les autres, sans le clavier ; rend son numéro, 0 si le système n’en donne pas.
@@ -48,6 +55,7 @@ public:
   std::function<void(const EchecDeNavigation&)> quandNavigationRatee;
   std::function<void()> quandOnReessaie;
   std::function<void()> quandOnBasculeLeDetail;
+  std::function<void()> quandOnRecharge;
 };
 
 } // namespace keltrove::fenetre

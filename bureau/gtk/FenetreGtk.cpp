@@ -31,7 +31,10 @@ FenetreGtk::FenetreGtk() {
   contenu_.set_child(vueWeb_.widget());
   contenu_.add_overlay(ecran_);
   contenu_.add_overlay(bandeau_);
-  set_child(contenu_);
+  contenu_.set_vexpand(true);
+  pile_.append(menus_.barre());
+  pile_.append(contenu_);
+  set_child(pile_);
   relierLesVues();
 
   const auto reglages = Gtk::Settings::get_default();
@@ -60,6 +63,8 @@ void FenetreGtk::relierLesVues() {
   };
   ecran_.quandOnReessaie = [=, this] { transmettre(quandOnReessaie); };
   ecran_.quandOnBasculeLeDetail = [=, this] { transmettre(quandOnBasculeLeDetail); };
+  actions_.quandOnRecharge = [=, this] { transmettre(quandOnRecharge); };
+  actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
   vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
   vueWeb_.quandNavigationFinie = [=, this] { transmettre(quandNavigationFinie); };
   vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
@@ -105,6 +110,10 @@ void FenetreGtk::dessiner(const fenetre::EtatEcran& etat) {
 void FenetreGtk::dessiner(const fenetre::EtatBandeau& etat) {
   bandeau_.set_text(etat.texte);
   bandeau_.set_visible(etat.visible);
+}
+
+void FenetreGtk::poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) {
+  menus_.poser(menus, *get_application());
 }
 
 void FenetreGtk::mettreDevant() {

@@ -1,12 +1,16 @@
-// FenetreGtk : la fenêtre native. De bas en haut : la page, l’écran d’attente, le bandeau.
+// FenetreGtk : la fenêtre native. Sous les menus, de bas en haut : la page, l’écran d’attente, le bandeau.
 #pragma once
 
+#include "bureau/gtk/ActionsGtk.hpp"
+#include "bureau/gtk/DepotGtk.hpp"
 #include "bureau/gtk/EcranGtk.hpp"
+#include "bureau/gtk/MenusGtk.hpp"
 #include "bureau/gtk/ThemeSysteme.hpp"
 #include "bureau/gtk/VueWeb.hpp"
 #include "fenetre/VueFenetre.hpp"
 
 #include <gtkmm/applicationwindow.h>
+#include <gtkmm/box.h>
 #include <gtkmm/label.h>
 #include <gtkmm/overlay.h>
 
@@ -24,6 +28,7 @@ public:
 
   void dessiner(const fenetre::EtatEcran& etat) override;
   void dessiner(const fenetre::EtatBandeau& etat) override;
+  void poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) override;
   void mettreDevant() override;
   unsigned long mettreDerriere() override;
   void charger(const std::string& adresse) override;
@@ -38,8 +43,12 @@ private:
   bool on_close_request() override;
 
   ThemeSysteme theme_;
+  Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
   VueWeb vueWeb_;
+  DepotGtk depot_{vueWeb_};
+  MenusGtk menus_{*this};
+  ActionsGtk actions_{*this, menus_, vueWeb_};
   EcranGtk ecran_;
   Gtk::Label bandeau_;
 };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <fmt/format.h>
+#include <gdkmm/display.h>
 #include <gtkmm/settings.h>
 
 namespace keltrove::bureau {
@@ -67,13 +68,20 @@ std::string regleDuDetail() {
                "background-color: rgba(255,255,255,0.28); border: none; min-width: 6px; border-radius: 6px;");
 }
 
+// Sans compositeur, la transparence autour d’un menu ouvert est un cadre noir : l’ombre n’y a pas sa place.
+std::string regleDesMenus() {
+  if (Gdk::Display::get_default()->is_composited()) return {};
+  return regle("popover.menu > contents", "box-shadow: none; margin: 0; border-radius: 0;") +
+         regle("popover.menu", "padding: 0;");
+}
+
 } // namespace
 
 Glib::ustring feuilleDeStyle() {
   return regle("window.keltrove.sombre", "background-color: " + enCSS(Apparence::fondSombre)) +
          regle("window.keltrove.clair", "background-color: " + enCSS(Apparence::fondClair)) +
          regle(".ecran-attente", "background-color: " + enCSS(Apparence::fondSombre)) + regleDesTextes() +
-         regleDesBoutons() + regleDuDetail() +
+         regleDesBoutons() + regleDuDetail() + regleDesMenus() +
          regle(".bandeau", police(Bandeau::tailleDuTexte) + "color: " + enCSS(Bandeau::texte) +
                                "; background-color: " + enCSS(Bandeau::fond) +
                                fmt::format("; border-radius: {}px; padding: 0 4px;", Bandeau::arrondi));

@@ -1,10 +1,13 @@
 #include "bureau/gtk/VueWeb.hpp"
 
+#include "fenetre/VueWebDepot.hpp"
+
 #include <memory>
 #include <utility>
 
 #include <glibmm/main.h>
 #include <gtkmm/widget.h>
+#include <nlohmann/json.hpp>
 
 namespace keltrove::bureau {
 namespace {
@@ -30,8 +33,22 @@ WebKitWebView* creerLaVue() {
   const Objet<WebKitSettings> reglages(webkit_settings_new());
   webkit_settings_set_enable_developer_extras(reglages.get(), TRUE);
   webkit_settings_set_enable_back_forward_navigation_gestures(reglages.get(), FALSE);
+  const Objet<WebKitUserContentManager> contenus(webkit_user_content_manager_new());
+  auto* ouverture =
+      webkit_user_script_new(fenetre::VueWebDepot::scriptDOuverture, WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+                             WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+  webkit_user_content_manager_add_script(contenus.get(), ouverture);
+  webkit_user_script_unref(ouverture);
   return WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
-                                      reglages.get(), nullptr));
+                                      reglages.get(), "user-content-manager", contenus.get(), nullptr));
+}
+
+// WebKit ne passe ni liste ni objet en argument : ils voyagent en un seul texte.
+std::string deballer(const char* corps, const nlohmann::json& arguments) {
+  std::string noms;
+  for (const auto& [nom, valeur] : arguments.items())
+    noms += nom + ", ";
+  return "const { " + noms + "} = JSON.parse(keltroveArguments); " + corps;
 }
 
 std::optional<std::string> texteDe(GObject* vue, GAsyncResult* resultat) {
@@ -93,6 +110,31 @@ void VueWeb::evaluer(const std::string& expression, std::function<void(std::opti
       [](GObject* vue, GAsyncResult* resultat, gpointer donnees) {
         const std::unique_ptr<Suite> suite(static_cast<Suite*>(donnees));
         (*suite)(texteDe(vue, resultat));
+      },
+      new Suite(std::move(fini)));
+}
+
+void VueWeb::appeler(const char* corps, const nlohmann::json& arguments) {
+  const auto fonction = deballer(corps, arguments);
+  GVariantDict valeurs;
+  g_variant_dict_init(&valeurs, nullptr);
+  g_variant_dict_insert(&valeurs, "keltroveArguments", "s", arguments.dump().c_str());
+  webkit_web_view_call_async_javascript_function(vue_, fonction.data(), static_cast<gssize>(fonction.size()),
+                                                 g_variant_dict_end(&valeurs), nullptr, nullptr, nullptr,
+                                                 nullptr, nullptr);
+}
+
+void VueWeb::editer(const char* commande) {
+  webkit_web_view_execute_editing_command(vue_, commande);
+}
+
+void VueWeb::siLEditionPeut(const char* commande, std::function<void(bool)> fini) {
+  using Suite = std::function<void(bool)>;
+  webkit_web_view_can_execute_editing_command(
+      vue_, commande, nullptr,
+      [](GObject* vue, GAsyncResult* resultat, gpointer donnees) {
+        const std::unique_ptr<Suite> suite(static_cast<Suite*>(donnees));
+        (*suite)(webkit_web_view_can_execute_editing_command_finish(WEBKIT_WEB_VIEW(vue), resultat, nullptr));
       },
       new Suite(std::move(fini)));
 }

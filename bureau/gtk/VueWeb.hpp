@@ -11,6 +11,7 @@
 #include <string>
 
 #include <gtkmm/widget.h>
+#include <nlohmann/json_fwd.hpp>
 #include <webkit/webkit.h>
 
 namespace keltrove::bureau {
@@ -27,7 +28,14 @@ public:
   void charger(const std::string& adresse);
   void arreterLeChargement();
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini);
+  // Exécute le corps d’une fonction dont les arguments sont nommés ; résultat et erreurs sont ignorés.
+  void appeler(const char* corps, const nlohmann::json& arguments);
   void peindreLeFond(const fenetre::Apparence::Couleur& couleur);
+
+  // Une commande d’édition de WebKit, sur ce qui a le clavier dans la page.
+  void editer(const char* commande);
+  void siLEditionPeut(const char* commande, std::function<void(bool)> fini);
+  double zoom() const { return webkit_web_view_get_zoom_level(vue_); }
 
   std::function<void()> quandNavigationAvance;
   std::function<void()> quandNavigationFinie;

@@ -12,6 +12,7 @@ class VueEnregistreuse final : public fenetre::VueFenetre {
 public:
   std::vector<fenetre::EtatEcran> ecrans;
   std::vector<fenetre::EtatBandeau> bandeaux;
+  std::vector<fenetre::Menus::Menu> menus;
   std::vector<std::string> adresses;
   std::vector<std::pair<std::string, std::function<void(std::optional<std::string>)>>> evaluations;
   int devant = 0;
@@ -22,6 +23,7 @@ public:
 
   void dessiner(const fenetre::EtatEcran& etat) override { ecrans.push_back(etat); }
   void dessiner(const fenetre::EtatBandeau& etat) override { bandeaux.push_back(etat); }
+  void poserLesMenus(const std::vector<fenetre::Menus::Menu>& poses) override { menus = poses; }
   void mettreDevant() override { ++devant; }
   unsigned long mettreDerriere() override {
     ++derriere;

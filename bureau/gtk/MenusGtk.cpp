@@ -1,0 +1,141 @@
+#include "bureau/gtk/MenusGtk.hpp"
+
+#include <algorithm>
+
+#include <glibmm/main.h>
+#include <gtkmm/popover.h>
+#include <gtkmm/shortcut.h>
+#include <gtkmm/shortcutaction.h>
+#include <gtkmm/shortcutcontroller.h>
+#include <gtkmm/shortcuttrigger.h>
+
+namespace keltrove::bureau {
+
+namespace Menus = fenetre::Menus;
+
+namespace {
+
+std::string accelerateurDe(const Menus::Raccourci& raccourci) {
+  const auto& [maj, option, controle, commande] = raccourci.modificateurs;
+  if (controle) return "F11"; // le plein écran, sous le nom que les bureaux de Linux lui donnent
+  if (option) return std::string("<Control><Shift><Alt>") + raccourci.lettre;
+  // Maj est déjà prise : « Rétablir » a sa lettre à lui.
+  return std::string("<Control><Shift>") + (maj && raccourci.lettre == 'z' ? 'y' : raccourci.lettre);
+}
+
+Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& application) {
+  const auto articles = Gio::Menu::create();
+  auto section = Gio::Menu::create();
+  for (const auto& ligne : menu.articles) {
+    const auto* article = std::get_if<Menus::Article>(&ligne);
+    if (article == nullptr) {
+      articles->append_section(section);
+      section = Gio::Menu::create();
+      continue;
+    }
+    const auto action = "win." + nomDe(article->action);
+    section->append(article->titre, action);
+    if (article->raccourci) application.set_accel_for_action(action, accelerateurDe(*article->raccourci));
+  }
+  articles->append_section(section);
+  return articles;
+}
+
+} // namespace
+
+std::string nomDe(Menus::Action action) {
+  using enum Menus::Action;
+  switch (action) {
+  case orderFrontStandardAboutPanel:
+    return "orderFrontStandardAboutPanel";
+  case hide:
+    return "hide";
+  case hideOtherApplications:
+    return "hideOtherApplications";
+  case unhideAllApplications:
+    return "unhideAllApplications";
+  case terminate:
+    return "terminate";
+  case undo:
+    return "undo";
+  case redo:
+    return "redo";
+  case cut:
+    return "cut";
+  case copy:
+    return "copy";
+  case paste:
+    return "paste";
+  case pasteAsPlainText:
+    return "pasteAsPlainText";
+  case selectAll:
+    return "selectAll";
+  case rechargerVraiment:
+    return "rechargerVraiment";
+  case toggleFullScreen:
+    return "toggleFullScreen";
+  case performMiniaturize:
+    return "performMiniaturize";
+  case performClose:
+    return "performClose";
+  case arrangeInFront:
+    return "arrangeInFront";
+  }
+  return {};
+}
+
+MenusGtk::MenusGtk(Gtk::Window& fenetre) : fenetre_(fenetre) {
+  gtk_window_set_handle_menubar_accel(fenetre_.gobj(), FALSE);
+  ouvrirAuClavier();
+  suivreLeFocus();
+}
+
+void MenusGtk::poser(const std::vector<Menus::Menu>& menus, Gtk::Application& application) {
+  for (const auto& menu : menus)
+    modele_->append_submenu(menu.titre.empty() ? "Keltrove" : menu.titre, traduire(menu, application));
+  suivreLOuverture();
+}
+
+void MenusGtk::suivreLeFocus() {
+  fenetre_.property_focus_widget().signal_changed().connect([this] {
+    auto* focus = fenetre_.get_focus();
+    // Le clavier passe par personne en allant d’un menu à l’autre.
+    if (focus != nullptr && !focus->is_ancestor(barre_)) dernierFocus_ = focus;
+  });
+}
+
+void MenusGtk::suivreLOuverture() {
+  for (auto* titre = barre_.get_first_child(); titre != nullptr; titre = titre->get_next_sibling())
+    for (auto* volet = titre->get_first_child(); volet != nullptr; volet = volet->get_next_sibling()) {
+      auto* popover = dynamic_cast<Gtk::Popover*>(volet);
+      if (popover == nullptr) continue;
+      volets_.push_back(popover);
+      popover->signal_show().connect([this] {
+        if (quandUnMenuSOuvre) quandUnMenuSOuvre();
+      });
+      // L’action choisie s’exécute après la fermeture, et passer d’un menu au voisin en ferme un aussi.
+      popover->signal_closed().connect(
+          [this] { Glib::signal_idle().connect_once([this] { rendreLeClavier(); }); });
+    }
+}
+
+void MenusGtk::rendreLeClavier() {
+  if (std::ranges::any_of(volets_, [](auto* volet) { return volet->get_visible(); })) return;
+  auto* focus = fenetre_.get_focus();
+  if (dernierFocus_ != nullptr && (focus == nullptr || focus->is_ancestor(barre_)))
+    dernierFocus_->grab_focus();
+  if (quandLesMenusSeFerment) quandLesMenusSeFerment();
+}
+
+void MenusGtk::ouvrirAuClavier() {
+  const auto raccourcis = Gtk::ShortcutController::create();
+  raccourcis->set_propagation_phase(Gtk::PropagationPhase::CAPTURE);
+  raccourcis->add_shortcut(
+      Gtk::Shortcut::create(Gtk::ShortcutTrigger::parse_string("<Control><Shift>F10"),
+                            Gtk::CallbackAction::create([this](Gtk::Widget&, const Glib::VariantBase&) {
+                              return barre_.child_focus(Gtk::DirectionType::TAB_FORWARD);
+                            })));
+  fenetre_.add_controller(raccourcis);
+}
+
+} // namespace keltrove::bureau

@@ -1,0 +1,49 @@
+// MenusGtk : la barre de menus de GTK et ses raccourcis, traduits de la table.
+//
+// Command devient Ctrl+Maj, comme dans les terminaux : Ctrl+lettre appartient à l’interpréteur affiché dans
+// la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 mène à la barre.
+#pragma once
+
+#include "fenetre/Menus.hpp"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <giomm/menu.h>
+#include <gtkmm/application.h>
+#include <gtkmm/popovermenubar.h>
+#include <gtkmm/window.h>
+
+namespace keltrove::bureau {
+
+// Le nom qu’une action porte dans le groupe « win ».
+std::string nomDe(fenetre::Menus::Action action);
+
+class MenusGtk {
+public:
+  explicit MenusGtk(Gtk::Window& fenetre);
+
+  Gtk::Widget& barre() { return barre_; }
+  void poser(const std::vector<fenetre::Menus::Menu>& menus, Gtk::Application& application);
+
+  // Ce qui avait le clavier avant que la barre ne le prenne ; nul si rien ne l’avait.
+  Gtk::Widget* dernierFocus() const { return dernierFocus_; }
+
+  std::function<void()> quandUnMenuSOuvre;
+  std::function<void()> quandLesMenusSeFerment;
+
+private:
+  void suivreLeFocus();
+  void suivreLOuverture();
+  void rendreLeClavier();
+  void ouvrirAuClavier();
+
+  Gtk::Window& fenetre_;
+  const Glib::RefPtr<Gio::Menu> modele_ = Gio::Menu::create();
+  Gtk::PopoverMenuBar barre_{modele_};
+  std::vector<Gtk::Widget*> volets_;
+  Gtk::Widget* dernierFocus_ = nullptr;
+};
+
+} // namespace keltrove::bureau

@@ -1,0 +1,77 @@
+// VueWebDepot : le dépôt de fichiers dans la page.
+//
+// Un glissement qui porte des fichiers est pris à la vue web et remis à la page en chemins ; tout autre
+// glissement est laissé à la vue web. Le bureau rapporte ce qui arrive au-dessus de sa vue et obéit à la
+// réponse. Rien n’échoue : une page qui ne définit pas ces fonctions ne voit rien. Fil principal seulement.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace keltrove::fenetre {
+
+struct Point {
+  double x = 0;
+  double y = 0;
+};
+
+// La vue au moment du glissement.
+struct MesuresDeLaVue {
+  double hauteur = 0;
+  bool origineEnHaut = true;
+  double zoom = 1;
+  double agrandissement = 1;
+};
+
+struct Glissement {
+  std::vector<std::string>
+      chemins; // fichiers locaux seulement, absolus, en UTF-8, dans l’ordre du glissement
+  Point point; // dans la vue, en pixels logiques
+  MesuresDeLaVue vue;
+};
+
+// Le point en pixels CSS, depuis le coin haut gauche de la page visible.
+Point pointDansLaPage(const Point& point, const MesuresDeLaVue& vue);
+
+class VueWebDepot {
+public:
+  // À exécuter dans chaque page du cadre principal, avant tout autre script.
+  static constexpr const char* scriptDOuverture =
+      "window.keltroveApp = Object.freeze({ depotChemins: true });";
+
+  // Le corps d’une fonction et ses arguments nommés, à exécuter dans le cadre principal de la page. Le
+  // résultat et les erreurs sont ignorés.
+  using AppelDeLaPage = std::function<void(const char* corps, const nlohmann::json& arguments)>;
+
+  enum class Reponse {
+    commeLaVueWeb, // ce que la vue web ferait d’elle-même
+    copie,         // le glissement est à nous ; aucune autre opération n’est offerte
+  };
+
+  explicit VueWebDepot(AppelDeLaPage appelerLaPage);
+
+  Reponse draggingEntered(const Glissement& glissement);
+  Reponse draggingUpdated(const Glissement& glissement);
+  Reponse draggingExited();
+  // La fin du glissement, ici ou ailleurs ; la vue web n’en est jamais prévenue.
+  void draggingEnded();
+  Reponse prepareForDragOperation() const;
+  // Rien : à la vue web de faire. Sinon, vrai si des chemins ont été remis.
+  std::optional<bool> performDragOperation(const Glissement& glissement);
+  Reponse concludeDragOperation();
+
+  bool glisserDeFichiers() const { return glisserDeFichiers_; }
+
+private:
+  void survoler(const Glissement& glissement);
+  void finirLeSurvol();
+
+  AppelDeLaPage appelerLaPage_;
+  bool glisserDeFichiers_ = false;
+};
+
+} // namespace keltrove::fenetre
