@@ -133,7 +133,8 @@ void MenusGtk::ouvrirAuClavier() {
   raccourcis->add_shortcut(
       Gtk::Shortcut::create(Gtk::ShortcutTrigger::parse_string("<Control><Shift>F10"),
                             Gtk::CallbackAction::create([this](Gtk::Widget&, const Glib::VariantBase&) {
-                              return barre_.child_focus(Gtk::DirectionType::TAB_FORWARD);
+                              auto* premier = barre_.get_first_child();
+                              return premier != nullptr && premier->grab_focus();
                             })));
   fenetre_.add_controller(raccourcis);
 }

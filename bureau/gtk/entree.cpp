@@ -5,6 +5,7 @@
 #include "bureau/gtk/BacASable.hpp"
 #include "bureau/gtk/BoucleGlib.hpp"
 #include "bureau/gtk/BusDeSession.hpp"
+#include "bureau/gtk/CurseurDeTexte.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
@@ -42,6 +43,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();
+  bureau::retirerF7AuxTextes();
   if (sansBacASable)
     std::fputs(
         "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",

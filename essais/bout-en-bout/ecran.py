@@ -1,11 +1,13 @@
 """L’écran vu par un lecteur d’écran : ce qui se lit, ce qui se presse."""
 
+import subprocess
+
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from application import attendre  # noqa: E402
+from application import attendre, touches  # noqa: E402
 
 
 def _parcourir(objet):
@@ -52,3 +54,49 @@ def presser(pid, nom):
 
 def attendre_le_texte(pid, texte, secondes=15):
     attendre(lambda: any(texte in lu for lu in textes(pid)), secondes, f"le texte « {texte} »")
+
+
+
+def _trouver(pid, role):
+    return [objet for objet in _montres(pid) if objet.get_role_name() == role]
+
+
+def _a_l_etat(objet, etat):
+    return objet.get_state_set().contains(etat)
+
+
+def articles(pid):
+    """Les articles du menu ouvert, dans l’ordre, et s’ils se laissent choisir."""
+    return {objet.get_name(): _a_l_etat(objet, Atspi.StateType.SENSITIVE)
+            for menu in _trouver(pid, "menu") for objet in _parcourir(menu) if objet.get_role_name() == "menu item"}
+
+
+def _au_clavier(pid, titre):
+    return any(objet.get_name() == titre and _a_l_etat(objet, Atspi.StateType.FOCUSED)
+               for objet in _trouver(pid, "menu item"))
+
+
+def ouvrir_le_menu(pid, titre):
+    """Au clavier : jusqu’à la barre, jusqu’au titre, puis Entrée."""
+    touches("ctrl+shift+F10")
+    attendre(lambda: _au_clavier(pid, "Keltrove"), quoi="le clavier dans la barre")
+    while not _au_clavier(pid, titre):
+        touches("Right")
+    touches("Return")
+    attendre(lambda: articles(pid), quoi=f"le menu {titre}")
+
+
+def choisir(pid, titre, article):
+    ouvrir_le_menu(pid, titre)
+    while not _au_clavier(pid, article):
+        touches("Down")
+    touches("Return")
+
+
+def mettre_le_clavier_sur_le_detail(pid):
+    while not any(_a_l_etat(objet, Atspi.StateType.FOCUSED) for objet in _trouver(pid, "text")):
+        touches("Tab")
+
+
+def presse_papiers():
+    return subprocess.run(["xclip", "-o", "-selection", "clipboard"], capture_output=True, text=True).stdout

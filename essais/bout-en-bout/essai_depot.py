@@ -1,0 +1,158 @@
+"""Les fichiers déposés dans la page, par un vrai glissement d’une autre fenêtre."""
+
+import os
+import tempfile
+
+import page_notee
+from application import VERT, attendre, couleur, fenetres
+from cas import Cas
+from glissement import Source, souris
+from page_notee import attendre_la_note, notes
+
+ACCROCHES = page_notee.code("""<script>
+  addEventListener('dragover', (e) => noter(['vue-par-la-page', e.dataTransfer.types.join()]));
+  window.keltroveSurvolChemins = (x, y) => noter(['survol', x, y]);
+  window.keltroveDeposerChemins = (chemins, x, y) => noter(['depot', chemins, x, y]);
+  noter(['marque', window.keltroveApp.depotChemins, (() => {
+    'use strict'; try { window.keltroveApp.depotChemins = 3; return 'change'; } catch { return 'fixe'; } })()]);
+</script>""")
+CHAMP = page_notee.code("""<textarea style="width:100%; height:100%"></textarea><script>
+  window.keltroveSurvolChemins = () => noter('survol'); window.keltroveDeposerChemins = () => noter('depot');
+  const champ = document.querySelector('textarea');
+  addEventListener('dragover', () => noter('vu'));
+  champ.addEventListener('input', () => noter(champ.value)); noter('prete');</script>""")
+SANS_ACCROCHE = page_notee.code("""<script>
+  addEventListener('error', (e) => noter(['erreur', e.message]));
+  addEventListener('unhandledrejection', (e) => noter(['erreur', String(e.reason)])); noter('prete');</script>""")
+CENTRE = (680, 500)
+
+
+class Depot(Cas):
+    def ouvrir(self, code, pret="prete"):
+        application = self.application(code=code).lancer()
+        application.attendre("page-affichee")
+        attendre_la_note(application, pret)
+        attendre(lambda: fenetres(application) and couleur(680, 800) in (VERT, "#FFFFFF"), quoi="la page à l’écran")
+        return application
+
+    def ouvrir_avec_accroches(self):
+        return self.ouvrir(ACCROCHES, ["marque", True, "fixe"])
+
+    def vus(self, application, quoi):
+        return [note for note in notes(application) if note[0] == quoi]
+
+    def deposer(self, application, *chemins):
+        source = Source(self, "fichiers", *chemins)
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        issue = source.lacher()
+        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        return issue
+
+    def test_un_fichier_au_nom_tordu_arrive_tel_quel_au_bon_endroit(self):
+        nom = "un nom d’été 'simple' \"double\" 100 %41 $HOME `date`\nà la ligne.txt"
+        chemin = os.path.join(tempfile.mkdtemp(), nom)
+        application = self.ouvrir_avec_accroches()
+        self.assertEqual(self.deposer(application, chemin), "fini")
+        ((_, chemins, x, y),) = self.vus(application, "depot")
+        self.assertEqual(chemins, [chemin])
+        # La page commence sous le titre et les menus, et finit au bas de la fenêtre.
+        (fenetre,) = fenetres(application)
+        self.assertEqual(self.vus(application, "survol")[-1][1:], [x, y])
+        origine = self.origine_de_la_page(fenetre)
+        self.assertEqual((x + origine[0], y + origine[1]), CENTRE)
+        self.assertEqual(self.vus(application, "vue-par-la-page"), [], "la page elle-même ne voit rien du glissement")
+        self.assertNotIn(["survol", None, None], notes(application), "aucune fin de survol après un dépôt")
+        application.quitter()
+
+    def origine_de_la_page(self, fenetre):
+        """Le coin de la page, cherché à l’œil : sa couleur commence là."""
+        x = next(x for x in range(30, 60) if couleur(x, 500) == VERT)
+        y = next(y for y in range(40, 120) if couleur(680, y) == VERT)
+        return x, y
+
+    def test_trois_fichiers_gardent_leur_ordre(self):
+        application = self.ouvrir_avec_accroches()
+        self.assertEqual(self.deposer(application, "/tmp/z", "/tmp/a", "/tmp/m"), "fini")
+        self.assertEqual([depot[1] for depot in self.vus(application, "depot")], [["/tmp/z", "/tmp/a", "/tmp/m"]])
+        application.quitter()
+
+    def test_sortir_de_la_fenetre_finit_le_survol_une_fois_et_revenir_le_reprend(self):
+        application = self.ouvrir_avec_accroches()
+        source = Source(self, "fichiers", "/tmp/a")
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        source.mener(680, 5, lambda: ["survol", None, None] in notes(application), "la fin du survol")
+        nombre = len(notes(application))
+        source.mener(*CENTRE, lambda: len(notes(application)) > nombre, "le survol repris")
+        source.mener(680, 5, lambda: notes(application)[-1] == ["survol", None, None], "la fin du second survol")
+        source.lacher()
+        self.assertEqual(notes(application).count(["survol", None, None]), 2)
+        self.assertEqual(self.vus(application, "depot"), [])
+        application.quitter()
+
+    def test_le_texte_reste_a_la_vue_web(self):
+        application = self.ouvrir(CHAMP)
+        source = Source(self, "texte", "du texte tiré")
+        source.prendre()
+        source.mener(*CENTRE, lambda: "vu" in notes(application), "le survol par la page")
+        source.lacher()
+        attendre_la_note(application, "du texte tiré")
+        self.assertNotIn("survol", notes(application))
+        self.assertNotIn("depot", notes(application))
+        application.quitter()
+
+    def test_un_glissement_sans_fichier_local_est_rendu_a_la_vue_web(self):
+        application = self.ouvrir(CHAMP)
+        for adresses in ("http://127.0.0.1/lien\r\n", "trash:///jete\r\n", "file://ailleurs.example/tmp/q\r\n",
+                         "file:///tmp/%zz\r\n", "n’importe quoi"):
+            with self.subTest(adresses=adresses):
+                debut = len(notes(application))
+                source = Source(self, "adresses", adresses)
+                source.prendre()
+                source.mener(*CENTRE, lambda: "vu" in notes(application)[debut:], "le survol par la page")
+                source.mener(680, 5, lambda: True, "la sortie")
+                source.lacher()
+                source.fermer()
+                self.assertNotIn("survol", notes(application))
+        self.assertNotIn("depot", notes(application))
+        application.quitter()
+
+    def test_les_fichiers_locaux_sont_pris_parmi_d_autres_adresses(self):
+        application = self.ouvrir_avec_accroches()
+        source = Source(self, "adresses", "# commentaire\r\nhttp://a.example/\r\nfile:///tmp/b%20c\r\n"
+                                          "file://localhost/tmp/d\r\nfile:///tmp/%FF\r\n")
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        source.lacher()
+        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/b c", "/tmp/d"])
+        application.quitter()
+
+    def test_une_page_sans_accroche_ne_voit_rien_et_reste_la(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".html") as fichier:
+            fichier.write("<body style='background:#8a2b3e'>")
+            fichier.flush()
+            application = self.ouvrir(SANS_ACCROCHE)
+            source = Source(self, "fichiers", fichier.name)
+            source.prendre()
+            for _ in range(10):
+                souris("mousemove", *CENTRE, "mousemove", CENTRE[0] + 5, CENTRE[1])
+            source.lacher()
+            application.attendre("page-contenu")
+            self.assertEqual(couleur(*CENTRE), VERT)
+            self.assertEqual(notes(application), ["prete"])
+            self.assertEqual(application.etapes().count("page-affichee"), 1)
+            application.quitter()
+
+    def test_sous_l_ecran_d_attente_rien_n_est_depose(self):
+        application = self.ouvrir_avec_accroches()
+        serveur = application.serveurs()[0]
+        os.kill(serveur, 9)
+        application.attendre("serveur-mort-en-route")
+        source = Source(self, "fichiers", "/tmp/a")
+        source.prendre()
+        for _ in range(10):
+            souris("mousemove", *CENTRE, "mousemove", CENTRE[0] + 5, CENTRE[1])
+        self.assertEqual(source.lacher(), "refuse")
+        application.quitter()

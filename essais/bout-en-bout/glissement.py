@@ -1,0 +1,54 @@
+"""Tirer quelque chose d’une autre fenêtre jusque dans la page, à la souris."""
+
+import os
+import subprocess
+
+from application import attendre
+
+
+def souris(*gestes):
+    subprocess.run(["xdotool", *map(str, gestes)], check=True)
+
+
+def _fenetre_visible(pid):
+    trouvees = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], capture_output=True,
+                              text=True).stdout.split()
+    return trouvees[0] if trouvees else None
+
+
+class Source:
+    def __init__(self, cas, sorte, *valeurs):
+        ici = os.path.dirname(os.path.abspath(__file__))
+        self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ici, "source_de_glissement.py"), sorte,
+                                           *valeurs], stdout=subprocess.PIPE, text=True)
+        cas.addCleanup(self.fermer)
+        attendre(lambda: _fenetre_visible(self.processus.pid), quoi="la fenêtre d’où tirer")
+        self.fenetre = _fenetre_visible(self.processus.pid)
+        souris("windowmove", "--sync", self.fenetre, 1100, 60, "windowactivate", "--sync", self.fenetre)
+
+    def fermer(self):
+        self.processus.kill()
+        self.processus.wait()
+        self.processus.stdout.close()
+
+    def prendre(self):
+        """Prend la chose et la tire un peu, assez pour que le glissement commence."""
+        souris("mousemove", "--window", self.fenetre, 60, 40, "mousedown", 1)
+        for pas in range(0, 60, 6):
+            souris("mousemove", "--window", self.fenetre, 60 - pas, 40 + pas)
+
+    def mener(self, x, y, fini, quoi):
+        """Promène la chose autour d’un point de l’écran jusqu’à ce que la page, ou l’application, l’ait vue."""
+        tour = [0]
+
+        def un_pas():
+            tour[0] = 1 - tour[0]
+            souris("mousemove", x + tour[0], y)
+            return fini()
+
+        attendre(un_pas, quoi=quoi)
+        souris("mousemove", x, y)
+
+    def lacher(self):
+        souris("mouseup", 1)
+        return self.processus.stdout.readline().strip()

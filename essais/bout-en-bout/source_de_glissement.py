@@ -1,0 +1,44 @@
+"""Une petite fenêtre d’où l’on tire quelque chose, dans un processus à elle, comme un gestionnaire de fichiers.
+
+  source_de_glissement.py fichiers <chemin…>     une liste de fichiers
+  source_de_glissement.py adresses <texte>       une liste d’adresses, telle quelle
+  source_de_glissement.py texte <texte>          du texte
+"""
+
+import sys
+
+import gi
+
+gi.require_version("Gdk", "4.0")
+gi.require_version("Gtk", "4.0")
+from gi.repository import Gdk, Gio, GLib, GObject, Gtk  # noqa: E402
+
+
+def contenu(sorte, valeurs):
+    if sorte == "adresses":
+        return Gdk.ContentProvider.new_for_bytes("text/uri-list", GLib.Bytes.new(valeurs[0].encode()))
+    valeur = GObject.Value()
+    if sorte == "texte":
+        valeur.init(GObject.TYPE_STRING)
+        valeur.set_string(valeurs[0])
+    else:
+        valeur.init(Gdk.FileList.__gtype__)
+        valeur.set_boxed(Gdk.FileList.new_from_list([Gio.File.new_for_path(chemin) for chemin in valeurs]))
+    return Gdk.ContentProvider.new_for_value(valeur)
+
+
+def ouvrir(application):
+    etiquette = Gtk.Label(label="À tirer")
+    source = Gtk.DragSource(actions=Gdk.DragAction.COPY)
+    source.connect("prepare", lambda *_: contenu(sys.argv[1], sys.argv[2:]))
+    source.connect("drag-end", lambda *_: print("fini", flush=True))
+    source.connect("drag-cancel", lambda *_: print("refuse", flush=True))
+    etiquette.add_controller(source)
+    fenetre = Gtk.ApplicationWindow(application=application, title="source", child=etiquette, default_width=160,
+                                    default_height=90)
+    fenetre.present()
+
+
+source = Gtk.Application(flags=Gio.ApplicationFlags.NON_UNIQUE)
+source.connect("activate", ouvrir)
+source.run()
