@@ -146,7 +146,7 @@ export function unEvenement(emetteur, nom) {
   });
 }
 
-function borner(promesse, quoi) {
+export function borner(promesse, quoi) {
   let minuteur;
   const limite = new Promise((_, echouer) => {
     minuteur = setTimeout(() => echouer(new Error(quoi())), PATIENCE);

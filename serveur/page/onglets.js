@@ -50,7 +50,7 @@ export class Onglets {
     choisir.addEventListener('click', () => this.#quand.quandChoisi(id));
     choisir.addEventListener('dblclick', () => this.#renommer(id));
     onglet.querySelector('.fermer').addEventListener('click', () => this.#quand.quandFerme(id));
-    onglet.dataset.id = id;
+    onglet.dataset.terminal = id;
     this.#onglets.set(id, onglet);
     return onglet;
   }
@@ -63,8 +63,8 @@ export class Onglets {
       ArrowRight: () => viser(onglet.nextElementSibling ?? this.#rangee.firstElementChild),
       Home: () => viser(this.#rangee.firstElementChild),
       End: () => viser(this.#rangee.lastElementChild),
-      F2: () => this.#renommer(onglet.dataset.id),
-      Delete: () => this.#quand.quandFerme(onglet.dataset.id),
+      F2: () => this.#renommer(onglet.dataset.terminal),
+      Delete: () => this.#quand.quandFerme(onglet.dataset.terminal),
       Escape: () => this.#quand.quandQuitte(),
     };
     const geste = gestes[evenement.key];

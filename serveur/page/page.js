@@ -1,3 +1,4 @@
+import { recevoirLesDepots } from '/depot.js';
 import { Liaison } from '/liaison.js';
 import { Onglets } from '/onglets.js';
 import { suivreLApparence } from '/themes.js';
@@ -70,6 +71,7 @@ function ajouterUneVue(description) {
     quandTouche,
   });
   vue.panneau.id = `panneau-${id}`;
+  vue.panneau.dataset.terminal = id;
   vue.panneau.setAttribute('aria-labelledby', `onglet-${id}`);
   zone.append(vue.panneau);
   vues.set(id, vue);
@@ -128,4 +130,11 @@ function aviser(texte) {
 
 document.querySelector('.nouveau').addEventListener('click', ouvrirUnTerminal);
 new ResizeObserver(() => vues.get(idChoisi)?.ajuster()).observe(zone);
+recevoirLesDepots({
+  idChoisi: () => idChoisi,
+  coller(id, texte) {
+    choisir(id);
+    vues.get(id)?.coller(texte);
+  },
+});
 suivreLApparence(() => vues.forEach((vue) => vue.habiller()));

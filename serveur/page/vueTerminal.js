@@ -74,6 +74,11 @@ export class VueTerminal {
     this.#terminal.write(texte, () => this.#quand.quandLu(texte.length));
   }
 
+  // Après ce qui attend encore d’être écrit : le collage encadré n’est connu qu’une fois la reprise relue.
+  coller(texte) {
+    this.#terminal.write('', () => this.#terminal.paste(texte));
+  }
+
   habiller() {
     Object.assign(this.#terminal.options, apparenceDuTerminal());
   }
