@@ -1,5 +1,6 @@
-import { readFileSync } from 'node:fs';
+import { readdirSync, readFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
+import { extname } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { hoteAdmis, jetonJuste, origineAdmise } from './acces.mjs';
 
@@ -12,18 +13,15 @@ const JSON_UTF8 = 'application/json; charset=utf-8';
 const trouverModule = createRequire(import.meta.url).resolve;
 const trouverPage = (nom) => fileURLToPath(new URL(`../page/${nom}`, import.meta.url));
 
-// Liste fermée : aucun chemin demandé ne devient jamais un chemin de fichier.
-const FICHIERS = {
-  '/page.css': [trouverPage('page.css'), CSS],
-  '/page.js': [trouverPage('page.js'), SCRIPT],
-  '/liaison.js': [trouverPage('liaison.js'), SCRIPT],
-  '/onglets.js': [trouverPage('onglets.js'), SCRIPT],
-  '/themes.js': [trouverPage('themes.js'), SCRIPT],
-  '/vueTerminal.js': [trouverPage('vueTerminal.js'), SCRIPT],
-  '/xterm/xterm.css': [trouverModule('@xterm/xterm/css/xterm.css'), CSS],
-  '/xterm/xterm.mjs': [trouverModule('@xterm/xterm/lib/xterm.mjs'), SCRIPT],
-  '/xterm/addon-fit.mjs': [trouverModule('@xterm/addon-fit/lib/addon-fit.mjs'), SCRIPT],
-};
+const TYPES = { '.css': CSS, '.js': SCRIPT, '.mjs': SCRIPT };
+
+// Liste fermée au démarrage : aucun chemin demandé ne devient jamais un chemin de fichier.
+const FICHIERS = [
+  ...readdirSync(trouverPage('')).map((nom) => [`/${nom}`, trouverPage(nom)]),
+  ['/xterm/xterm.css', trouverModule('@xterm/xterm/css/xterm.css')],
+  ['/xterm/xterm.mjs', trouverModule('@xterm/xterm/lib/xterm.mjs')],
+  ['/xterm/addon-fit.mjs', trouverModule('@xterm/addon-fit/lib/addon-fit.mjs')],
+].filter(([route]) => extname(route) in TYPES);
 
 const ENTETES_COMMUNS = {
   'Cache-Control': 'no-store',
@@ -48,7 +46,7 @@ export class Accueil {
     this.#page = readFileSync(trouverPage('index.html'), 'utf8').replace('__JETON__', () => enAttribut(jeton));
     // Lus une fois pour toutes : la page reste d’accord avec le serveur même si le dossier est remplacé en route.
     this.#fichiers = new Map(
-      Object.entries(FICHIERS).map(([route, [chemin, type]]) => [route, { corps: readFileSync(chemin), type }]),
+      FICHIERS.map(([route, chemin]) => [route, { corps: readFileSync(chemin), type: TYPES[extname(route)] }]),
     );
   }
 

@@ -38,6 +38,14 @@ export class Onglets {
     }
   }
 
+  // Une marque discrète : ce terminal attend l’utilisateur.
+  marquer(id, oui) {
+    const onglet = this.#onglets.get(id);
+    if (!onglet || onglet.classList.contains('attend') === oui) return;
+    onglet.classList.toggle('attend', oui);
+    nommer(onglet, onglet.querySelector('.choisir').textContent);
+  }
+
   prendreLeFocus() {
     this.#rangee.querySelector('.choisi .choisir')?.focus();
   }
@@ -50,7 +58,7 @@ export class Onglets {
     choisir.addEventListener('click', () => this.#quand.quandChoisi(id));
     choisir.addEventListener('dblclick', () => this.#renommer(id));
     onglet.querySelector('.fermer').addEventListener('click', () => this.#quand.quandFerme(id));
-    onglet.dataset.id = id;
+    onglet.dataset.terminal = id;
     this.#onglets.set(id, onglet);
     return onglet;
   }
@@ -63,8 +71,8 @@ export class Onglets {
       ArrowRight: () => viser(onglet.nextElementSibling ?? this.#rangee.firstElementChild),
       Home: () => viser(this.#rangee.firstElementChild),
       End: () => viser(this.#rangee.lastElementChild),
-      F2: () => this.#renommer(onglet.dataset.id),
-      Delete: () => this.#quand.quandFerme(onglet.dataset.id),
+      F2: () => this.#renommer(onglet.dataset.terminal),
+      Delete: () => this.#quand.quandFerme(onglet.dataset.terminal),
       Escape: () => this.#quand.quandQuitte(),
     };
     const geste = gestes[evenement.key];
@@ -110,6 +118,7 @@ function nommer(onglet, nom) {
   const choisir = onglet.querySelector('.choisir');
   choisir.textContent = nom;
   choisir.title = nom;
+  choisir.ariaLabel = onglet.classList.contains('attend') ? `${nom}, vous attend` : nom;
   const fermer = onglet.querySelector('.fermer');
   fermer.setAttribute('aria-label', `Fermer « ${nom} »`);
   fermer.title = 'Fermer';
