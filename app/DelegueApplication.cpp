@@ -37,12 +37,14 @@ DelegueApplication::~DelegueApplication() {
   moteur_->quandLeServeurMeurt = nullptr;
 }
 
-void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue) {
-  fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, *boucle_);
+void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue,
+                                                       pont::CentreNotifications& centre) {
+  fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, centre, *boucle_);
   fenetre_->quandOnDemandeUnEssai = [this] { lancerLeDemarrage(false); };
   fenetre::Menus::installer(vue, *fenetre_);
   fenetre_->ecran().montrerAttente("keltrove démarre…", "Je regarde si le serveur tourne déjà.");
   fenetre_->afficher();
+  if (!Reglages::modeEssai() && !Reglages::modeDiscret()) fenetre_->pont().demanderLaPermissionUneSeuleFois();
   moteur_->quandLeServeurMeurt = [this](const moteur::ErreurServeur& erreur) { quandLeServeurMeurt(erreur); };
   lancerLeDemarrage(true);
   programmerLaFin();

@@ -35,8 +35,8 @@ public:
   // La réponse définitive après un « plus tard » : le processus se termine aussitôt.
   std::function<void()> quandOnPeutPartir;
 
-  // Une fois, dès que la fenêtre native existe. La vue survit au délégué.
-  void applicationDidFinishLaunching(fenetre::VueFenetre& vue);
+  // Une fois, dès que la fenêtre native existe. La vue et le centre survivent au délégué.
+  void applicationDidFinishLaunching(fenetre::VueFenetre& vue, pont::CentreNotifications& centre);
 
   // À chaque demande de fermeture : menu, fenêtre fermée, signal, fin de session. Une seconde demande pendant
   // l’attente ne relance rien.

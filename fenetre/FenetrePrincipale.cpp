@@ -24,8 +24,9 @@ void imprimerLeNumero(unsigned long numero) {
 
 } // namespace
 
-FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& boucle)
-    : vue_(vue), boucle_(boucle) {
+FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications& centre,
+                                     socle::BoucleEvenements& boucle)
+    : vue_(vue), boucle_(boucle), pont_(centre, boucle) {
   ecran_.quandOnDessine = [this](const EtatEcran& etat) { vue_.dessiner(etat); };
   ecran_.quandOnReessaie = [this] { rechargerVraiment(); };
   vue_.quandOnReessaie = [this] { ecran_.reessayer(); };
@@ -35,12 +36,18 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& b
   };
   vue_.quandNavigationFinie = [this] { quandLaPageEstLa(); };
   vue_.quandNavigationRatee = [this](const EchecDeNavigation& echec) { signalerPageRatee(echec); };
+  vue_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
+    pont_.userContentController(canal, corps);
+  };
+  pont_.vue = [this](const std::string& ligne) { vue_.evaluer(ligne, [](const auto&) {}); };
+  pont_.activer = [this] { vue_.mettreDevant(); };
 }
 
 FenetrePrincipale::~FenetrePrincipale() {
   vue_.quandOnReessaie = nullptr;
   vue_.quandOnBasculeLeDetail = nullptr;
   vue_.quandOnRecharge = nullptr;
+  vue_.quandLaPageEcrit = nullptr;
   vue_.quandNavigationAvance = nullptr;
   vue_.quandNavigationFinie = nullptr;
   vue_.quandNavigationRatee = nullptr;

@@ -1,11 +1,12 @@
 // FenetrePrincipale : le contrôleur de la fenêtre unique.
 //
-// Il tient l’écran d’attente et le bandeau, charge la page du serveur, suit sa navigation et rend les
-// demandes d’essai à qui l’a créé. Fil principal seulement.
+// Il tient l’écran d’attente, le bandeau et le pont de notifications, charge la page du serveur, suit sa
+// navigation et rend les demandes d’essai à qui l’a créé. Fil principal seulement.
 #pragma once
 
 #include "fenetre/EcranAttente.hpp"
 #include "fenetre/VueFenetre.hpp"
+#include "pont/PontNotifications.hpp"
 #include "socle/BoucleEvenements.hpp"
 
 #include <functional>
@@ -17,8 +18,8 @@ namespace keltrove::fenetre {
 
 class FenetrePrincipale {
 public:
-  // La vue et la boucle survivent à la fenêtre.
-  FenetrePrincipale(VueFenetre& vue, socle::BoucleEvenements& boucle);
+  // La vue, le centre et la boucle survivent à la fenêtre.
+  FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications& centre, socle::BoucleEvenements& boucle);
   FenetrePrincipale(const FenetrePrincipale&) = delete;
   FenetrePrincipale& operator=(const FenetrePrincipale&) = delete;
   ~FenetrePrincipale();
@@ -36,6 +37,7 @@ public:
   void ignorerLaPage();
 
   EcranAttente& ecran() { return ecran_; }
+  pont::PontNotifications& pont() { return pont_; }
 
 private:
   void surveillerLeDelai();
@@ -46,6 +48,7 @@ private:
   VueFenetre& vue_;
   socle::BoucleEvenements& boucle_;
   EcranAttente ecran_;
+  pont::PontNotifications pont_;
   std::optional<int> portAffiche_;
   bool pageIgnoree_ = false;
   socle::Minuteur minuteurBandeau_;

@@ -56,6 +56,8 @@ public:
   std::function<void()> quandOnReessaie;
   std::function<void()> quandOnBasculeLeDetail;
   std::function<void()> quandOnRecharge;
+  // Un message de la page : le canal, et son corps en JSON s’il en a un.
+  std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 };
 
 } // namespace keltrove::fenetre

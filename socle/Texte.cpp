@@ -86,6 +86,20 @@ std::string_view rognerEspaces(std::string_view texte) {
   return rognerSelon(texte, estEspace);
 }
 
+std::string_view premiersCaracteres(std::string_view texte, std::size_t nombre) {
+  std::int32_t precedent = -1;
+  std::int32_t etat = 0;
+  std::size_t vus = 0;
+  for (std::size_t i = 0; i < texte.size();) {
+    const auto lu = premier(texte.substr(i));
+    const bool nouveau = precedent < 0 || utf8proc_grapheme_break_stateful(precedent, lu.point, &etat);
+    if (nouveau && vus++ == nombre) return texte.substr(0, i);
+    precedent = lu.point;
+    i += lu.octets;
+  }
+  return texte;
+}
+
 std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides) {
   std::vector<std::string> morceaux;
   for (std::size_t debut = 0; debut <= texte.size();) {

@@ -5,6 +5,7 @@
 // Sans état : utilisable depuis tout fil.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,11 @@ std::string_view rogner(std::string_view texte);
 
 // Retire des deux bouts les espaces (catégorie Zs) et la tabulation, mais aucune fin de ligne.
 std::string_view rognerEspaces(std::string_view texte);
+
+// Les premiers caractères, tels qu’on les perçoit (groupes de graphèmes étendus, UAX 29) : une famille
+// d’emojis, un drapeau, une lettre et ses accents comptent pour un. Le texte entier s’il n’en a pas
+// davantage. Doit être en UTF-8.
+std::string_view premiersCaracteres(std::string_view texte, std::size_t nombre);
 
 // Découpe à chaque séparateur ; les morceaux vides sont gardés ou non.
 enum class MorceauxVides { gardes, ecartes };

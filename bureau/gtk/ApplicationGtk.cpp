@@ -7,8 +7,10 @@
 namespace keltrove::bureau {
 
 ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
-                               std::shared_ptr<socle::BoucleEvenements> boucle)
+                               std::shared_ptr<socle::BoucleEvenements> boucle,
+                               socle::Environnement environnement)
     : Gtk::Application(KELTROVE_IDENTIFIANT, Gio::Application::Flags::NON_UNIQUE),
+      notifications_(std::move(environnement)),
       delegue_(std::make_unique<app::DelegueApplication>(std::move(moteur), std::move(boucle))) {
   delegue_->quandOnVeutQuitter = [this] { demanderLaFermeture(); };
   delegue_->quandOnPeutPartir = [this] { partir(); };
@@ -24,9 +26,11 @@ void ApplicationGtk::on_activate() {
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
   fenetre_ = std::make_unique<FenetreGtk>();
   fenetre_->quandOnFerme = [this] { demanderLaFermeture(); };
+  notifications_.applicationDevant = [this] { return fenetre_->is_active(); };
+  notifications_.quandUnJetonArrive = [this](const std::string& jeton) { fenetre_->recevoirLeJeton(jeton); };
   add_window(*fenetre_);
   ecouterLesSignaux();
-  delegue_->applicationDidFinishLaunching(*fenetre_);
+  delegue_->applicationDidFinishLaunching(*fenetre_, notifications_);
 }
 
 void ApplicationGtk::ecouterLesSignaux() {

@@ -3,6 +3,7 @@
 
 #include "app/DelegueApplication.hpp"
 #include "bureau/gtk/FenetreGtk.hpp"
+#include "bureau/gtk/NotificationsDBus.hpp"
 
 #include <memory>
 
@@ -12,8 +13,9 @@ namespace keltrove::bureau {
 
 class ApplicationGtk final : public Gtk::Application {
 public:
+  // L’environnement est celui d’avant nos propres réglages : les programmes lancés d’ici le reçoivent.
   ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
-                 std::shared_ptr<socle::BoucleEvenements> boucle);
+                 std::shared_ptr<socle::BoucleEvenements> boucle, socle::Environnement environnement);
   ~ApplicationGtk() override;
 
 private:
@@ -23,7 +25,8 @@ private:
   void partir();
 
   std::unique_ptr<FenetreGtk> fenetre_;
-  // Détruit avant la fenêtre, dont il se sert.
+  NotificationsDBus notifications_;
+  // Détruit avant la fenêtre et les notifications, dont il se sert.
   std::unique_ptr<app::DelegueApplication> delegue_;
 };
 

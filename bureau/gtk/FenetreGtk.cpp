@@ -67,6 +67,9 @@ void FenetreGtk::relierLesVues() {
   actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
   vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
   vueWeb_.quandNavigationFinie = [=, this] { transmettre(quandNavigationFinie); };
+  vueWeb_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
+    if (quandLaPageEcrit) quandLaPageEcrit(canal, corps);
+  };
   vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
     if (quandNavigationRatee) quandNavigationRatee(echec);
   };
@@ -114,6 +117,10 @@ void FenetreGtk::dessiner(const fenetre::EtatBandeau& etat) {
 
 void FenetreGtk::poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) {
   menus_.poser(menus, *get_application());
+}
+
+void FenetreGtk::recevoirLeJeton(const std::string& jeton) {
+  gtk_window_set_startup_id(GTK_WINDOW(gobj()), jeton.c_str());
 }
 
 void FenetreGtk::mettreDevant() {

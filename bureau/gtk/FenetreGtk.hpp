@@ -26,6 +26,9 @@ public:
   // Une fenêtre que personne n’a vue ne retient rien.
   void retenirLaTaille() const;
 
+  // Le droit de prendre le clavier au prochain mettreDevant, que le bureau refuserait sinon.
+  void recevoirLeJeton(const std::string& jeton);
+
   void dessiner(const fenetre::EtatEcran& etat) override;
   void dessiner(const fenetre::EtatBandeau& etat) override;
   void poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) override;

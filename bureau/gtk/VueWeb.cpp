@@ -1,6 +1,7 @@
 #include "bureau/gtk/VueWeb.hpp"
 
 #include "fenetre/VueWebDepot.hpp"
+#include "pont/PontNotifications.hpp"
 
 #include <memory>
 #include <utility>
@@ -59,6 +60,14 @@ std::optional<std::string> texteDe(GObject* vue, GAsyncResult* resultat) {
   return texte.get();
 }
 
+// Rien pour une valeur sans JSON : non définie, cyclique…
+std::optional<std::string> enJSON(JSCValue* valeur) {
+  const std::unique_ptr<char, decltype(&g_free)> json(jsc_value_to_json(valeur, 0), &g_free);
+  if (json) return json.get();
+  jsc_context_clear_exception(jsc_value_get_context(valeur));
+  return std::nullopt;
+}
+
 } // namespace
 
 VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
@@ -85,9 +94,22 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                      if (moi->quandNavigationAvance) moi->quandNavigationAvance();
                    }),
                    this);
+  ouvrirLeCanal();
+}
+
+void VueWeb::ouvrirLeCanal() {
+  static constexpr const char* canal = pont::PontNotifications::nomDuCanal;
+  auto* contenus = webkit_web_view_get_user_content_manager(vue_);
+  g_signal_connect(contenus, (std::string("script-message-received::") + canal).c_str(),
+                   G_CALLBACK(+[](WebKitUserContentManager*, JSCValue* corps, VueWeb* moi) {
+                     if (moi->quandLaPageEcrit) moi->quandLaPageEcrit(canal, enJSON(corps));
+                   }),
+                   this);
+  webkit_user_content_manager_register_script_message_handler(contenus, canal, nullptr);
 }
 
 VueWeb::~VueWeb() {
+  g_signal_handlers_disconnect_by_data(webkit_web_view_get_user_content_manager(vue_), this);
   g_signal_handlers_disconnect_by_data(vue_, this);
   g_object_unref(vue_);
 }

@@ -40,8 +40,10 @@ public:
   std::function<void()> quandNavigationAvance;
   std::function<void()> quandNavigationFinie;
   std::function<void(const fenetre::EchecDeNavigation&)> quandNavigationRatee;
+  std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 
 private:
+  void ouvrirLeCanal();
   void quandLeChargementChange(WebKitLoadEvent evenement);
   void quandLeChargementEchoue(const GError& erreur);
   void quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison);

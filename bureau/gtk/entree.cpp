@@ -50,8 +50,9 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
         stderr);
 
   const auto boucle = contexte.boucle;
+  const auto environnement = contexte.environnement;
   auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));
-  bureau::ApplicationGtk application(std::move(moteur), boucle);
+  bureau::ApplicationGtk application(std::move(moteur), boucle, environnement);
   // Aucun argument n’est pour GTK.
   return application.run();
 }

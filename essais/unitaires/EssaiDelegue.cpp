@@ -1,6 +1,7 @@
 // Le délégué avec un vrai moteur, de vrais serveurs, une fenêtre sans écran et un temps virtuel.
 
 #include "BoucleVirtuelle.hpp"
+#include "CentreEnregistreur.hpp"
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
@@ -84,12 +85,13 @@ protected:
                                       .emplacements = moteur::Emplacements(maison.chemin("ressources")),
                                       .environnement = socle::Environnement(::environ)});
   essais::VueEnregistreuse vue;
+  essais::CentreEnregistreur centre;
   DelegueApplication delegue{moteur, boucle};
   int departs = 0;
 };
 
 TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_EQ(vue.ecrans.size(), 2U);
   EXPECT_EQ(vue.ecrans[0].titre, "keltrove démarre…");
   EXPECT_EQ(vue.ecrans[0].phrase, "Je regarde si le serveur tourne déjà.");
@@ -104,7 +106,7 @@ TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
 TEST_F(EssaiDelegue, UnServeurAllumeOuvreLaPageEtNoteSaSante) {
   poserLeServeur();
   maison.ecrire(".zelcor/keltrove-jeton", "abc\n");
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   EXPECT_EQ(detailsDe("allume"), (Journal::Details{{"port", std::int64_t{maison.port()}}}));
   EXPECT_EQ(vue.ecran().titre, "Le serveur répond");
@@ -126,7 +128,7 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
   autre->demarrer([&](const moteur::Demarrage& issue) { allume = issue.has_value(); });
   ASSERT_TRUE(boucle->attendre([&] { return allume; }));
 
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("rattache"));
   EXPECT_EQ(etapes(), (std::vector<std::string>{"demarrage-demande", "rattache"}));
   EXPECT_EQ(vue.ecran().titre, "keltrove est déjà en route");
@@ -146,7 +148,7 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
 }
 
 TEST_F(EssaiDelegue, UnEchecSeNoteAvecSonTitreEtUnNouvelEssaiLeDit) {
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   EXPECT_EQ(detailsDe("echec-demarrage"),
             (Journal::Details{{"cause", std::string("Le code de keltrove est introuvable")}}));
@@ -162,7 +164,7 @@ TEST_F(EssaiDelegue, UnEchecSeNoteAvecSonTitreEtUnNouvelEssaiLeDit) {
 
 TEST_F(EssaiDelegue, ReessayerPendantUnDemarrageNeFaitRien) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   const auto dessins = vue.ecrans.size();
   vue.quandOnReessaie();
   vue.quandOnReessaie();
@@ -173,7 +175,7 @@ TEST_F(EssaiDelegue, ReessayerPendantUnDemarrageNeFaitRien) {
 
 TEST_F(EssaiDelegue, LeMotDeMiseAJourSeMontreUneFoisDansLeBandeau) {
   poserLeServeur("console.log('MESSAGE= Version 2 prête\\t');");
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   ASSERT_TRUE(boucle->attendre([&] { return moteur->messageDeMiseAJour().has_value(); }));
   boucle->avancer(3.0);
@@ -189,7 +191,7 @@ constexpr const char* annonceSurDemande = "import fs from 'node:fs'; fs.watch('.
 
 TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
   poserLeServeur(annonceSurDemande);
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   boucle->avancer(2.99);
   maison.ecrire("ressources/keltrove/dire", "");
@@ -201,7 +203,7 @@ TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
 
 TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
   poserLeServeur(annonceSurDemande);
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   boucle->avancer(3.5);
   maison.ecrire("ressources/keltrove/dire", "");
@@ -213,7 +215,7 @@ TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
 TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSArrete) {
   poserLeServeur(
       "import fs from 'node:fs'; fs.watch('.', () => { console.log('au revoir'); process.exit(3); });");
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
@@ -228,7 +230,7 @@ TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSAr
 TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) {
   poserLeServeur("console.log('dernière ligne'); setTimeout(() => {}, 1e9);"
                  "import fs from 'node:fs'; fs.watch('.', () => process.kill(process.pid, 'SIGSTOP'));");
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   vue.quandNavigationFinie();
   maison.ecrire("ressources/keltrove/geler", "");
@@ -253,7 +255,7 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
 
 TEST_F(EssaiDelegue, FermerNotreServeurLeDitAttendSaFinPuisPart) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
@@ -274,7 +276,7 @@ TEST_F(EssaiDelegue, FermerNotreServeurLeDitAttendSaFinPuisPart) {
 
 TEST_F(EssaiDelegue, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
   delegue.applicationShouldTerminate();
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
@@ -287,7 +289,7 @@ TEST_F(EssaiDelegue, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
 TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranDeFermeture) {
   maison.ecrire("ressources/keltrove/serveur.mjs",
                 "import fs from 'node:fs'; fs.writeFileSync('lance', ''); setInterval(() => {}, 1000);");
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(boucle->attendre([&] { return moteur->nousLavonsAllume(); }));
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
   ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
@@ -304,7 +306,7 @@ TEST_F(EssaiDelegue, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
   // Un étranger muet sur le port retient le démarrage avant tout lancement.
   const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
   maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   EXPECT_FALSE(moteur->nousLavonsAllume());
@@ -315,7 +317,7 @@ TEST_F(EssaiDelegue, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {
   ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
   int demandes = 0;
   delegue.quandOnVeutQuitter = [&] { ++demandes; };
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   boucle->avancer(2.99);
   EXPECT_EQ(demandes, 0);
@@ -326,7 +328,7 @@ TEST_F(EssaiDelegue, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {
 
 TEST_F(EssaiDelegue, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
   ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
-  delegue.applicationDidFinishLaunching(vue);
+  delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   boucle->avancer(60);
   EXPECT_FALSE(aEteNotee("essai-quitte-tout-seul"));

@@ -1,4 +1,5 @@
 #include "BoucleVirtuelle.hpp"
+#include "CentreEnregistreur.hpp"
 #include "VueEnregistreuse.hpp"
 #include "fenetre/FenetrePrincipale.hpp"
 #include "fenetre/SondeContenu.hpp"
@@ -34,7 +35,8 @@ protected:
   }
   essais::BoucleVirtuelle boucle;
   essais::VueEnregistreuse vue;
-  FenetrePrincipale fenetre{vue, boucle};
+  essais::CentreEnregistreur centre;
+  FenetrePrincipale fenetre{vue, centre, boucle};
 };
 
 TEST_F(EssaiFenetre, SeMontreDevantEnTempsOrdinaire) {
@@ -105,7 +107,7 @@ TEST_F(EssaiFenetre, UneReponseQuiNEstPasUnTexteNeNoteRien) {
 TEST_F(EssaiFenetre, UneReponseApresLaFenetreNeNoteRien) {
   essais::VueEnregistreuse autreVue;
   {
-    FenetrePrincipale breve(autreVue, boucle);
+    FenetrePrincipale breve(autreVue, centre, boucle);
     autreVue.quandNavigationFinie();
     boucle.avancer(1);
   }

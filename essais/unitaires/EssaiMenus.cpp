@@ -1,4 +1,5 @@
 #include "BoucleVirtuelle.hpp"
+#include "CentreEnregistreur.hpp"
 #include "VueEnregistreuse.hpp"
 #include "fenetre/FenetrePrincipale.hpp"
 #include "fenetre/Menus.hpp"
@@ -88,7 +89,8 @@ TEST(EssaiMenus, AucunRaccourciNeSertDeuxFois) {
 TEST(EssaiMenus, RechargerDemandeUnEssaiMemeSansPage) {
   essais::BoucleVirtuelle boucle;
   essais::VueEnregistreuse vue;
-  FenetrePrincipale fenetre(vue, boucle);
+  essais::CentreEnregistreur centre;
+  FenetrePrincipale fenetre(vue, centre, boucle);
   int demandes = 0;
   fenetre.quandOnDemandeUnEssai = [&] { ++demandes; };
   Menus::installer(vue, fenetre);

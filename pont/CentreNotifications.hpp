@@ -1,0 +1,59 @@
+// CentreNotifications : les notifications du système, vues du pont.
+//
+// Chaque bureau en donne un. Aucune opération n’attend : les réponses viennent plus tard, ou jamais si le
+// centre disparaît avant. Fil principal seulement.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace keltrove::pont {
+
+enum class Autorisation {
+  accordee,
+  refusee,
+  indeterminee, // l’utilisateur n’a pas encore été consulté
+  absente,      // le centre est hors d’atteinte
+};
+
+struct Notification {
+  std::string identifiant; // celle du même identifiant est remplacée
+  std::string titre;       // texte simple, à montrer tel quel
+  std::string corps;       // texte simple, à montrer tel quel
+  std::string idTerminal;  // vide : aucun terminal
+  bool operator==(const Notification&) const = default;
+};
+
+struct Posee {};
+struct Refusee {
+  std::string description; // le texte du système
+};
+struct CentreAbsent {};
+using Remise = std::variant<Posee, Refusee, CentreAbsent>;
+
+// Sans délégué, rien n’est montré tant que l’application est devant, et un clic ne va nulle part.
+struct DelegueDuCentre {
+  std::function<void(const std::string& idTerminal)> quandOnClique;
+};
+
+class CentreNotifications {
+public:
+  virtual ~CentreNotifications() = default;
+
+  virtual void lireLesReglages(std::function<void(Autorisation)> fini) = 0;
+  // Alertes et son. Consulte l’utilisateur si le système le demande.
+  virtual void demanderLAutorisation(std::function<void(bool accordee)> fini) = 0;
+  // Avec le son par défaut du système, sans délai. `fini` ne vient pas pour une notification qu’une plus
+  // récente du même identifiant a remplacée avant son départ.
+  virtual void ajouter(const Notification& notification, std::function<void(const Remise&)> fini) = 0;
+  // Le panneau des notifications du bureau ; rien s’il n’y en a pas.
+  virtual void ouvrirLesReglages() = 0;
+  // Retient pour toujours un drapeau levé, sous ce nom.
+  virtual void retenir(const std::string& drapeau) = 0;
+
+  std::optional<DelegueDuCentre> delegue;
+};
+
+} // namespace keltrove::pont

@@ -1,0 +1,59 @@
+#include "pont/MessageDeLaPage.hpp"
+
+#include <charconv>
+#include <cstdint>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace keltrove::pont {
+namespace {
+
+constexpr std::size_t longueurDUnite = 6; // \uXXXX
+
+// L’unité UTF-16 que ce JSON échappe ici ; 0 si ce n’en est pas une.
+std::uint32_t uniteEn(std::string_view json, std::size_t i) {
+  const auto unite = json.substr(std::min(i, json.size()), longueurDUnite);
+  if (unite.size() < longueurDUnite || !unite.starts_with("\\u")) return 0;
+  std::uint32_t valeur = 0;
+  const auto [fin, erreur] = std::from_chars(unite.data() + 2, unite.data() + longueurDUnite, valeur, 16);
+  return erreur == std::errc{} && fin == unite.data() + longueurDUnite ? valeur : 0;
+}
+
+bool estMoitieHaute(std::uint32_t unite) {
+  return unite >= 0xD800 && unite <= 0xDBFF;
+}
+bool estMoitieBasse(std::uint32_t unite) {
+  return unite >= 0xDC00 && unite <= 0xDFFF;
+}
+
+std::string sansMoitieSeule(std::string_view json) {
+  std::string propre;
+  propre.reserve(json.size());
+  for (std::size_t i = 0; i < json.size();) {
+    std::size_t longueur = json[i] == '\\' ? 2 : 1;
+    const auto unite = uniteEn(json, i);
+    if (estMoitieHaute(unite) && estMoitieBasse(uniteEn(json, i + longueurDUnite)))
+      longueur = 2 * longueurDUnite;
+    else if (estMoitieHaute(unite) || estMoitieBasse(unite)) {
+      propre += "\\ufffd";
+      i += longueurDUnite;
+      continue;
+    }
+    propre += json.substr(i, longueur);
+    i += longueur;
+  }
+  return propre;
+}
+
+} // namespace
+
+nlohmann::json lireLeMessage(const std::optional<std::string>& corps) {
+  if (!corps) return {};
+  auto message = nlohmann::json::parse(sansMoitieSeule(*corps), nullptr, /* exceptions */ false);
+  // Copier un objet très imbriqué épuiserait la pile.
+  if (!message.is_object()) message = nullptr;
+  return message;
+}
+
+} // namespace keltrove::pont

@@ -1,0 +1,63 @@
+// PontNotifications : ce qui joint la page aux notifications du système, dans les deux sens.
+//
+// La page demande une notification, l’état de la permission ou les réglages ; un clic sur une notification
+// ramène la fenêtre devant et ouvre le terminal dans la page. Rien n’est montré à l’utilisateur en cas
+// d’échec, et rien ne va au journal. Fil principal seulement.
+#pragma once
+
+#include "pont/CentreNotifications.hpp"
+#include "socle/BoucleEvenements.hpp"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace keltrove::pont {
+
+class PontNotifications {
+public:
+  // Le nom sous lequel la page écrit : window.webkit.messageHandlers.keltroveNotifications.
+  static constexpr const char* nomDuCanal = "keltroveNotifications";
+
+  // Le centre et la boucle survivent au pont.
+  PontNotifications(CentreNotifications& centre, socle::BoucleEvenements& boucle);
+  PontNotifications(const PontNotifications&) = delete;
+  PontNotifications& operator=(const PontNotifications&) = delete;
+  ~PontNotifications();
+
+  // Exécute une ligne dans la page ; vide tant qu’il n’y a pas de vue. Résultat et erreurs sont ignorés.
+  std::function<void(const std::string& ligne)> vue;
+  // Met l’application et sa fenêtre devant les autres.
+  std::function<void()> activer;
+  // Pour mettre au point : reçoit une ligne par message et par notification. Rien ne s’en sert d’ordinaire.
+  std::function<void(const std::string& ligne)> trace;
+
+  // La dernière réponse connue. Rien ne la lit : poser une notification ne la consulte pas.
+  bool permissionAccordee() const { return permissionAccordee_; }
+
+  // Un message de la page : le canal, et le corps en JSON ; aucun si le corps n’en a pas.
+  void userContentController(std::string_view canal, const std::optional<std::string>& corps);
+  // Au lancement, une fois. C’est ici seulement que le pont devient le délégué du centre.
+  void demanderLaPermissionUneSeuleFois();
+  void redireLEtat();
+  void poser(const std::string& idTerminal, const std::string& titre, const std::string& corps);
+  void ouvrirLesReglagesDeNotification();
+  void executerDansLaPage(const std::string& ligne);
+
+private:
+  void quandOnClique(const std::string& idTerminal);
+  void quandLAutorisationEstLue(Autorisation autorisation);
+  void direLEtat(const char* etat);
+  void direLAccord(bool accorde);
+  void tracer(const std::string& ligne) const;
+
+  CentreNotifications& centre_;
+  socle::BoucleEvenements& boucle_;
+  bool permissionAccordee_ = false;
+  // Les réponses du centre peuvent arriver après le pont.
+  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+};
+
+} // namespace keltrove::pont
