@@ -136,9 +136,8 @@ class Depot(Cas):
             application = self.ouvrir(SANS_ACCROCHE)
             source = Source(self, "fichiers", fichier.name)
             source.prendre()
-            for _ in range(10):
-                souris("mousemove", *CENTRE, "mousemove", CENTRE[0] + 5, CENTRE[1])
-            source.lacher()
+            source.mener(*CENTRE, source.admis, "le glissement admis")
+            self.assertEqual(source.lacher(), "fini")
             application.attendre("page-contenu")
             self.assertEqual(couleur(*CENTRE), VERT)
             self.assertEqual(notes(application), ["prete"])
@@ -152,7 +151,8 @@ class Depot(Cas):
         application.attendre("serveur-mort-en-route")
         source = Source(self, "fichiers", "/tmp/a")
         source.prendre()
-        for _ in range(10):
-            souris("mousemove", *CENTRE, "mousemove", CENTRE[0] + 5, CENTRE[1])
+        for pas in range(60):
+            souris("mousemove", CENTRE[0] + pas, CENTRE[1])
+        self.assertFalse(source.admis())
         self.assertEqual(source.lacher(), "refuse")
         application.quitter()

@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import threading
 
 from application import attendre
 
@@ -22,14 +23,26 @@ class Source:
         self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ici, "source_de_glissement.py"), sorte,
                                            *valeurs], stdout=subprocess.PIPE, text=True)
         cas.addCleanup(self.fermer)
+        self.lignes = []
+        self.lecture = threading.Thread(target=self.lire, daemon=True)
+        self.lecture.start()
         attendre(lambda: _fenetre_visible(self.processus.pid), quoi="la fenêtre d’où tirer")
         self.fenetre = _fenetre_visible(self.processus.pid)
         souris("windowmove", "--sync", self.fenetre, 1100, 60, "windowactivate", "--sync", self.fenetre)
 
+    def lire(self):
+        for ligne in self.processus.stdout:
+            self.lignes.append(ligne.strip())
+
     def fermer(self):
         self.processus.kill()
         self.processus.wait()
+        self.lecture.join()
         self.processus.stdout.close()
+
+    def admis(self):
+        """La cible sous le pointeur accepte-t-elle le dépôt ?"""
+        return bool(self.lignes) and self.lignes[-1] == "admis"
 
     def prendre(self):
         """Prend la chose et la tire un peu, assez pour que le glissement commence."""
@@ -51,4 +64,5 @@ class Source:
 
     def lacher(self):
         souris("mouseup", 1)
-        return self.processus.stdout.readline().strip()
+        attendre(lambda: "fini" in self.lignes, quoi="la fin du glissement")
+        return "refuse" if "refuse" in self.lignes else "fini"

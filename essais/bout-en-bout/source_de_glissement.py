@@ -31,6 +31,8 @@ def ouvrir(application):
     etiquette = Gtk.Label(label="À tirer")
     source = Gtk.DragSource(actions=Gdk.DragAction.COPY)
     source.connect("prepare", lambda *_: contenu(sys.argv[1], sys.argv[2:]))
+    source.connect("drag-begin", lambda _, glissement: glissement.connect(
+        "notify::selected-action", lambda *_: print("admis" if glissement.get_selected_action() else "non admis", flush=True)))
     source.connect("drag-end", lambda *_: print("fini", flush=True))
     source.connect("drag-cancel", lambda *_: print("refuse", flush=True))
     etiquette.add_controller(source)

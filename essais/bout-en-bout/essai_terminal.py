@@ -1,0 +1,97 @@
+"""Le vrai serveur dans l’application : ce que les menus, les dépôts et les clics font d’un vrai terminal."""
+
+import os
+import subprocess
+import tempfile
+
+import ecran
+from application import attendre, fenetres, touches
+from cas import Cas
+from glissement import Source, souris
+
+
+def taper(texte):
+    subprocess.run(["xdotool", "type", "--delay", "5", texte], check=True)
+
+
+class Terminal(Cas):
+    def ouvrir(self, **options):
+        application = self.application(vrai_serveur=True, **options).lancer()
+        application.attendre("page-contenu")
+        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        taper("touch pret\n")
+        self.attendre_le_fichier(application, "pret")
+        return application
+
+    def chemin(self, application, nom):
+        return os.path.join(application.maison, nom)
+
+    def attendre_le_fichier(self, application, nom):
+        attendre(lambda: os.path.exists(self.chemin(application, nom)), quoi=f"le fichier {nom}")
+
+    def contenu(self, application, nom, voulu):
+        def lu():
+            with open(self.chemin(application, nom)) as fichier:
+                return fichier.read()
+        self.attendre_le_fichier(application, nom)
+        attendre(lambda: lu() == voulu, quoi=f"{voulu!r} dans {nom} (vu : {lu()!r})")
+
+
+class Depot(Terminal):
+    def deposer(self, *chemins):
+        source = Source(self, "fichiers", *chemins)
+        source.prendre()
+        source.mener(640, 500, source.admis, "le dépôt admis")
+        self.assertEqual(source.lacher(), "fini")
+        source.fermer()
+
+    def test_un_chemin_tordu_s_ecrit_protege_et_ne_devient_pas_une_commande(self):
+        application = self.ouvrir()
+        chemin = os.path.join(tempfile.mkdtemp(), "l’été 'a' \"b\" \\ $(touch pris) `touch pris`; touch pris\ntouch pris\n#")
+        taper("printf %s ")
+        self.deposer(chemin)
+        taper(" > recu\n")
+        self.contenu(application, "recu", chemin)
+        self.assertFalse(os.path.exists(self.chemin(application, "pris")))
+        application.quitter()
+
+    def test_sans_collage_entre_crochets_non_plus(self):
+        application = self.ouvrir()
+        taper("sh\n")
+        taper("touch dedans\n")
+        self.attendre_le_fichier(application, "dedans")
+        chemin = os.path.join(tempfile.mkdtemp(), "a'; touch pris; '\x03touch pris\ntouch pris\n")
+        self.deposer(chemin)
+        touches("ctrl+c")
+        taper("touch apres\n")
+        self.attendre_le_fichier(application, "apres")
+        self.assertFalse(os.path.exists(self.chemin(application, "pris")))
+        application.quitter()
+
+    def test_trois_chemins_se_suivent_dans_leur_ordre(self):
+        application = self.ouvrir()
+        taper("printf '%s,' ")
+        self.deposer("/tmp/z z", "/tmp/a", "/tmp/m'")
+        taper(" > recu\n")
+        self.contenu(application, "recu", "/tmp/z z,/tmp/a,/tmp/m',")
+        application.quitter()
+
+
+class Edition(Terminal):
+    def test_copier_prend_la_selection_du_terminal_et_coller_y_ecrit(self):
+        application = self.ouvrir()
+        taper("clear; yes mot-copie-du-terminal | head -45; touch ecrit\n")
+        self.attendre_le_fichier(application, "ecrit")
+        souris("mousemove", 110, 400)
+
+        def copier():
+            souris("click", "--repeat", 2, "--delay", 60, 1)
+            touches("ctrl+shift+c")
+            return ecran.presse_papiers() == "mot-copie-du-terminal"
+
+        attendre(copier, quoi="le mot copié")
+        taper("printf %s ")
+        touches("ctrl+shift+v")
+        taper(" > recu\n")
+        self.contenu(application, "recu", "mot-copie-du-terminal")
+        application.quitter()
