@@ -8,6 +8,7 @@ import ecran
 from application import attendre, fenetres, touches
 from cas import Cas
 from glissement import Source, souris
+from notifications import Bus, Service
 
 
 def taper(texte):
@@ -94,4 +95,27 @@ class Edition(Terminal):
         touches("ctrl+shift+v")
         taper(" > recu\n")
         self.contenu(application, "recu", "mot-copie-du-terminal")
+        application.quitter()
+
+
+class Notifications(Terminal):
+    def test_un_terminal_qui_sonne_dans_l_ombre_previent_une_fois_et_un_clic_l_ouvre(self):
+        bus = Bus(self)
+        service = Service(self, bus)
+        application = self.ouvrir(variables=bus.variables)
+        taper("QUI=premier; sleep 2; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
+        touches("ctrl+shift+t")
+        taper("QUI=second; touch qui-$QUI\n")
+        self.attendre_le_fichier(application, "qui-second")
+        appel = service.attendre_les_appels(1)
+        self.assertEqual(appel[3], "Terminal 1")
+        self.attendre_le_fichier(application, "sonne")
+        service.ordonner(signal=["ActionInvoked", 101, "default"])
+
+        def chez_le_premier():
+            taper("touch qui-$QUI\n")
+            return os.path.exists(self.chemin(application, "qui-premier"))
+
+        attendre(chez_le_premier, quoi="le premier terminal au clavier")
+        self.assertEqual(len(service.appels()), 1)
         application.quitter()

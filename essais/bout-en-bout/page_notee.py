@@ -11,7 +11,8 @@ def code(corps):
     page = ("<!doctype html><title>Notes</title><meta charset=utf-8><meta name=keltrove-jeton content=x>"
             "<style>html, body { height: 100%; margin: 0; background: #2b8a3e }</style>"
             "<script>let suite = Promise.resolve(); function noter(objet) {"
-            "suite = suite.then(() => fetch('/note', {method: 'POST', body: JSON.stringify(objet)})); }</script>" + corps)
+            "const envoyer = () => fetch('/note', {method: 'POST', body: JSON.stringify(objet)}).catch(envoyer);"
+            "suite = suite.then(envoyer); }</script>" + corps)
     return SERVEUR + f"""
         http.createServer((q, r) => {{
           if (q.url !== '/note') return q.url === '/' ? (r.setHeader('content-type', 'text/html'), r.end({json.dumps(page)}))
