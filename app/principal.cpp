@@ -3,6 +3,7 @@
 #include "app/ChargeurBureau.hpp"
 #include "app/ModeExecution.hpp"
 #include "socle/Executable.hpp"
+#include "verification/VerificationCode.hpp"
 
 #include <csignal>
 #include <cstdlib>
@@ -31,6 +32,11 @@ int finirSur(std::string phrase) {
   return EXIT_FAILURE;
 }
 
+int verifier(const app::ModeVerification& mode) {
+  const auto resultat = verification::VerificationCode::verifier(mode.dossier, mode.cheminCle);
+  return resultat.ok ? EXIT_SUCCESS : finirSur(resultat.message);
+}
+
 int ouvrirLeBureau(int argc, char** argv) {
   const auto executable = socle::cheminDeLExecutable().value_or(argv[0]);
   const auto lancer = app::chargerLeBureau(executable);
@@ -47,7 +53,6 @@ int main(int argc, char** argv) {
   const char* cle = std::getenv("KELTROVE_MAJ_CLE");
   const auto mode = app::choisirLeMode(std::vector<std::string>(argv, argv + argc),
                                        cle != nullptr ? std::optional<std::string>(cle) : std::nullopt);
-  if (std::holds_alternative<app::ModeVerification>(mode))
-    return finirSur("Cette version de Keltrove ne sait pas encore vérifier un inventaire.");
+  if (const auto* verification = std::get_if<app::ModeVerification>(&mode)) return verifier(*verification);
   return ouvrirLeBureau(argc, argv);
 }

@@ -10,7 +10,7 @@ abandonner() {
 }
 
 paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libwebkitgtk-6.0-dev
-  libcurl4-openssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
+  libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
 paquets_ecran=(xvfb openbox imagemagick)
 paquets_essais=(libgtest-dev xdotool xclip x11-xkb-utils at-spi2-core python3 python3-gi gir1.2-atspi-2.0

@@ -78,6 +78,16 @@ bool estUTF8(std::string_view octets) {
   return true;
 }
 
+std::string enUTF8(std::string_view octets) {
+  std::string texte;
+  while (!octets.empty()) {
+    const auto lu = premier(octets);
+    texte += lu.point < 0 ? std::string_view("\ufffd") : octets.substr(0, lu.octets);
+    octets.remove_prefix(lu.octets);
+  }
+  return texte;
+}
+
 std::string_view rogner(std::string_view texte) {
   return rognerSelon(texte, estBlanc);
 }

@@ -14,6 +14,9 @@ namespace keltrove::socle {
 
 bool estUTF8(std::string_view octets);
 
+// Les mêmes octets s’ils sont en UTF-8 ; sinon, chaque octet fautif devient U+FFFD.
+std::string enUTF8(std::string_view octets);
+
 // Retire des deux bouts les blancs et les fins de ligne : catégories Z*, U+0009 à U+000D, U+0085.
 std::string_view rogner(std::string_view texte);
 

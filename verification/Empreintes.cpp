@@ -1,0 +1,133 @@
+#include "verification/Empreintes.hpp"
+
+#include "verification/Memoire.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <future>
+#include <string_view>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <openssl/evp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace keltrove::verification {
+namespace {
+
+constexpr std::size_t morceau = 1024UL * 1024;
+constexpr auto options = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+
+class Descripteur {
+public:
+  explicit Descripteur(int numero) : numero_(numero) {}
+  Descripteur(const Descripteur&) = delete;
+  Descripteur& operator=(const Descripteur&) = delete;
+  ~Descripteur() {
+    if (numero_ >= 0) ::close(numero_);
+  }
+  int numero() const { return numero_; }
+
+private:
+  int numero_;
+};
+
+bool lireExactement(int descripteur, char* ou, std::size_t nombre) {
+  while (nombre > 0) {
+    const auto lus = ::read(descripteur, ou, nombre);
+    if (lus < 0 && errno == EINTR) continue;
+    if (lus <= 0) return false;
+    ou += lus;
+    nombre -= static_cast<std::size_t>(lus);
+  }
+  return true;
+}
+
+bool estALaFin(int descripteur) {
+  char octet = 0;
+  return ::read(descripteur, &octet, 1) == 0;
+}
+
+} // namespace
+
+void Empreintes::Rendre::operator()(evp_md_ctx_st* contexte) const {
+  EVP_MD_CTX_free(contexte);
+}
+void Empreintes::Rendre::operator()(evp_md_st* algorithme) const {
+  EVP_MD_free(algorithme);
+}
+
+Empreintes::Empreintes(const std::string& dossier)
+    : dossier_(::open(dossier.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+      algorithme_(EVP_MD_fetch(nullptr, "SHA256", nullptr)), contexte_(EVP_MD_CTX_new()), place_(morceau) {}
+
+Empreintes::~Empreintes() {
+  if (dossier_ >= 0) ::close(dossier_);
+}
+
+std::optional<std::string> Empreintes::calculer(const std::string& chemin) {
+  const Descripteur fichier(ouvrir(chemin));
+  struct stat etat{};
+  if (fichier.numero() < 0 || ::fstat(fichier.numero(), &etat) != 0 || !S_ISREG(etat.st_mode))
+    return std::nullopt;
+  std::array<unsigned char, EVP_MAX_MD_SIZE> empreinte{};
+  unsigned int longueur = 0;
+  if (EVP_DigestInit_ex2(contexte_.get(), algorithme_.get(), nullptr) != 1 ||
+      !ajouterToutLeFichier(fichier.numero(), static_cast<std::size_t>(etat.st_size)) ||
+      EVP_DigestFinal_ex(contexte_.get(), empreinte.data(), &longueur) != 1)
+    return std::nullopt;
+  std::string texte;
+  for (unsigned int i = 0; i < longueur; ++i)
+    fmt::format_to(std::back_inserter(texte), "{:02x}", empreinte[i]);
+  return texte;
+}
+
+// Un chemin plus long que le système n’en prend se suit par étapes.
+int Empreintes::ouvrir(const std::string& chemin) const {
+  std::string_view reste = chemin;
+  std::optional<Descripteur> etape;
+  const auto ici = [&] { return etape ? etape->numero() : dossier_; };
+  while (reste.size() >= PATH_MAX) {
+    const auto barre = reste.rfind('/', PATH_MAX - 1);
+    if (barre == std::string_view::npos) return -1;
+    const std::string debut(reste.substr(0, barre));
+    const int suivant = ::openat(ici(), debut.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    etape.emplace(suivant);
+    reste.remove_prefix(barre + 1);
+  }
+  const std::string fin(reste);
+  struct stat etat{};
+  // Ouvrir un périphérique peut agir sur lui : on regarde avant d’ouvrir, et encore après.
+  if (::fstatat(ici(), fin.c_str(), &etat, 0) != 0 || !S_ISREG(etat.st_mode)) return -1;
+  return ::openat(ici(), fin.c_str(), options);
+}
+
+// Le morceau suivant se lit pendant que le précédent se condense.
+bool Empreintes::ajouterToutLeFichier(int descripteur, std::size_t taille) {
+  if (taille <= morceau)
+    return lireExactement(descripteur, place_.data(), taille) && ajouter(place_.data(), taille) &&
+           estALaFin(descripteur);
+  const Memoire memoire(taille);
+  if (memoire.octets() == nullptr) return false;
+  const auto lire = [&](std::size_t debut) {
+    return lireExactement(descripteur, memoire.octets() + debut, std::min(morceau, taille - debut));
+  };
+  if (!lire(0)) return false;
+  for (std::size_t debut = 0; debut < taille; debut += morceau) {
+    const auto suivant = debut + morceau;
+    auto lecture = suivant < taille ? std::async(lire, suivant) : std::future<bool>();
+    const bool condense = ajouter(memoire.octets() + debut, std::min(morceau, taille - debut));
+    if ((lecture.valid() && !lecture.get()) || !condense) return false;
+  }
+  return estALaFin(descripteur);
+}
+
+bool Empreintes::ajouter(const char* octets, std::size_t nombre) {
+  return EVP_DigestUpdate(contexte_.get(), octets, nombre) == 1;
+}
+
+} // namespace keltrove::verification

@@ -1,0 +1,42 @@
+// Empreintes : l’empreinte SHA-256 (FIPS 180-4) des fichiers d’un dossier.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct evp_md_ctx_st;
+struct evp_md_st;
+
+namespace keltrove::verification {
+
+class Empreintes {
+public:
+  explicit Empreintes(const std::string& dossier);
+  Empreintes(const Empreintes&) = delete;
+  Empreintes& operator=(const Empreintes&) = delete;
+  ~Empreintes();
+
+  // Soixante-quatre chiffres hexadécimaux minuscules. Rien si ce n’est pas un fichier ordinaire, s’il ne peut
+  // être lu, s’il ne tient pas en mémoire ou s’il change de taille pendant la lecture. Les liens sont suivis.
+  std::optional<std::string> calculer(const std::string& chemin);
+
+private:
+  struct Rendre {
+    void operator()(evp_md_ctx_st* contexte) const;
+    void operator()(evp_md_st* algorithme) const;
+  };
+
+  int ouvrir(const std::string& chemin) const;
+  bool ajouterToutLeFichier(int descripteur, std::size_t taille);
+  bool ajouter(const char* octets, std::size_t nombre);
+
+  int dossier_;
+  std::unique_ptr<evp_md_st, Rendre> algorithme_;
+  std::unique_ptr<evp_md_ctx_st, Rendre> contexte_;
+  std::vector<char> place_; // pour les petits fichiers, l’un après l’autre
+};
+
+} // namespace keltrove::verification

@@ -1,0 +1,20 @@
+#include "verification/Inventaire.hpp"
+
+#include <nlohmann/json.hpp>
+
+namespace keltrove::verification {
+
+std::optional<Inventaire> lireInventaire(std::string_view octets) {
+  const auto json = nlohmann::json::parse(octets, nullptr, /* exceptions */ false);
+  if (!json.is_object()) return std::nullopt;
+  const auto fichiers = json.find("fichiers");
+  if (fichiers == json.end() || !fichiers->is_object()) return std::nullopt;
+  Inventaire inventaire;
+  for (const auto& [chemin, empreinte] : fichiers->items()) {
+    if (!empreinte.is_string()) return std::nullopt;
+    inventaire.emplace_hint(inventaire.end(), chemin, empreinte.get_ref<const std::string&>());
+  }
+  return inventaire;
+}
+
+} // namespace keltrove::verification
