@@ -2,12 +2,8 @@
 
 #include "verification/Memoire.hpp"
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <climits>
-#include <cstdint>
-#include <future>
 #include <string_view>
 
 #include <fcntl.h>
@@ -19,7 +15,7 @@
 namespace keltrove::verification {
 namespace {
 
-constexpr std::size_t morceau = 1024UL * 1024;
+constexpr std::size_t petitFichier = 1024UL * 1024;
 constexpr auto options = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
 class Descripteur {
@@ -36,20 +32,12 @@ private:
   int numero_;
 };
 
-bool lireExactement(int descripteur, char* ou, std::size_t nombre) {
-  while (nombre > 0) {
-    const auto lus = ::read(descripteur, ou, nombre);
-    if (lus < 0 && errno == EINTR) continue;
-    if (lus <= 0) return false;
-    ou += lus;
-    nombre -= static_cast<std::size_t>(lus);
-  }
-  return true;
-}
-
-bool estALaFin(int descripteur) {
+// Ni raccourci ni allongé pendant la lecture. Certains fichiers du système se disent vides et ne le sont pas.
+bool faitBien(int descripteur, std::size_t taille) {
+  struct stat etat{};
   char octet = 0;
-  return ::read(descripteur, &octet, 1) == 0;
+  return ::fstat(descripteur, &etat) == 0 && static_cast<std::size_t>(etat.st_size) == taille &&
+         ::pread(descripteur, &octet, 1, etat.st_size) == 0;
 }
 
 } // namespace
@@ -63,7 +51,8 @@ void Empreintes::Rendre::operator()(evp_md_st* algorithme) const {
 
 Empreintes::Empreintes(const std::string& dossier)
     : dossier_(::open(dossier.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-      algorithme_(EVP_MD_fetch(nullptr, "SHA256", nullptr)), contexte_(EVP_MD_CTX_new()), place_(morceau) {}
+      algorithme_(EVP_MD_fetch(nullptr, "SHA256", nullptr)), contexte_(EVP_MD_CTX_new()),
+      place_(petitFichier) {}
 
 Empreintes::~Empreintes() {
   if (dossier_ >= 0) ::close(dossier_);
@@ -106,28 +95,16 @@ int Empreintes::ouvrir(const std::string& chemin) const {
   return ::openat(ici(), fin.c_str(), options);
 }
 
-// Le morceau suivant se lit pendant que le précédent se condense.
 bool Empreintes::ajouterToutLeFichier(int descripteur, std::size_t taille) {
-  if (taille <= morceau)
-    return lireExactement(descripteur, place_.data(), taille) && ajouter(place_.data(), taille) &&
-           estALaFin(descripteur);
-  const Memoire memoire(taille);
-  if (memoire.octets() == nullptr) return false;
-  const auto lire = [&](std::size_t debut) {
-    return lireExactement(descripteur, memoire.octets() + debut, std::min(morceau, taille - debut));
-  };
-  if (!lire(0)) return false;
-  for (std::size_t debut = 0; debut < taille; debut += morceau) {
-    const auto suivant = debut + morceau;
-    auto lecture = suivant < taille ? std::async(lire, suivant) : std::future<bool>();
-    const bool condense = ajouter(memoire.octets() + debut, std::min(morceau, taille - debut));
-    if ((lecture.valid() && !lecture.get()) || !condense) return false;
-  }
-  return estALaFin(descripteur);
+  if (taille > place_.size())
+    return Memoire(descripteur, taille).confier([this](auto octets) { return ajouter(octets); }) &&
+           faitBien(descripteur, taille);
+  const std::span octets(place_.data(), taille);
+  return lireExactement(descripteur, octets) && ajouter(octets) && faitBien(descripteur, taille);
 }
 
-bool Empreintes::ajouter(const char* octets, std::size_t nombre) {
-  return EVP_DigestUpdate(contexte_.get(), octets, nombre) == 1;
+bool Empreintes::ajouter(std::span<const char> octets) {
+  return EVP_DigestUpdate(contexte_.get(), octets.data(), octets.size()) == 1;
 }
 
 } // namespace keltrove::verification

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ private:
 
   int ouvrir(const std::string& chemin) const;
   bool ajouterToutLeFichier(int descripteur, std::size_t taille);
-  bool ajouter(const char* octets, std::size_t nombre);
+  bool ajouter(std::span<const char> octets);
 
   int dossier_;
   std::unique_ptr<evp_md_st, Rendre> algorithme_;

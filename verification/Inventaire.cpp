@@ -5,6 +5,8 @@
 namespace keltrove::verification {
 
 std::optional<Inventaire> lireInventaire(std::string_view octets) {
+  // La bibliothèque prendrait un octet nul pour la fin du texte ; le JSON n’en admet nulle part.
+  if (octets.find('\0') != std::string_view::npos) return std::nullopt;
   const auto json = nlohmann::json::parse(octets, nullptr, /* exceptions */ false);
   if (!json.is_object()) return std::nullopt;
   const auto fichiers = json.find("fichiers");

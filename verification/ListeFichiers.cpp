@@ -14,7 +14,7 @@ namespace keltrove::verification {
 namespace {
 
 constexpr std::size_t niveauxMaximaux = 4000;
-constexpr std::size_t dossiersMaximaux = 1'000'000;
+constexpr std::size_t dossiersMaximaux = 100'000;
 
 struct FermerDossier {
   void operator()(DIR* dossier) const { ::closedir(dossier); }

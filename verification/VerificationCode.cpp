@@ -2,12 +2,12 @@
 
 #include "socle/Fichiers.hpp"
 #include "socle/Texte.hpp"
-#include "verification/Base64.hpp"
 #include "verification/ClePublique.hpp"
 #include "verification/Empreintes.hpp"
 #include "verification/Inventaire.hpp"
 #include "verification/ListeFichiers.hpp"
 #include "verification/OrdreCanonique.hpp"
+#include "verification/Signature.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -26,10 +26,9 @@ constexpr std::size_t signatureMaximale = 64UL * 1024;
 
 using Defaut = std::optional<std::string>;
 
-std::optional<std::string> lireSignature(const std::string& chemin) {
+std::optional<std::string> chargerSignature(const std::string& chemin) {
   const auto texte = socle::lireFichier(chemin, signatureMaximale);
-  if (!texte || !socle::estUTF8(*texte)) return std::nullopt;
-  return decoderBase64(socle::rogner(*texte));
+  return texte ? lireSignature(*texte) : std::nullopt;
 }
 
 // Les textes de `a` qui ne sont pas dans `b`, toutes deux triées par octets.
@@ -68,7 +67,7 @@ Defaut chercherUnDefaut(const std::string& dossier, const std::string& cheminCle
   const auto cheminSignature = socle::ajouterComposant(dossier, "inventaire.sig");
   const auto octets = socle::lireFichier(cheminInventaire, inventaireMaximal);
   if (!octets) return "inventaire absent : " + cheminInventaire;
-  const auto signature = lireSignature(cheminSignature);
+  const auto signature = chargerSignature(cheminSignature);
   if (!signature) return "signature absente ou illisible : " + cheminSignature;
   const auto cle = chargerClePublique(cheminClePublique);
   if (!cle) return "clé publique illisible : " + cheminClePublique;
