@@ -37,6 +37,9 @@ dire "Essais du serveur…"
 
 if [ $rapide = non ]; then
   construire libcxx -DKELTROVE_STRICT=ON
+  construire fuzz -DKELTROVE_STRICT=ON
+  dire "Entrées cherchées au hasard, trente secondes chacune…"
+  "$racine/essais/fuzz/lancer.sh" 30
   for prereglage in asan tsan; do
     construire "$prereglage" -DKELTROVE_BUREAU=OFF
     essais_unitaires "$prereglage"

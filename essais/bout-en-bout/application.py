@@ -78,6 +78,7 @@ class Application:
         os.makedirs(self.ressources)
         for nom in ("keltrove", "libkeltrove-bureau.so"):
             shutil.copy(os.path.join(CONSTRUCTION, nom), self.racine)
+        self.executable = os.path.join(self.racine, "keltrove")
         self.port = port_libre()
         self.regler(self.port)
         self.variables = variables or {}
@@ -111,7 +112,7 @@ class Application:
         if self.porte is not None:
             self.poser("demarrer-keltrove.sh", self.porte, executable=True)
         self.lignes.clear()
-        self.processus = subprocess.Popen([os.path.join(self.racine, "keltrove")], text=True,
+        self.processus = subprocess.Popen([self.executable], text=True,
                                           env=self.environnement(), stderr=subprocess.PIPE, start_new_session=True)
         threading.Thread(target=self.ecouter, args=(self.processus.stderr,), daemon=True).start()
         return self
