@@ -13,7 +13,8 @@ const PATIENCE = 15_000;
 // Une maison neuve par essai, au nom malcommode exprès.
 export async function preparerMaison(t, { port } = {}) {
   const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
-  t.after(() => rmSync(maison, { recursive: true, force: true }));
+  // Un interpréteur qui finit peut encore y écrire son historique.
+  t.after(() => rmSync(maison, { recursive: true, force: true, maxRetries: 5 }));
   const cache = join(maison, '.zelcor');
   mkdirSync(cache, { mode: 0o700 });
   const choisi = port ?? (await trouverUnPort());

@@ -38,6 +38,14 @@ export class Onglets {
     }
   }
 
+  // Une marque discrète : ce terminal attend l’utilisateur.
+  marquer(id, oui) {
+    const onglet = this.#onglets.get(id);
+    if (!onglet || onglet.classList.contains('attend') === oui) return;
+    onglet.classList.toggle('attend', oui);
+    nommer(onglet, onglet.querySelector('.choisir').textContent);
+  }
+
   prendreLeFocus() {
     this.#rangee.querySelector('.choisi .choisir')?.focus();
   }
@@ -110,6 +118,7 @@ function nommer(onglet, nom) {
   const choisir = onglet.querySelector('.choisir');
   choisir.textContent = nom;
   choisir.title = nom;
+  choisir.ariaLabel = onglet.classList.contains('attend') ? `${nom}, vous attend` : nom;
   const fermer = onglet.querySelector('.fermer');
   fermer.setAttribute('aria-label', `Fermer « ${nom} »`);
   fermer.title = 'Fermer';

@@ -8,7 +8,8 @@ const TAILLE_D_UN_ENVOI = 64 * 1024;
 Terminal.strings.promptLabel = 'Saisie du terminal';
 Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne à ligne';
 
-// Le panneau d’un terminal. Les call-backs donnés : quandSaisie(texte), quandTaille(taille), quandLu(nombre), quandTouche(evenement).
+// Le panneau d’un terminal. Les call-backs donnés : quandSaisie(texte), quandTaille(taille), quandLu(nombre),
+// quandSonnerie(), quandTouche(evenement).
 export class VueTerminal {
   panneau = document.createElement('section');
   #terminal;
@@ -33,6 +34,8 @@ export class VueTerminal {
     this.#terminal.loadAddon(this.#ajustement);
     this.#terminal.attachCustomKeyEventHandler((evenement) => !quand.quandTouche(evenement));
     this.#terminal.onData((texte) => this.#saisir(texte));
+    // Ce qui a sonné jadis ne sonne plus.
+    this.#terminal.onBell(() => this.#rejoue || quand.quandSonnerie());
     this.#terminal.onResize(({ cols, rows }) => quand.quandTaille({ colonnes: cols, lignes: rows }));
   }
 

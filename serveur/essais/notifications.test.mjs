@@ -1,0 +1,112 @@
+import assert from 'node:assert/strict';
+import { writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+
+// L’application, et une horloge vingt fois plus rapide pour les longues attentes.
+const APPLICATION = `
+  window.recus = [];
+  window.webkit = { messageHandlers: { keltroveNotifications: { postMessage: (m) => recus.push(m) } } };
+  { const vrai = setTimeout; window.setTimeout = (f, d, ...a) => vrai(f, d > 4999 ? d / 20 : d, ...a);
+    const heure = performance.now.bind(performance); performance.now = () => heure() * 20; }`;
+let navigateur;
+
+before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
+after(() => navigateur?.fermer());
+
+async function ouvrirDeux(t) {
+  const page = await PageVue.ouvrir(t, navigateur, { avant: APPLICATION });
+  await page.touche('Ctrl+Maj+T');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
+  const [premier, second] = await page.evaluer('[...document.querySelectorAll(".onglet")].map((o) => o.dataset.terminal)');
+  return { page, premier, second };
+}
+
+// Le terminal attend ce départ : la page a le temps de regarder ailleurs.
+const ATTENDRE = 'until [ -e ~/va ]; do sleep 0.02; done;';
+const donnerLeDepart = (page) => writeFileSync(join(page.maison.maison, 'va'), '');
+
+const choisir = (page, id) => page.evaluer(`document.querySelector('.onglet[data-terminal="${id}"] .choisir').click()`);
+
+test('une sonnerie prévient une fois, marque l’onglet, et le clic y mène', { skip: sansNavigateur }, async (t) => {
+  const { page, premier, second } = await ouvrirDeux(t);
+  await choisir(page, premier);
+  // Regardé, il ne prévient pas : seule la question de l’état est partie.
+  await page.ecrire('printf "\\a"; seq 1000');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/1000\\n\\$ /');
+  assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
+
+  await page.ecrire(`${ATTENDRE} printf "\\a\\a\\a"`);
+  await page.touche('Entrée');
+  await choisir(page, second);
+  donnerLeDepart(page);
+  await page.attendre('recus.length > 1');
+  const nom = await page.evaluer(`document.querySelector('.onglet[data-terminal="${premier}"] .choisir').textContent`);
+  assert.deepEqual(await page.evaluer('recus.slice(1)'), [{ action: 'notifier', id: premier, titre: nom, corps: 'Ce terminal vous appelle.' }]);
+  assert.equal(await page.evaluer(`document.querySelector('.onglet.attend').dataset.terminal`), premier);
+  await page.evaluer(`keltrovePont.ouvrir("${premier}")`);
+  assert.equal(await page.evaluer('document.querySelector(".onglet.choisi").dataset.terminal'), premier);
+  assert.equal(await page.evaluer('document.querySelectorAll(".attend").length'), 0);
+  assert.equal(await page.evaluer('document.activeElement.closest(".panneau").dataset.terminal'), premier);
+  await page.evaluer('keltrovePont.ouvrir("personne")');
+  assert.equal(await page.evaluer('document.querySelector(".onglet.choisi").dataset.terminal'), premier);
+  await page.ecrire('echo encore-la');
+  await page.attendreLeTexte('/encore-la/');
+  assert.deepEqual(page.fautes, []);
+});
+
+test('le silence après une longue sortie prévient ; ce qui est rejoué, non', { skip: sansNavigateur }, async (t) => {
+  const { page, premier, second } = await ouvrirDeux(t);
+  await page.ecrire(`${ATTENDRE} seq 2000; printf "fi%s" n`);
+  await page.touche('Entrée');
+  await choisir(page, premier);
+  donnerLeDepart(page);
+  await page.attendre('recus.length > 1');
+  assert.deepEqual(await page.evaluer('recus.slice(1).map(({ id, corps }) => [id, corps])'), [[second, 'Ce terminal s’est tu et semble vous attendre.']]);
+  await page.recharger();
+  await choisir(page, second);
+  await page.attendreLeTexte('/fin/');
+  await choisir(page, premier);
+  await page.evaluer('new Promise((suite) => setTimeout(suite, 12_000))');
+  assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
+});
+
+test('le panneau des réglages dit l’état, garde le choix et rend le focus', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur, { avant: APPLICATION });
+  await page.touche('Ctrl+Maj+P');
+  await page.attendre('document.querySelector(".reglages").open');
+  const phrases = new Set();
+  for (const [etat, montre] of [['accorde', true], ['refuse', true], ['attente', true], ['absent', false]]) {
+    await page.evaluer(`keltrovePont.etat("${etat}")`);
+    phrases.add(await page.evaluer('document.querySelector(".etat").textContent'));
+    assert.equal(await page.evaluer('document.querySelector(".systeme").checkVisibility()'), montre, etat);
+  }
+  assert.ok(phrases.size === 4 && !phrases.has(''));
+  await page.evaluer('keltrovePont.etat("refuse")');
+  await page.cliquer('.systeme');
+  assert.deepEqual(await page.evaluer('recus.at(-1)'), { action: 'reglages' });
+  await page.cliquer('[name=prevenir]');
+  await page.touche('Échap');
+  await page.attendre('!document.querySelector(".reglages").open');
+  assert.equal(await page.evaluer('document.activeElement.className'), 'xterm-helper-textarea');
+
+  await page.recharger();
+  assert.equal(await page.evaluer('document.querySelector("[name=prevenir]").checked'), false);
+  await page.ecrire(`${ATTENDRE} printf "\\a"`);
+  await page.touche('Entrée');
+  await page.cliquer('.nouveau');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
+  donnerLeDepart(page);
+  await page.attendre('document.querySelector(".onglet.attend")');
+  assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
+});
+
+test('dans un simple navigateur, les réglages disent qu’il faut l’application', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur);
+  await page.cliquer('.regler');
+  assert.match(await page.evaluer('document.querySelector(".etat").textContent'), /demandent l’application/);
+  assert.equal(await page.evaluer('document.querySelector(".systeme").hidden'), true);
+  assert.deepEqual(page.fautes, []);
+});

@@ -1,0 +1,61 @@
+// En millisecondes, sauf la dernière, en caractères.
+export const SILENCE = 10_000;
+const LONGUE_DUREE = 10_000;
+const DELAI_DE_L_ECHO = 400;
+const GROSSE_SORTIE = 1000;
+
+// Ce que xterm répond de lui-même aux programmes : focus, position, nature du terminal.
+const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|[P\]_])/;
+
+// Quand un terminal a-t-il de quoi appeler son utilisateur ? La décision seule : ni page, ni horloge.
+export class Veille {
+  #regarde = false;
+  #annonce = false;
+  #saisi = Infinity;
+  #sourdJusqua = -Infinity;
+  #nonVu = 0;
+  #derniere = null;
+
+  // Ce qui s’affiche sous les yeux de l’utilisateur n’a pas à lui être annoncé.
+  regarder(oui) {
+    this.#regarde = oui;
+    if (oui) this.#oublier();
+  }
+
+  saisir(texte, maintenant) {
+    if (REPONSE_D_OFFICE.test(texte)) return;
+    this.#oublier();
+    this.#saisi = maintenant;
+    this.#sourdJusqua = texte.includes('\r') ? maintenant : maintenant + DELAI_DE_L_ECHO;
+  }
+
+  // Un programme plein écran se redessine : ce n’est rien de neuf.
+  redimensionner(maintenant) {
+    this.#sourdJusqua = maintenant + DELAI_DE_L_ECHO;
+  }
+
+  sortir(nombre, maintenant) {
+    if (this.#regarde || maintenant < this.#sourdJusqua) return;
+    this.#nonVu += nombre;
+    this.#derniere = maintenant;
+  }
+
+  // L’instant où le silence dira quelque chose ; rien quand il ne dira rien.
+  get echeance() {
+    if (this.#annonce || this.#derniere === null) return null;
+    const digne = this.#nonVu >= GROSSE_SORTIE || this.#derniere - this.#saisi >= LONGUE_DUREE;
+    return digne ? this.#derniere + SILENCE : null;
+  }
+
+  // Répond vrai une seule fois, jusqu’à ce que l’utilisateur revienne.
+  annoncer() {
+    if (this.#regarde || this.#annonce) return false;
+    return (this.#annonce = true);
+  }
+
+  #oublier() {
+    this.#annonce = false;
+    this.#nonVu = 0;
+    this.#derniere = null;
+  }
+}
