@@ -1,9 +1,9 @@
 import { spawn } from 'node:child_process';
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, watch, writeFileSync } from 'node:fs';
 import { request } from 'node:http';
 import { createServer } from 'node:net';
 import { tmpdir } from 'node:os';
-import { join } from 'node:path';
+import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import WebSocket from 'ws';
 
@@ -137,6 +137,24 @@ export class Page {
       if (this.accuse) this.envoyer({ type: 'recu', id: message.id, nombre: message.texte.length });
     }
     for (const attente of this.#attentes) attente();
+  }
+}
+
+// Le contenu d’un fichier remplacé en route, dès qu’il convient.
+export async function attendreLeFichier(chemin, convient) {
+  const veilleur = watch(dirname(chemin));
+  try {
+    const lire = () => {
+      const texte = existsSync(chemin) ? readFileSync(chemin, 'utf8') : '';
+      return convient(texte) && texte;
+    };
+    return await borner(new Promise((suite) => {
+      const essayer = () => lire() && suite(lire());
+      veilleur.on('change', essayer);
+      essayer();
+    }), () => `jamais écrit comme voulu : ${chemin}`);
+  } finally {
+    veilleur.close();
   }
 }
 
