@@ -13,14 +13,21 @@ const PATIENCE = 15_000;
 // Une maison neuve par essai, au nom malcommode exprès.
 export async function preparerMaison(t, { port } = {}) {
   const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
-  // Un interpréteur qui finit peut encore y écrire son historique.
-  t.after(() => rmSync(maison, { recursive: true, force: true, maxRetries: 5 }));
+  const serveurs = [];
+  t.after(async () => {
+    for (const { processus, fin } of serveurs) {
+      processus.kill('SIGKILL');
+      await fin;
+    }
+    rmSync(maison, { recursive: true, force: true });
+  });
   const cache = join(maison, '.zelcor');
   mkdirSync(cache, { mode: 0o700 });
   const choisi = port ?? (await trouverUnPort());
   writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
   return {
     maison,
+    serveurs,
     port: choisi,
     cheminCarnet: join(cache, 'keltrove-carnet.json'),
     cheminJeton: join(cache, 'keltrove-jeton'),
@@ -39,14 +46,15 @@ export async function trouverUnPort() {
 }
 
 // Le vrai serveur, prêt : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
-export async function lancer(t, { maison }) {
+export async function lancer(t, { maison, serveurs }) {
   const processus = spawn(process.execPath, ['serveur.mjs'], {
     cwd: DOSSIER_DU_SERVEUR,
-    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8' },
+    // Un interpréteur qui finit après son serveur ne doit plus rien écrire dans la maison.
+    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null' },
     stdio: ['ignore', 'pipe', 'pipe'],
   });
-  t.after(() => processus.kill('SIGKILL'));
   const serveur = { processus, sortie: '', port: null };
+  serveurs.push(serveur);
   serveur.fin = new Promise((suite) => processus.once('close', (code, signal) => suite({ code, signal })));
   processus.stderr.on('data', (octets) => (serveur.sortie += octets));
   const pret = new Promise((suite) => {
