@@ -89,7 +89,11 @@ export class Page {
   terminaux = [];
   textes = new Map();
   derniers = new Map();
+  fins = new Map();
+  recus = 0;
   accuse = true;
+  // Ne garder que la fin de chaque texte : un essai de charge ne tiendrait pas en mémoire.
+  compter = false;
   #socket;
   #attentes = new Set();
 
@@ -111,6 +115,11 @@ export class Page {
   fermer() {
     this.#socket.close();
     return this.fin;
+  }
+
+  // Comme un onglet que le navigateur aurait suspendu : plus rien n’est lu.
+  geler() {
+    this.#socket.pause();
   }
 
   texte(id) {
@@ -141,7 +150,9 @@ export class Page {
     this.derniers.set(message.type, message);
     if (message.terminaux) this.terminaux = message.terminaux;
     if (message.texte !== undefined && message.id) {
-      this.textes.set(message.id, this.texte(message.id) + message.texte);
+      this.recus += message.texte.length;
+      if (this.compter) this.fins.set(message.id, ((this.fins.get(message.id) ?? '') + message.texte).slice(-200));
+      else this.textes.set(message.id, this.texte(message.id) + message.texte);
       if (this.accuse) this.envoyer({ type: 'recu', id: message.id, nombre: message.texte.length });
     }
     for (const attente of this.#attentes) attente();

@@ -8,8 +8,8 @@ const DELAI_DU_JETON = 5000;
 // En caractères envoyés à une page et dont elle n’a pas encore accusé réception.
 const RETARD_HAUT = 256 * 1024;
 const RETARD_BAS = 64 * 1024;
-// En octets, tous terminaux ensemble : au-delà de ce que demande la reprise d’une liste pleine.
-const RETARD_ABANDON = 48 * 1024 * 1024;
+// En octets, tous terminaux ensemble.
+const RETARD_ABANDON = 32 * 1024 * 1024;
 
 const CODE_ARRET = 1001;
 const CODE_ILLISIBLE = 4400;

@@ -4,6 +4,7 @@ export class PageReliee {
   #socket;
   #terminaux;
   #retards = new Map();
+  #reprise = 0;
 
   constructor(socket, terminaux) {
     this.#socket = socket;
@@ -13,6 +14,7 @@ export class PageReliee {
   presenter() {
     this.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage() });
     for (const terminal of this.#terminaux.tous()) this.envoyerDuTexte('reprise', terminal.id, terminal.rejouer());
+    this.#reprise = this.#socket.bufferedAmount;
   }
 
   envoyer(message) {
@@ -28,9 +30,9 @@ export class PageReliee {
     return this.#retards.get(id) ?? 0;
   }
 
-  // Ce que la page n’a pas même lu, en octets : tout cela est dans la mémoire du serveur.
+  // Ce que la page n’a pas même lu, en octets, et que le serveur garde pour elle en plus de la reprise.
   get enAttente() {
-    return this.#socket.bufferedAmount;
+    return this.#socket.bufferedAmount - this.#reprise;
   }
 
   // Sans adieu : un adieu attendrait derrière tout ce que la page n’a pas encore lu.
