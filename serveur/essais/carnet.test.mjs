@@ -1,8 +1,9 @@
 import assert from 'node:assert/strict';
-import { existsSync, mkdirSync, readdirSync, readFileSync, statSync, writeFileSync } from 'node:fs';
+import { chmodSync, existsSync, mkdirSync, readdirSync, readFileSync, statSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { test } from 'node:test';
-import { arreter, lancer, Page, preparerMaison } from './outils.mjs';
+import { Carnet } from '../lib/Carnet.mjs';
+import { arreter, attendreLeFichier, lancer, Page, preparerMaison } from './outils.mjs';
 
 async function lancerAvecUnePage(t, maison) {
   const serveur = await lancer(t, maison);
@@ -68,6 +69,108 @@ for (const abime of ['{"terminaux": [', '[]', '{"terminaux": [{"nom": 3}]}', '']
     assert.equal(serveur.sortie.split('\n').filter((ligne) => ligne.includes('abîmée')).length, 1);
   });
 }
+
+test('après une mort brutale, ordre, groupes et dernières lignes reviennent', async (t) => {
+  const maison = await preparerMaison(t);
+  const { serveur, page } = await lancerAvecUnePage(t, maison);
+  const [{ id: premier }] = page.terminaux;
+  page.envoyer({ type: 'ouvrir', depuis: premier, aCote: true });
+  await page.attendre(() => page.terminaux.length === 2, 'deux terminaux');
+  const { id: second } = page.terminaux[1];
+  page.envoyer({ type: 'deplacer', id: second, rang: 0 });
+  // Tapé, corrigé, coloré : seul compte ce qui se lit à l’écran.
+  page.envoyer({ type: 'saisie', id: premier, texte: "printf '\\033[31mvu-%s\\033[0m\\n' dernierXX\b\b\r" });
+  await page.attendreLeTexte(premier, /vu-dernier\x1b/);
+  const vu = performance.now();
+  await attendreLeFichier(maison.cheminCarnet, (texte) => texte.includes('"vu-dernier"'));
+  assert.ok(performance.now() - vu < 1000, 'la liste suit en moins d’une seconde');
+  await arreter(serveur, 'SIGKILL');
+
+  const { page: seconde } = await lancerAvecUnePage(t, maison);
+  assert.deepEqual(seconde.terminaux.map(({ id }) => id), [second, premier]);
+  assert.equal(seconde.terminaux[0].groupe, seconde.terminaux[1].groupe);
+  await seconde.attendreLeTexte(premier, /vu-dernier\r\n[^]*── fin de la session précédente ──/);
+});
+
+test('un programme plein écran ne chasse pas les lignes d’avant lui', async (t) => {
+  const maison = await preparerMaison(t);
+  const { serveur, page } = await lancerAvecUnePage(t, maison);
+  const [{ id }] = page.terminaux;
+  page.envoyer({ type: 'saisie', id, texte: 'echo avant-$((1 + 1))\r' });
+  await attendreLeFichier(maison.cheminCarnet, (texte) => texte.includes('"avant-2"'));
+  page.envoyer({ type: 'saisie', id, texte: "printf '\\033[?1049hplein-écran-%s' $((1 + 1)); read\r" });
+  await page.attendreLeTexte(id, /plein-écran-2/);
+  await arreter(serveur);
+  const [{ lignes }] = maison.lireLeCarnet();
+  assert.ok(lignes.includes('avant-2') && !lignes.join().includes('plein-écran-2'));
+});
+
+test('les lignes lues dans la liste ne commandent pas au terminal', async (t) => {
+  const maison = await preparerMaison(t);
+  const lignes = ['\x1b]0;pris\x07\x1b[2J\x9b6n', 3, null, { a: 1 }];
+  writeFileSync(maison.cheminCarnet, JSON.stringify({ terminaux: [{ id: 'a1', nom: 'Un', dossier: '/', groupe: '<b>', lignes }] }));
+  const { page } = await lancerAvecUnePage(t, maison);
+  await page.attendreLeTexte('a1', /^\]0;pris\[2J6n\r\n3\r\nnull\r\n\[object Object\]\r\n\x1b\[2m──/);
+  assert.match(page.terminaux[0].groupe, /^[0-9a-f]{12}$/);
+});
+
+test('une liste qu’on ne peut ni lire ni écarter n’est jamais écrasée', () => {
+  const phrases = [];
+  const carnet = new Carnet({ chemin: '/proc/version', version: '1', decrire: () => assert.fail('écrit'), signaler: (phrase) => phrases.push(phrase) });
+  assert.deepEqual(carnet.lire(), { terminaux: [] });
+  carnet.noter();
+  return carnet.clore().then(() => assert.equal(phrases.length, 1));
+});
+
+test('l’avis d’une liste abîmée atteint la première page, une fois', async (t) => {
+  const maison = await preparerMaison(t);
+  writeFileSync(maison.cheminCarnet, '{');
+  const { serveur, page } = await lancerAvecUnePage(t, maison);
+  await page.attendre(() => /mise de côté/.test(page.derniers.get('avis')?.texte), 'l’avis');
+  const seconde = await Page.ouvrir(t, serveur.port, readFileSync(maison.cheminJeton, 'utf8').trim());
+  await seconde.attendre(() => seconde.derniers.has('reprise'), 'la reprise');
+  assert.ok(!seconde.derniers.has('avis'));
+});
+
+for (const [ancienne, attendu] of [['0.0.9', 1], ['0.0', 1], ['0.1.0', 0], ['0.10.0', 0], ['99', 0], [undefined, 0], ['<b>', 0], [3, 0]]) {
+  test(`une liste écrite par la version ${ancienne} ${attendu ? 'annonce' : 'n’annonce pas'} la mise à jour`, async (t) => {
+    const maison = await preparerMaison(t);
+    const liste = { serveur: ancienne, terminaux: [{ id: 'a1', nom: 'Un', dossier: maison.maison }] };
+    writeFileSync(maison.cheminCarnet, JSON.stringify(liste));
+    const serveur = await lancer(t, maison);
+    const messages = serveur.sortie.match(/^MESSAGE=.*$/gm) ?? [];
+    assert.deepEqual(messages, attendu ? ['MESSAGE=Keltrove a été mis à jour : voici la version 0.1.0.'] : []);
+    await arreter(serveur);
+    assert.ok(!(await lancer(t, maison)).sortie.includes('MESSAGE='));
+  });
+}
+
+test('un second serveur lancé pendant l’arrêt prend la place, avec la liste', async (t) => {
+  const maison = await preparerMaison(t);
+  const { serveur, page } = await lancerAvecUnePage(t, maison);
+  const [{ id }] = page.terminaux;
+  page.envoyer({ type: 'renommer', id, nom: 'Passé' });
+  // Sourd au raccrochage, il fait durer l’arrêt.
+  page.envoyer({ type: 'saisie', id, texte: "trap '' HUP; echo pid-$$-; exec sleep 600\r" });
+  const [, pid] = await page.attendreLeTexte(id, /pid-(\d+)-/);
+  t.after(() => existsSync(`/proc/${pid}`) && process.kill(Number(pid), 'SIGKILL'));
+  serveur.processus.kill('SIGTERM');
+  assert.equal(await page.fin, 1001);
+  assert.equal(serveur.processus.exitCode, null);
+  const second = await lancer(t, maison);
+  assert.equal(second.port, maison.port);
+  assert.deepEqual(await serveur.fin, { code: 0, signal: null });
+  assert.deepEqual(maison.lireLeCarnet().map(({ nom }) => nom), ['Passé']);
+});
+
+test('une liste ou un jeton lisibles de tous redeviennent privés', async (t) => {
+  const maison = await preparerMaison(t);
+  writeFileSync(maison.cheminCarnet, '{"terminaux": []}');
+  writeFileSync(maison.cheminJeton, 'connu');
+  for (const chemin of [maison.cheminCarnet, maison.cheminJeton]) chmodSync(chemin, 0o644);
+  await lancer(t, maison);
+  for (const chemin of [maison.cheminCarnet, maison.cheminJeton]) assert.equal(statSync(chemin).mode & 0o777, 0o600);
+});
 
 test('un interpréteur sourd au raccrochage n’empêche pas l’arrêt', async (t) => {
   const maison = await preparerMaison(t);

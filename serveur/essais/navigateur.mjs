@@ -128,6 +128,13 @@ export class PageVue {
     return this.demander('Input.insertText', { text });
   }
 
+  async taper(texte) {
+    for (const text of texte) {
+      await this.demander('Input.dispatchKeyEvent', { type: 'keyDown', text, key: text });
+      await this.demander('Input.dispatchKeyEvent', { type: 'keyUp', key: text });
+    }
+  }
+
   // Comme au clavier : « Ctrl+Maj+F », « Entrée », « Échap ».
   async touche(nom) {
     const parties = nom.split('+');

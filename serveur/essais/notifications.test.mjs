@@ -1,4 +1,6 @@
 import assert from 'node:assert/strict';
+import { writeFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
 
@@ -15,27 +17,31 @@ after(() => navigateur?.fermer());
 
 async function ouvrirDeux(t) {
   const page = await PageVue.ouvrir(t, navigateur, { avant: APPLICATION });
-  await page.ecrire('read; printf "\\a"; read; printf "\\a"; seq 1000');
-  await page.attendreLeTexte('/seq 1000/');
   await page.touche('Ctrl+Maj+T');
-  await page.attendre('document.querySelector(".onglet:last-child.choisi")');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
   const [premier, second] = await page.evaluer('[...document.querySelectorAll(".onglet")].map((o) => o.dataset.terminal)');
   return { page, premier, second };
 }
+
+// Le terminal attend ce départ : la page a le temps de regarder ailleurs.
+const ATTENDRE = 'until [ -e ~/va ]; do sleep 0.02; done;';
+const donnerLeDepart = (page) => writeFileSync(join(page.maison.maison, 'va'), '');
 
 const choisir = (page, id) => page.evaluer(`document.querySelector('.onglet[data-terminal="${id}"] .choisir').click()`);
 
 test('une sonnerie prévient une fois, marque l’onglet, et le clic y mène', { skip: sansNavigateur }, async (t) => {
   const { page, premier, second } = await ouvrirDeux(t);
   await choisir(page, premier);
-  for (let i = 0; i < 3; i += 1) await page.touche('Entrée');
   // Regardé, il ne prévient pas : seule la question de l’état est partie.
+  await page.ecrire('printf "\\a"; seq 1000');
+  await page.touche('Entrée');
   await page.attendreLeTexte('/1000\\n\\$ /');
   assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
 
-  await page.ecrire('sleep 0.2; printf "\\a\\a\\a"');
+  await page.ecrire(`${ATTENDRE} printf "\\a\\a\\a"`);
   await page.touche('Entrée');
   await choisir(page, second);
+  donnerLeDepart(page);
   await page.attendre('recus.length > 1');
   const nom = await page.evaluer(`document.querySelector('.onglet[data-terminal="${premier}"] .choisir').textContent`);
   assert.deepEqual(await page.evaluer('recus.slice(1)'), [{ action: 'notifier', id: premier, titre: nom, corps: 'Ce terminal vous appelle.' }]);
@@ -53,9 +59,10 @@ test('une sonnerie prévient une fois, marque l’onglet, et le clic y mène', {
 
 test('le silence après une longue sortie prévient ; ce qui est rejoué, non', { skip: sansNavigateur }, async (t) => {
   const { page, premier, second } = await ouvrirDeux(t);
-  await page.ecrire('sleep 0.2; seq 2000; printf "fi%s" n');
+  await page.ecrire(`${ATTENDRE} seq 2000; printf "fi%s" n`);
   await page.touche('Entrée');
   await choisir(page, premier);
+  donnerLeDepart(page);
   await page.attendre('recus.length > 1');
   assert.deepEqual(await page.evaluer('recus.slice(1).map(({ id, corps }) => [id, corps])'), [[second, 'Ce terminal s’est tu et semble vous attendre.']]);
   await page.recharger();
@@ -87,9 +94,11 @@ test('le panneau des réglages dit l’état, garde le choix et rend le focus', 
 
   await page.recharger();
   assert.equal(await page.evaluer('document.querySelector("[name=prevenir]").checked'), false);
-  await page.ecrire('sleep 0.2; printf "\\a"');
+  await page.ecrire(`${ATTENDRE} printf "\\a"`);
   await page.touche('Entrée');
   await page.cliquer('.nouveau');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
+  donnerLeDepart(page);
   await page.attendre('document.querySelector(".onglet.attend")');
   assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
 });

@@ -1,9 +1,9 @@
 import { spawn } from 'node:child_process';
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, watch, writeFileSync } from 'node:fs';
 import { request } from 'node:http';
 import { createServer } from 'node:net';
 import { tmpdir } from 'node:os';
-import { join } from 'node:path';
+import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import WebSocket from 'ws';
 
@@ -13,14 +13,21 @@ const PATIENCE = 15_000;
 // Une maison neuve par essai, au nom malcommode exprès.
 export async function preparerMaison(t, { port } = {}) {
   const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
-  // Un interpréteur qui finit peut encore y écrire son historique.
-  t.after(() => rmSync(maison, { recursive: true, force: true, maxRetries: 5 }));
+  const serveurs = [];
+  t.after(async () => {
+    for (const { processus, fin } of serveurs) {
+      processus.kill('SIGKILL');
+      await fin;
+    }
+    rmSync(maison, { recursive: true, force: true });
+  });
   const cache = join(maison, '.zelcor');
   mkdirSync(cache, { mode: 0o700 });
   const choisi = port ?? (await trouverUnPort());
   writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
   return {
     maison,
+    serveurs,
     port: choisi,
     cheminCarnet: join(cache, 'keltrove-carnet.json'),
     cheminJeton: join(cache, 'keltrove-jeton'),
@@ -39,14 +46,15 @@ export async function trouverUnPort() {
 }
 
 // Le vrai serveur, prêt : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
-export async function lancer(t, { maison }) {
+export async function lancer(t, { maison, serveurs }) {
   const processus = spawn(process.execPath, ['serveur.mjs'], {
     cwd: DOSSIER_DU_SERVEUR,
-    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8' },
+    // Un interpréteur qui finit après son serveur ne doit plus rien écrire dans la maison.
+    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null' },
     stdio: ['ignore', 'pipe', 'pipe'],
   });
-  t.after(() => processus.kill('SIGKILL'));
   const serveur = { processus, sortie: '', port: null };
+  serveurs.push(serveur);
   serveur.fin = new Promise((suite) => processus.once('close', (code, signal) => suite({ code, signal })));
   processus.stderr.on('data', (octets) => (serveur.sortie += octets));
   const pret = new Promise((suite) => {
@@ -81,7 +89,11 @@ export class Page {
   terminaux = [];
   textes = new Map();
   derniers = new Map();
+  fins = new Map();
+  recus = 0;
   accuse = true;
+  // Ne garder que la fin de chaque texte : un essai de charge ne tiendrait pas en mémoire.
+  compter = false;
   #socket;
   #attentes = new Set();
 
@@ -103,6 +115,11 @@ export class Page {
   fermer() {
     this.#socket.close();
     return this.fin;
+  }
+
+  // Comme un onglet que le navigateur aurait suspendu : plus rien n’est lu.
+  geler() {
+    this.#socket.pause();
   }
 
   texte(id) {
@@ -133,10 +150,30 @@ export class Page {
     this.derniers.set(message.type, message);
     if (message.terminaux) this.terminaux = message.terminaux;
     if (message.texte !== undefined && message.id) {
-      this.textes.set(message.id, this.texte(message.id) + message.texte);
+      this.recus += message.texte.length;
+      if (this.compter) this.fins.set(message.id, ((this.fins.get(message.id) ?? '') + message.texte).slice(-200));
+      else this.textes.set(message.id, this.texte(message.id) + message.texte);
       if (this.accuse) this.envoyer({ type: 'recu', id: message.id, nombre: message.texte.length });
     }
     for (const attente of this.#attentes) attente();
+  }
+}
+
+// Le contenu d’un fichier remplacé en route, dès qu’il convient.
+export async function attendreLeFichier(chemin, convient) {
+  const veilleur = watch(dirname(chemin));
+  try {
+    const lire = () => {
+      const texte = existsSync(chemin) ? readFileSync(chemin, 'utf8') : '';
+      return convient(texte) && texte;
+    };
+    return await borner(new Promise((suite) => {
+      const essayer = () => lire() && suite(lire());
+      veilleur.on('change', essayer);
+      essayer();
+    }), () => `jamais écrit comme voulu : ${chemin}`);
+  } finally {
+    veilleur.close();
   }
 }
 

@@ -61,7 +61,8 @@ test('l’onglet d’un interpréteur qui finit se ferme, les autres restent', a
   const { page } = await ouvrirUnePage(t);
   const [{ id: premier }] = page.terminaux;
   const deuxieme = await ouvrirUnTerminal(page, { colonnes: 90, lignes: 30 });
-  assert.deepEqual(page.terminaux[1], { id: deuxieme, nom: 'Terminal 2', colonnes: 90, lignes: 30 });
+  const { id, nom, colonnes, lignes } = page.terminaux[1];
+  assert.deepEqual([id, nom, colonnes, lignes], [deuxieme, 'Terminal 2', 90, 30]);
   page.envoyer({ type: 'saisie', id: premier, texte: 'exit\r' });
   await page.attendre(() => page.terminaux.length === 1, 'un seul terminal');
   assert.equal(page.terminaux[0].id, deuxieme);
@@ -73,13 +74,82 @@ test('une demande insensée ne coûte que la liaison, ou rien', async (t) => {
   const insensees = [
     { type: 'inconnu' }, { type: 'saisie', id }, { type: 'saisie', id: 'personne', texte: 'x\r' }, { type: 'taille', id },
     { type: 'taille', id, colonnes: -1, lignes: 1e9 }, { type: 'renommer', id, nom: ' \n' }, { type: 'renommer', id, nom: 3 },
-    { type: 'recu', id, nombre: -5 }, { type: 'fermer', id: null },
+    { type: 'recu', id, nombre: -5 }, { type: 'fermer', id: null }, { type: 'deplacer', id, rang: 7 }, { type: 'deplacer', id, rang: '0' },
+    { type: 'accoler', id }, { type: 'accoler' },
   ];
   for (const message of insensees) page.envoyer(message);
   page.envoyer('pas un message');
   assert.equal(await page.fin, 4400);
   const seconde = await rouvrir();
   assert.deepEqual(seconde.terminaux, page.terminaux);
+});
+
+test('l’onglet suit le titre et le dossier, sauf quand l’utilisateur l’a nommé', async (t) => {
+  const { page, maison } = await ouvrirUnePage(t);
+  const [{ id }] = page.terminaux;
+  const attendreLeNom = (nom) => page.attendre(() => page.terminaux[0].nom === nom, nom);
+  page.envoyer({ type: 'saisie', id, texte: "printf '\\033]0;Éditeur\\a'\r" });
+  await attendreLeNom('Éditeur');
+  page.envoyer({ type: 'renommer', id, nom: 'À moi' });
+  await attendreLeNom('À moi');
+  page.envoyer({ type: 'saisie', id, texte: "printf '\\033]2;Autre\\033\\\\'; mkdir -p 'a b' c; cd 'a b'\r" });
+  await page.attendre(() => page.terminaux[0].dossier === `${maison.maison}/a b`, 'le dossier de l’interpréteur');
+  assert.equal(page.terminaux[0].nom, 'À moi');
+  page.envoyer({ type: 'renommer', id, nom: '' });
+  await attendreLeNom('Autre');
+
+  page.envoyer({ type: 'saisie', id, texte: `printf '\\033]7;file://%s/tmp\\a' "$(hostname)"\r` });
+  await page.attendre(() => page.terminaux[0].dossier === '/tmp', 'le dossier annoncé');
+  page.envoyer({ type: 'saisie', id, texte: 'cd ../c\r' });
+  await page.attendre(() => page.terminaux[0].dossier === `${maison.maison}/c`, 'le dossier plus récent');
+  const neuf = await ouvrirUnTerminal(page, { depuis: id });
+  page.envoyer({ type: 'saisie', id: neuf, texte: 'echo "<$PWD>"\r' });
+  await page.attendreLeTexte(neuf, new RegExp(`<${maison.maison}/c>`));
+});
+
+test('fermer demande d’abord quand un programme tourne', async (t) => {
+  const { page } = await ouvrirUnePage(t);
+  const [{ id: premier }] = page.terminaux;
+  const occupe = await ouvrirUnTerminal(page);
+  page.envoyer({ type: 'saisie', id: occupe, texte: 'sh -c "echo parti-$((1 + 1)); sleep 600; :"\r' });
+  await page.attendreLeTexte(occupe, /parti-2/);
+  page.envoyer({ type: 'fermer', id: occupe });
+  await page.attendre(() => page.derniers.has('occupe'), 'la question');
+  assert.deepEqual(page.derniers.get('occupe'), { type: 'occupe', id: occupe, programme: 'sh' });
+  assert.equal(page.terminaux.length, 2);
+  page.envoyer({ type: 'fermer', id: occupe, certain: true });
+  await page.attendre(() => page.terminaux.length === 1, 'la fermeture');
+  page.envoyer({ type: 'saisie', id: premier, texte: 'sleep 600 & echo fond-$((1 + 1))\r' });
+  await page.attendreLeTexte(premier, /fond-2/);
+  page.envoyer({ type: 'fermer', id: premier });
+  await page.attendre(() => ![undefined, premier].includes(page.terminaux[0]?.id), 'la fermeture sans question');
+});
+
+test('les terminaux se déplacent, et se groupent côte à côte', async (t) => {
+  const { page } = await ouvrirUnePage(t);
+  const [{ id: a }] = page.terminaux;
+  const [b, c] = [await ouvrirUnTerminal(page), await ouvrirUnTerminal(page)];
+  // Les groupes, du premier onglet au dernier : « ab c » montre deux terminaux, puis un.
+  const noms = new Map([[a, 'a'], [b, 'b'], [c, 'c']]);
+  const dessin = () => page.terminaux.map(({ id, groupe }, rang) => (
+    (rang > 0 && page.terminaux[rang - 1].groupe !== groupe ? ' ' : '') + (noms.get(id) ?? 'd')
+  )).join('');
+  const attendreLeDessin = (voulu) => page.attendre(() => dessin() === voulu, voulu);
+  await attendreLeDessin('a b c');
+  page.envoyer({ type: 'deplacer', id: c, rang: 0 });
+  await attendreLeDessin('c a b');
+  page.envoyer({ type: 'accoler', id: a });
+  await attendreLeDessin('ca b');
+  page.envoyer({ type: 'deplacer', id: a, rang: 0 });
+  await attendreLeDessin('ac b');
+  page.envoyer({ type: 'deplacer', id: b, rang: 1 });
+  await attendreLeDessin('abc');
+  page.envoyer({ type: 'deplacer', id: a, rang: 2 });
+  await attendreLeDessin('bca');
+  page.envoyer({ type: 'accoler', id: c });
+  await attendreLeDessin('b c a');
+  page.envoyer({ type: 'ouvrir', depuis: b, aCote: true });
+  await attendreLeDessin('bd c a');
 });
 
 test('un terminal bavard attend la page qui ne suit pas, sans gêner les autres', async (t) => {

@@ -20,7 +20,9 @@ const FICHIERS = [
   ...readdirSync(trouverPage('')).map((nom) => [`/${nom}`, trouverPage(nom)]),
   ['/xterm/xterm.css', trouverModule('@xterm/xterm/css/xterm.css')],
   ['/xterm/xterm.mjs', trouverModule('@xterm/xterm/lib/xterm.mjs')],
-  ['/xterm/addon-fit.mjs', trouverModule('@xterm/addon-fit/lib/addon-fit.mjs')],
+  ...['fit', 'search', 'unicode11', 'web-links'].map((nom) => (
+    [`/xterm/addon-${nom}.mjs`, trouverModule(`@xterm/addon-${nom}/lib/addon-${nom}.mjs`)]
+  )),
 ].filter(([route]) => extname(route) in TYPES);
 
 const ENTETES_COMMUNS = {

@@ -1,31 +1,37 @@
 import { readFileSync, renameSync } from 'node:fs';
 import { basename } from 'node:path';
-import { ecrireAtomiquement } from './fichiers.mjs';
+import { ecrireAtomiquement, rendrePrive } from './fichiers.mjs';
 
 const DELAI_D_ECRITURE = 500;
 
-// La liste des terminaux, gardée d’un lancement à l’autre : noms, ordre et dossiers, jamais ce qui s’y est affiché.
+// La liste des terminaux, gardée d’un lancement à l’autre : noms, ordre, dossiers, voisinages et dernières lignes.
 export class Carnet {
+  quandEcrit = () => {};
   #chemin;
+  #version;
   #decrire;
   #signaler;
   #minuteur = null;
+  #ecriture = Promise.resolve();
   #dernierTexte = null;
+  #enPanne = false;
   #clos = false;
 
-  constructor(chemin, decrire, signaler) {
+  constructor({ chemin, version, decrire, signaler }) {
     this.#chemin = chemin;
+    this.#version = version;
     this.#decrire = decrire;
     this.#signaler = signaler;
   }
 
+  // Les terminaux gardés, et la version du serveur qui les a écrits quand elle est connue.
   lire() {
     let texte;
     try {
       texte = readFileSync(this.#chemin, 'utf8');
+      rendrePrive(this.#chemin);
     } catch (erreur) {
-      if (erreur.code === 'ENOENT') return [];
-      return this.#mettreDeCote();
+      return erreur.code === 'ENOENT' ? { terminaux: [] } : this.#mettreDeCote();
     }
     return comprendre(texte) ?? this.#mettreDeCote();
   }
@@ -36,41 +42,52 @@ export class Carnet {
   }
 
   // À l’arrêt, les terminaux finissent les uns après les autres : la liste ne doit plus les suivre.
-  clore() {
-    this.#ecrire();
+  async clore() {
+    const derniere = this.#clos ? this.#ecriture : this.#ecrire();
     this.#clos = true;
+    await derniere;
   }
 
+  // L’une après l’autre : une description plus ancienne ne doit pas remplacer une plus neuve.
   #ecrire() {
     clearTimeout(this.#minuteur);
     this.#minuteur = null;
-    const texte = `${JSON.stringify({ version: 1, terminaux: this.#decrire() }, null, 2)}\n`;
+    return (this.#ecriture = this.#ecriture.then(() => this.#ecrireUneFois()));
+  }
+
+  async #ecrireUneFois() {
+    const contenu = { version: 1, serveur: this.#version, terminaux: await this.#decrire() };
+    const texte = `${JSON.stringify(contenu, null, 1)}\n`;
     if (texte === this.#dernierTexte) return;
     try {
       ecrireAtomiquement(this.#chemin, texte);
       this.#dernierTexte = texte;
+      this.#enPanne = false;
     } catch (erreur) {
-      this.#signaler(`La liste des terminaux n’a pas pu être écrite : ${erreur.message}`);
+      if (!this.#enPanne) this.#signaler(`La liste des terminaux n’a pas pu être écrite : ${erreur.message}`);
+      this.#enPanne = true;
     }
+    this.quandEcrit();
   }
 
-  // Une liste abîmée peut encore servir à son propriétaire : elle est écartée, pas écrasée.
+  // Une liste abîmée peut encore servir à son propriétaire : elle est écartée, jamais écrasée.
   #mettreDeCote() {
     const ecarte = `${this.#chemin}.abime-${new Date().toISOString().replace(/[:.]/g, '-')}`;
     try {
       renameSync(this.#chemin, ecarte);
       this.#signaler(`La liste des terminaux était abîmée : elle est mise de côté dans « ${basename(ecarte)} ».`);
     } catch (erreur) {
+      this.#clos = true;
       this.#signaler(`La liste des terminaux est abîmée et ne peut pas être mise de côté : ${erreur.message}`);
     }
-    return [];
+    return { terminaux: [] };
   }
 }
 
 function comprendre(texte) {
   try {
-    const { terminaux } = JSON.parse(texte);
-    return Array.isArray(terminaux) && terminaux.every(estUneEntree) ? terminaux : null;
+    const { serveur, terminaux } = JSON.parse(texte);
+    return Array.isArray(terminaux) && terminaux.every(estUneEntree) ? { serveur, terminaux } : null;
   } catch {
     return null;
   }

@@ -8,7 +8,8 @@ const DELAI_DU_JETON = 5000;
 // En caractères envoyés à une page et dont elle n’a pas encore accusé réception.
 const RETARD_HAUT = 256 * 1024;
 const RETARD_BAS = 64 * 1024;
-const RETARD_ABANDON = 8 * 1024 * 1024;
+// En octets, tous terminaux ensemble.
+const RETARD_ABANDON = 32 * 1024 * 1024;
 
 const CODE_ARRET = 1001;
 const CODE_ILLISIBLE = 4400;
@@ -21,6 +22,8 @@ export class Liaison {
   #terminaux;
   #jeton;
   #port;
+  #listeDite = '';
+  #avis = [];
 
   constructor({ terminaux, jeton, port }) {
     this.#terminaux = terminaux;
@@ -36,16 +39,26 @@ export class Liaison {
     this.#portier.handleUpgrade(requete, prise, tete, (socket) => this.#attendreLeJeton(socket));
   }
 
+  // Un titre ou un dossier change sans bruit : on compare.
   diffuserLaListe() {
     const liste = { type: 'liste', terminaux: this.#terminaux.pourLaPage() };
+    const dite = JSON.stringify(liste);
+    if (dite === this.#listeDite) return;
+    this.#listeDite = dite;
     for (const page of this.#pages) page.envoyer(liste);
+  }
+
+  // Une seule fois : aux pages ouvertes, sinon à la première qui viendra.
+  aviser(texte) {
+    if (this.#pages.size === 0) this.#avis.push(texte);
+    for (const page of this.#pages) page.envoyer({ type: 'avis', texte });
   }
 
   diffuserLaSortie(id, texte) {
     for (const page of this.#pages) {
       page.envoyerDuTexte('sortie', id, texte);
       // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte.
-      if (page.retard(id) > RETARD_ABANDON) page.couper();
+      if (page.enAttente > RETARD_ABANDON) page.couper();
     }
     this.#reglerLeDebit(id);
   }
@@ -78,6 +91,7 @@ export class Liaison {
     socket.on('close', () => this.#quitter(page));
     page.presenter();
     this.#pages.add(page);
+    for (const texte of this.#avis.splice(0)) this.aviser(texte);
   }
 
   #quitter(page) {

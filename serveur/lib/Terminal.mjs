@@ -1,42 +1,50 @@
 import { spawn } from '@lydell/node-pty';
-import { accessSync, constants, readlinkSync, statSync } from 'node:fs';
+import { readFileSync, readlinkSync, statSync } from 'node:fs';
+import { basename } from 'node:path';
+import { Annonces } from './Annonces.mjs';
+import { lireLesDernieresLignes, rejouerLesLignes } from './dernieresLignes.mjs';
+import { argumentsDeLInterpreteur, environnement, interpreteur } from './interpreteur.mjs';
 import { maison } from './reglages.mjs';
 import { Tampon } from './Tampon.mjs';
 
-// Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé.
-const VARIABLES_OTEES = [
-  'COLUMNS', 'LINES', 'STY', 'TERMCAP', 'TERM_PROGRAM', 'TERM_PROGRAM_VERSION',
-  'TMUX', 'TMUX_PANE', 'VTE_VERSION', 'WINDOW', 'WINDOWID',
-];
+// Bien plus que les lignes gardées : des lignes longues, ou très colorées, y tiennent encore.
+const SORTIE_RELUE = 40_000;
 
 // Un interpréteur de commandes dans son pseudo-terminal, et de quoi le montrer de nouveau à une page qui se recharge.
 export class Terminal {
   id;
   nom;
+  groupe;
   quandSortie = () => {};
   quandFin = () => {};
   #pty;
+  #interpreteur = interpreteur();
   #dossier;
+  #dossierLu = null;
+  #annonces = new Annonces();
   #tampon = new Tampon();
+  #dernieresLignes = [];
+  #lignesPerimees = true;
+  #aParle = false;
   #fini = false;
   #suspendu = false;
 
   // Lève une exception quand le système ne donne plus de pseudo-terminal.
-  constructor({ id, nom, dossier, colonnes, lignes }) {
+  constructor({ id, nom, groupe, dossier, colonnes, lignes, lignesPassees }) {
     this.id = id;
     this.nom = nom;
+    this.groupe = groupe;
     this.#dossier = estUnDossier(dossier) ? dossier : maison();
-    this.#pty = spawn(interpreteur(), argumentsDeLInterpreteur(), {
+    this.#tampon.ajouter(rejouerLesLignes(lignesPassees));
+    this.#pty = spawn(this.#interpreteur, argumentsDeLInterpreteur(), {
       name: 'xterm-256color',
       cols: borner(colonnes, 2, 80),
       rows: borner(lignes, 1, 24),
       cwd: this.#dossier,
       env: environnement(),
     });
-    this.#pty.onData((texte) => {
-      this.#tampon.ajouter(texte);
-      this.quandSortie(texte);
-    });
+    this.#annonces.quandDossier = (chemin) => this.#noterLeDossier(chemin);
+    this.#pty.onData((texte) => this.#quandTexte(texte));
     this.#pty.onExit(() => {
       this.#fini = true;
       this.quandFin();
@@ -51,17 +59,30 @@ export class Terminal {
     return this.#pty.rows;
   }
 
-  // Le dossier où se trouve l’interpréteur, ou le dernier connu là où le système ne le dit pas.
+  get titre() {
+    return this.#annonces.titre;
+  }
+
+  // Le dernier dossier connu : celui qu’un programme annonce, ou celui où l’interpréteur vient d’aller.
   get dossier() {
-    if (process.platform === 'linux' && !this.#fini) {
-      try {
-        const lu = readlinkSync(`/proc/${this.#pty.pid}/cwd`);
-        if (estUnDossier(lu)) this.#dossier = lu;
-      } catch {
-        // L’interpréteur vient de finir : le dernier dossier connu convient.
-      }
-    }
+    const lu = this.#lireLeDossier();
+    if (lu !== this.#dossierLu && estUnDossier(lu)) this.#dossier = lu;
+    this.#dossierLu = lu;
     return this.#dossier;
+  }
+
+  // Le programme au premier plan, quand ce n’est pas l’interpréteur qui attend une ligne.
+  get programme() {
+    if (this.#fini) return null;
+    const nom = basename(this.#pty.process).replace(/^-/, '');
+    return nom === basename(this.#interpreteur) && this.#tientLePremierPlan() ? null : nom;
+  }
+
+  async dernieresLignes() {
+    if (!this.#lignesPerimees) return this.#dernieresLignes;
+    this.#lignesPerimees = false;
+    const lues = await lireLesDernieresLignes(this.#tampon.rejouer(SORTIE_RELUE), this);
+    return (this.#dernieresLignes = lues ?? this.#dernieresLignes);
   }
 
   rejouer() {
@@ -94,6 +115,42 @@ export class Terminal {
     this.#pty.kill('SIGHUP');
     this.#pty.destroy();
   }
+
+  #quandTexte(texte) {
+    this.#aParle = true;
+    this.#lignesPerimees = true;
+    this.#tampon.ajouter(texte);
+    this.#annonces.lire(texte);
+    this.quandSortie(texte);
+  }
+
+  #noterLeDossier(chemin) {
+    if (!estUnDossier(chemin)) return;
+    this.#dossierLu = this.#lireLeDossier();
+    this.#dossier = chemin;
+  }
+
+  // Avant sa première parole, l’interpréteur n’est peut-être pas encore dans son dossier.
+  #lireLeDossier() {
+    if (this.#fini || !this.#aParle) return this.#dossierLu;
+    return lireProc(() => readlinkSync(`/proc/${this.#pty.pid}/cwd`), this.#dossierLu);
+  }
+
+  #tientLePremierPlan() {
+    // Après le nom, qui peut contenir n’importe quoi : état, père, groupe, session, terminal, groupe au premier plan.
+    const etat = lireProc(() => readFileSync(`/proc/${this.#pty.pid}/stat`, 'utf8'), '');
+    const champs = etat.slice(etat.lastIndexOf(')') + 2).split(' ');
+    return champs.length < 6 || champs[2] === champs[5];
+  }
+}
+
+// Hors de Linux, ou quand l’interpréteur vient de finir, le système ne dit rien.
+function lireProc(lire, defaut) {
+  try {
+    return lire();
+  } catch {
+    return defaut;
+  }
 }
 
 function borner(valeur, minimum, defaut) {
@@ -106,29 +163,4 @@ function estUnDossier(chemin) {
   } catch {
     return false;
   }
-}
-
-function interpreteur() {
-  return [process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
-}
-
-function estExecutable(chemin) {
-  try {
-    accessSync(chemin, constants.X_OK);
-    return true;
-  } catch {
-    return false;
-  }
-}
-
-// Chaque système a son usage : sous macOS un terminal ouvre une session, ailleurs la session a déjà tout préparé.
-function argumentsDeLInterpreteur() {
-  return process.platform === 'darwin' ? ['-l'] : [];
-}
-
-function environnement() {
-  const gardees = Object.entries(process.env).filter(
-    ([nom]) => !VARIABLES_OTEES.includes(nom) && !nom.startsWith('KELTROVE_'),
-  );
-  return { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor' };
 }

@@ -4,12 +4,13 @@ import { Terminal } from './Terminal.mjs';
 const MAXIMUM = 50;
 const LONGUEUR_DES_NOMS = 60;
 const DUREE_D_UN_VRAI_USAGE = 1000;
+const NOM_D_OFFICE = /^Terminal \d+$/;
 
 // Les terminaux ouverts, dans l’ordre des onglets. Il en reste toujours un, sauf pendant l’arrêt.
+// Ceux qui se suivent et sont du même groupe se montrent côte à côte.
 export class Terminaux {
   quandSortie = () => {};
   quandListeChange = () => {};
-  quandLigneSaisie = () => {};
   #liste = [];
   #arret = null;
 
@@ -18,23 +19,25 @@ export class Terminaux {
   }
 
   restaurer(entrees) {
-    for (const entree of entrees) this.ouvrir(entree);
+    for (const { id, nom, dossier, groupe, lignes } of entrees) {
+      this.ouvrir({ id, nom, dossier, groupe: estUnId(groupe) ? groupe : nouvelId(), lignesPassees: lignes });
+    }
     if (this.nombre === 0) this.ouvrir();
   }
 
   // Rend le terminal, ou rien quand il n’y a plus de place ici ou dans le système.
-  ouvrir({ id, nom, ...reste } = {}) {
+  ouvrir({ id, nom, groupe = nouvelId(), apres = this.#liste.at(-1), ...reste } = {}) {
     if (this.#arret || this.nombre >= MAXIMUM) return null;
     let terminal;
     try {
-      terminal = new Terminal({ ...reste, id: this.#choisirUnId(id), nom: nettoyer(nom) || this.#choisirUnNom() });
+      terminal = new Terminal({ ...reste, groupe, id: this.#choisirUnId(id), nom: nettoyer(nom) || this.#choisirUnNom() });
     } catch {
       return null;
     }
     const naissance = performance.now();
     terminal.quandSortie = (texte) => this.quandSortie(terminal.id, texte);
     terminal.quandFin = () => this.#quandTerminalFini(terminal, performance.now() - naissance);
-    this.#liste.push(terminal);
+    this.#liste.splice(this.#liste.indexOf(apres) + 1, 0, terminal);
     this.quandListeChange();
     return terminal;
   }
@@ -47,17 +50,36 @@ export class Terminaux {
     if (this.nombre === 0) this.ouvrir();
   }
 
+  // Un nom vide rend le terminal au titre que l’interpréteur lui donne.
   renommer(id, nom) {
     const terminal = this.trouver(id);
-    const propre = nettoyer(nom);
-    if (!terminal || !propre || propre === terminal.nom) return;
-    terminal.nom = propre;
+    if (!terminal || typeof nom !== 'string') return;
+    terminal.nom = nettoyer(nom) || this.#choisirUnNom();
     this.quandListeChange();
   }
 
-  saisir(id, texte) {
-    this.trouver(id)?.saisir(texte);
-    if (texte.includes('\r')) this.quandLigneSaisie();
+  deplacer(id, rang) {
+    const terminal = this.trouver(id);
+    if (!terminal || !Number.isInteger(rang) || rang < 0 || rang >= this.nombre) return;
+    const autres = this.#liste.filter((autre) => autre !== terminal);
+    const [avant, apres] = [autres[rang - 1]?.groupe, autres[rang]?.groupe];
+    // Posé au milieu d’un groupe, il en est ; loin du sien, il le quitte.
+    if (avant !== undefined && avant === apres) terminal.groupe = avant;
+    else if (terminal.groupe !== avant && terminal.groupe !== apres) terminal.groupe = nouvelId();
+    autres.splice(rang, 0, terminal);
+    this.#liste = autres;
+    this.quandListeChange();
+  }
+
+  // Seul, le terminal se range à côté de son voisin ; déjà à côté d’un autre, il reprend toute la place.
+  accoler(id) {
+    const rang = this.#liste.findIndex((terminal) => terminal.id === id);
+    if (rang < 0) return;
+    const terminal = this.#liste[rang];
+    const voisins = [this.#liste[rang - 1], this.#liste[rang + 1]].filter(Boolean);
+    const accole = voisins.some(({ groupe }) => groupe === terminal.groupe);
+    terminal.groupe = accole ? nouvelId() : voisins[0]?.groupe ?? terminal.groupe;
+    this.quandListeChange();
   }
 
   trouver(id) {
@@ -69,11 +91,16 @@ export class Terminaux {
   }
 
   pourLaPage() {
-    return this.#liste.map(({ id, nom, colonnes, lignes }) => ({ id, nom, colonnes, lignes }));
+    return this.#liste.map(({ id, nom, titre, groupe, dossier, colonnes, lignes }) => (
+      { id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes }
+    ));
   }
 
   pourLeCarnet() {
-    return this.#liste.map(({ id, nom, dossier }) => ({ id, nom, dossier }));
+    return Promise.all(this.#liste.map(async (terminal) => {
+      const { id, nom, groupe, dossier } = terminal;
+      return { id, nom, groupe, dossier, lignes: await terminal.dernieresLignes() };
+    }));
   }
 
   // Tenue quand tous les interpréteurs ont fini ; l’appelant décide combien de temps il attend.
@@ -101,8 +128,7 @@ export class Terminaux {
 
   // Un identifiant gardé au carnet laisse la page retrouver son onglet après un redémarrage.
   #choisirUnId(souhaite) {
-    const convient = /^[\w-]{1,64}$/.test(souhaite ?? '') && !this.trouver(souhaite);
-    return convient ? souhaite : randomBytes(6).toString('hex');
+    return estUnId(souhaite) && !this.trouver(souhaite) ? souhaite : nouvelId();
   }
 
   #choisirUnNom() {
@@ -111,6 +137,14 @@ export class Terminaux {
     while (pris.has(`Terminal ${numero}`)) numero += 1;
     return `Terminal ${numero}`;
   }
+}
+
+function nouvelId() {
+  return randomBytes(6).toString('hex');
+}
+
+function estUnId(valeur) {
+  return typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
 }
 
 function nettoyer(nom) {

@@ -38,17 +38,31 @@ function allumer(serveur, port) {
   creerDossierCache();
   const jeton = lireOuCreerJeton();
   const terminaux = new Terminaux();
-  const carnet = new Carnet(join(dossierCache(), 'keltrove-carnet.json'), () => terminaux.pourLeCarnet(), dire);
   const liaison = new Liaison({ terminaux, jeton, port });
   const accueil = new Accueil({ port, jeton, version, compterLesTerminaux: () => terminaux.nombre });
 
-  terminaux.quandSortie = (id, texte) => liaison.diffuserLaSortie(id, texte);
+  const carnet = new Carnet({
+    chemin: join(dossierCache(), 'keltrove-carnet.json'),
+    version,
+    decrire: () => terminaux.pourLeCarnet(),
+    signaler(phrase) {
+      dire(phrase);
+      liaison.aviser(phrase);
+    },
+  });
+
+  terminaux.quandSortie = (id, texte) => {
+    liaison.diffuserLaSortie(id, texte);
+    carnet.noter();
+  };
   terminaux.quandListeChange = () => {
     carnet.noter();
     liaison.diffuserLaListe();
   };
-  terminaux.quandLigneSaisie = () => carnet.noter();
-  terminaux.restaurer(carnet.lire());
+  carnet.quandEcrit = () => liaison.diffuserLaListe();
+  const garde = carnet.lire();
+  if (estPlusRecente(version, garde.serveur)) dire(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
+  terminaux.restaurer(garde.terminaux);
 
   serveur.on('request', (requete, reponse) => accueil.repondre(requete, reponse));
   serveur.on('upgrade', (requete, prise, tete) => liaison.accueillir(requete, prise, tete));
@@ -59,8 +73,9 @@ async function eteindre(allume) {
   if (!allume) process.exit(0);
   if (allume.enArret) return;
   allume.enArret = true;
-  // La liste d’abord : dès que les interpréteurs raccrochent, leurs dossiers de travail ne se lisent plus.
-  allume.carnet.clore();
+  // La liste d’abord : dès que les interpréteurs raccrochent, leurs dossiers de travail ne se lisent plus ; et le
+  // serveur qui prendrait le port aussitôt libre doit la trouver entière.
+  await allume.carnet.clore();
   allume.serveur.close();
   allume.liaison.fermer();
   await Promise.race([
@@ -68,4 +83,9 @@ async function eteindre(allume) {
     new Promise((suite) => setTimeout(suite, DELAI_DES_ADIEUX)),
   ]);
   process.exit(0);
+}
+
+function estPlusRecente(version, ancienne) {
+  if (!/^\d+(\.\d+)*$/.test(ancienne)) return false;
+  return version.localeCompare(ancienne, 'fr', { numeric: true }) > 0;
 }

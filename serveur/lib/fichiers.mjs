@@ -1,5 +1,5 @@
 import { randomBytes } from 'node:crypto';
-import { closeSync, fsyncSync, openSync, renameSync, rmSync, writeFileSync } from 'node:fs';
+import { chmodSync, closeSync, fsyncSync, openSync, renameSync, rmSync, statSync, writeFileSync } from 'node:fs';
 
 // Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu.
 export function ecrireAtomiquement(chemin, texte) {
@@ -17,4 +17,9 @@ export function ecrireAtomiquement(chemin, texte) {
     rmSync(provisoire, { force: true });
     throw erreur;
   }
+}
+
+// Copié ou restauré, un fichier peut revenir lisible de tous.
+export function rendrePrive(chemin) {
+  if ((statSync(chemin).mode & 0o077) !== 0) chmodSync(chemin, 0o600);
 }

@@ -2,7 +2,7 @@ import { randomBytes } from 'node:crypto';
 import { mkdirSync, readFileSync } from 'node:fs';
 import { userInfo } from 'node:os';
 import { join } from 'node:path';
-import { ecrireAtomiquement } from './fichiers.mjs';
+import { ecrireAtomiquement, rendrePrive } from './fichiers.mjs';
 
 const PORT_PAR_DEFAUT = 7777;
 
@@ -40,6 +40,7 @@ export function lireOuCreerJeton() {
 
 function lireJeton(chemin) {
   try {
+    rendrePrive(chemin);
     return readFileSync(chemin, 'utf8').trim();
   } catch (erreur) {
     if (erreur.code === 'ENOENT') return '';

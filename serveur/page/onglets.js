@@ -1,6 +1,9 @@
 const modele = document.querySelector('#modele-onglet');
 
-// La rangée d’onglets. Les call-backs donnés : quandChoisi(id), quandRenomme(id, nom), quandFerme(id), quandQuitte().
+const SEUIL_DU_GLISSER = 6;
+
+// La rangée d’onglets. Les call-backs donnés : quandChoisi(id), quandRenomme(id, nom), quandDeplace(id, rang),
+// quandFerme(id), quandQuitte().
 export class Onglets {
   #rangee;
   #quand;
@@ -20,11 +23,15 @@ export class Onglets {
       this.#onglets.delete(id);
       onglet.remove();
     }
-    for (const [rang, { id, nom }] of descriptions.entries()) {
+    const focus = this.#rangee.contains(document.activeElement) && document.activeElement;
+    for (const [rang, { id, nom, groupe, dossier }] of descriptions.entries()) {
       const onglet = this.#onglets.get(id) ?? this.#creer(id);
-      nommer(onglet, nom);
+      nommer(onglet, nom, dossier);
+      onglet.classList.toggle('joint', descriptions[rang - 1]?.groupe === groupe);
       if (this.#rangee.children[rang] !== onglet) this.#rangee.insertBefore(onglet, this.#rangee.children[rang] ?? null);
     }
+    // Changer de place ôte le focus.
+    if (focus) focus.focus();
   }
 
   choisir(idChoisi) {
@@ -43,7 +50,7 @@ export class Onglets {
     const onglet = this.#onglets.get(id);
     if (!onglet || onglet.classList.contains('attend') === oui) return;
     onglet.classList.toggle('attend', oui);
-    nommer(onglet, onglet.querySelector('.choisir').textContent);
+    direLAttente(onglet);
   }
 
   prendreLeFocus() {
@@ -57,6 +64,7 @@ export class Onglets {
     choisir.setAttribute('aria-controls', `panneau-${id}`);
     choisir.addEventListener('click', () => this.#quand.quandChoisi(id));
     choisir.addEventListener('dblclick', () => this.#renommer(id));
+    choisir.addEventListener('pointerdown', (evenement) => evenement.button === 0 && this.#glisser(onglet, evenement));
     onglet.querySelector('.fermer').addEventListener('click', () => this.#quand.quandFerme(id));
     onglet.dataset.terminal = id;
     this.#onglets.set(id, onglet);
@@ -75,10 +83,45 @@ export class Onglets {
       Delete: () => this.#quand.quandFerme(onglet.dataset.terminal),
       Escape: () => this.#quand.quandQuitte(),
     };
-    const geste = gestes[evenement.key];
-    if (!geste || evenement.ctrlKey || evenement.altKey || evenement.metaKey) return;
+    const deplacements = {
+      ArrowLeft: () => this.#deplacer(onglet, -1),
+      ArrowRight: () => this.#deplacer(onglet, 1),
+    };
+    const { key, ctrlKey, shiftKey, altKey, metaKey } = evenement;
+    const geste = ctrlKey && shiftKey ? deplacements[key] : !ctrlKey && gestes[key];
+    if (!geste || altKey || metaKey) return;
     evenement.preventDefault();
     geste();
+  }
+
+  #deplacer(onglet, pas) {
+    const rang = this.#rangDe(onglet) + pas;
+    if (rang >= 0 && rang < this.#rangee.children.length) this.#quand.quandDeplace(onglet.dataset.terminal, rang);
+  }
+
+  #rangDe(onglet) {
+    return [...this.#rangee.children].indexOf(onglet);
+  }
+
+  // L’onglet suit la souris dans la rangée ; le serveur n’apprend que la place où elle le laisse.
+  #glisser(onglet, { clientX: depart }) {
+    const ancien = this.#rangDe(onglet);
+    const ecoutes = new AbortController();
+    const suivre = ({ clientX }) => {
+      if (Math.abs(clientX - depart) > SEUIL_DU_GLISSER) onglet.classList.add('glisse');
+      if (!onglet.classList.contains('glisse')) return;
+      const autres = [...this.#rangee.children].filter((autre) => autre !== onglet);
+      const suivant = autres.find((autre) => clientX < milieu(autre)) ?? null;
+      if (suivant !== onglet.nextElementSibling) this.#rangee.insertBefore(onglet, suivant);
+    };
+    const finir = () => {
+      ecoutes.abort();
+      onglet.classList.remove('glisse');
+      const rang = this.#rangDe(onglet);
+      if (rang >= 0 && rang !== ancien) this.#quand.quandDeplace(onglet.dataset.terminal, rang);
+    };
+    addEventListener('pointermove', suivre, { signal: ecoutes.signal });
+    for (const nom of ['pointerup', 'pointercancel']) addEventListener(nom, finir, { signal: ecoutes.signal });
   }
 
   #renommer(id) {
@@ -103,7 +146,8 @@ export class Onglets {
       const nom = champ.value.trim();
       champ.remove();
       bouton.hidden = false;
-      if (valider && nom) this.#quand.quandRenomme(id, nom);
+      // Vide, le nom redevient celui que l’interpréteur donne ; inchangé, il ne doit pas s’y figer.
+      if (valider && nom !== bouton.textContent) this.#quand.quandRenomme(id, nom);
     };
     champ.addEventListener('blur', () => finir(true));
     champ.addEventListener('keydown', ({ key, isComposing }) => {
@@ -114,11 +158,21 @@ export class Onglets {
   }
 }
 
-function nommer(onglet, nom) {
+function milieu(onglet) {
+  const { left, width } = onglet.getBoundingClientRect();
+  return left + width / 2;
+}
+
+function direLAttente(onglet) {
+  const choisir = onglet.querySelector('.choisir');
+  choisir.ariaLabel = choisir.textContent + (onglet.classList.contains('attend') ? ', vous attend' : '');
+}
+
+function nommer(onglet, nom, dossier) {
   const choisir = onglet.querySelector('.choisir');
   choisir.textContent = nom;
-  choisir.title = nom;
-  choisir.ariaLabel = onglet.classList.contains('attend') ? `${nom}, vous attend` : nom;
+  choisir.title = `${nom}\n${dossier}`;
+  direLAttente(onglet);
   const fermer = onglet.querySelector('.fermer');
   fermer.setAttribute('aria-label', `Fermer « ${nom} »`);
   fermer.title = 'Fermer';

@@ -1,5 +1,6 @@
 const CLE = 'keltrove-reglages';
-const PAR_DEFAUT = { prevenir: true };
+export const CORPS = 14;
+const PAR_DEFAUT = { corps: CORPS, lecteur: false, prevenir: true };
 
 const PHRASES = {
   accorde: 'Les notifications sont autorisées.',
@@ -35,7 +36,7 @@ export class Reglages {
   }
 
   changer(nom, valeur) {
-    this.#valeurs = { ...this.#valeurs, [nom]: valeur };
+    this.#valeurs = verifier({ ...this.#valeurs, [nom]: valeur });
     localStorage.setItem(CLE, JSON.stringify(this.#valeurs));
     this.#montrer();
     this.#quandChange(this.#valeurs);
@@ -60,8 +61,14 @@ function valeurDe(champ) {
 
 function lire() {
   try {
-    return { ...PAR_DEFAUT, ...JSON.parse(localStorage.getItem(CLE)) };
+    return verifier({ ...PAR_DEFAUT, ...JSON.parse(localStorage.getItem(CLE)) });
   } catch {
     return PAR_DEFAUT;
   }
+}
+
+// Un corps de zéro, écrit par mégarde, ne laisserait plus rien voir pour le corriger.
+function verifier({ corps, lecteur, prevenir }) {
+  const entier = Number.isInteger(corps) ? Math.min(Math.max(corps, 8), 32) : CORPS;
+  return { corps: entier, lecteur: lecteur === true, prevenir: prevenir === true };
 }

@@ -1,3 +1,10 @@
+// Les seize couleurs, dans l’ordre où les programmes les numérotent.
+const NOMS = ['black', 'red', 'green', 'yellow', 'blue', 'magenta', 'cyan', 'white'];
+const nommer = (couleurs) => Object.fromEntries(couleurs.map((couleur, rang) => {
+  const nom = NOMS[rang % 8];
+  return [rang < 8 ? nom : `bright${nom[0].toUpperCase()}${nom.slice(1)}`, couleur];
+}));
+
 const SOMBRE = {
   background: '#0e1116',
   foreground: '#d8dee6',
@@ -7,22 +14,10 @@ const SOMBRE = {
   scrollbarSliderBackground: '#ffffff1f',
   scrollbarSliderHoverBackground: '#ffffff33',
   scrollbarSliderActiveBackground: '#ffffff47',
-  black: '#47505e',
-  red: '#f2777a',
-  green: '#7fc98b',
-  yellow: '#e0b867',
-  blue: '#78aef5',
-  magenta: '#c79bf0',
-  cyan: '#63c6cf',
-  white: '#c3cad4',
-  brightBlack: '#77818f',
-  brightRed: '#ff9a9c',
-  brightGreen: '#a0e0aa',
-  brightYellow: '#f2d08c',
-  brightBlue: '#a3c9fb',
-  brightMagenta: '#dcbdf8',
-  brightCyan: '#93dde3',
-  brightWhite: '#f3f5f8',
+  ...nommer([
+    '#47505e', '#f2777a', '#7fc98b', '#e0b867', '#78aef5', '#c79bf0', '#63c6cf', '#c3cad4',
+    '#77818f', '#ff9a9c', '#a0e0aa', '#f2d08c', '#a3c9fb', '#dcbdf8', '#93dde3', '#f3f5f8',
+  ]),
 };
 
 const CLAIR = {
@@ -34,22 +29,18 @@ const CLAIR = {
   scrollbarSliderBackground: '#00000024',
   scrollbarSliderHoverBackground: '#0000003d',
   scrollbarSliderActiveBackground: '#00000057',
-  black: '#1d2129',
-  red: '#b3261e',
-  green: '#1d6b34',
-  yellow: '#7d5500',
-  blue: '#1c55b3',
-  magenta: '#7a36ad',
-  cyan: '#0b6470',
-  white: '#5f6672',
-  brightBlack: '#6a717d',
-  brightRed: '#c5352c',
-  brightGreen: '#23803f',
-  brightYellow: '#8f6300',
-  brightBlue: '#2767d0',
-  brightMagenta: '#8f47c6',
-  brightCyan: '#0e7784',
-  brightWhite: '#3a404a',
+  ...nommer([
+    '#1d2129', '#b3261e', '#1d6b34', '#7d5500', '#1c55b3', '#7a36ad', '#0b6470', '#5f6672',
+    '#6a717d', '#c5352c', '#23803f', '#8f6300', '#2767d0', '#8f47c6', '#0e7784', '#3a404a',
+  ]),
+};
+
+// Lisibles sous du texte clair comme sous du texte sombre.
+export const TROUVAILLES = {
+  matchBackground: '#8a6d1f',
+  activeMatchBackground: '#c8871a',
+  matchOverviewRuler: '#8a6d1f',
+  activeMatchColorOverviewRuler: '#c8871a',
 };
 
 const preference = matchMedia('(prefers-color-scheme: light)');

@@ -1,42 +1,53 @@
 import { FitAddon } from '/xterm/addon-fit.mjs';
+import { SearchAddon } from '/xterm/addon-search.mjs';
+import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
+import { WebLinksAddon } from '/xterm/addon-web-links.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
-import { apparenceDuTerminal } from '/themes.js';
+import { apparenceDuTerminal, TROUVAILLES } from '/themes.js';
 
 // Un message trop gros serait refusé par le serveur ; un grand collage part donc en plusieurs.
 const TAILLE_D_UN_ENVOI = 64 * 1024;
+const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
 
 Terminal.strings.promptLabel = 'Saisie du terminal';
 Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne à ligne';
 
 // Le panneau d’un terminal. Les call-backs donnés : quandSaisie(texte), quandTaille(taille), quandLu(nombre),
-// quandSonnerie(), quandTouche(evenement).
+// quandSonnerie(), quandFocus(), quandLien(adresse ou rien), quandTrouve({ resultIndex, resultCount }).
 export class VueTerminal {
   panneau = document.createElement('section');
   #terminal;
   #ajustement = new FitAddon();
+  #recherche = new SearchAddon();
   #quand;
   #rejoue = false;
 
-  constructor({ colonnes, lignes }, quand) {
+  constructor({ id, colonnes, lignes }, { corps, lecteur }, quand) {
     this.#quand = quand;
-    this.panneau.className = 'panneau';
-    this.panneau.setAttribute('role', 'tabpanel');
-    this.panneau.hidden = true;
+    this.#preparerLePanneau(id);
+    const survol = { hover: (_, adresse) => quand.quandLien(lireLeLien(adresse)), leave: () => quand.quandLien(null) };
     this.#terminal = new Terminal({
       ...apparenceDuTerminal(),
       cols: colonnes,
       rows: lignes,
       fontFamily: '"DejaVu Sans Mono", "Liberation Mono", Menlo, monospace',
-      fontSize: 14,
-      scrollback: 5000,
-      linkHandler: { activate: (_, adresse) => proposerLeLien(adresse) },
+      fontSize: corps,
+      screenReaderMode: lecteur,
+      scrollback: 10_000,
+      // Le choix de largeurs des caractères et les trouvailles surlignées ne sont ouverts qu’à ce prix.
+      allowProposedApi: true,
+      linkHandler: { activate: ouvrirLeLien, allowNonHttpProtocols: true, ...survol },
     });
-    this.#terminal.loadAddon(this.#ajustement);
-    this.#terminal.attachCustomKeyEventHandler((evenement) => !quand.quandTouche(evenement));
+    for (const ajout of [this.#ajustement, this.#recherche, new Unicode11Addon(), new WebLinksAddon(ouvrirLeLien, survol)]) {
+      this.#terminal.loadAddon(ajout);
+    }
+    // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
+    this.#terminal.unicode.activeVersion = '11';
     this.#terminal.onData((texte) => this.#saisir(texte));
     // Ce qui a sonné jadis ne sonne plus.
     this.#terminal.onBell(() => this.#rejoue || quand.quandSonnerie());
     this.#terminal.onResize(({ cols, rows }) => quand.quandTaille({ colonnes: cols, lignes: rows }));
+    this.#recherche.onDidChangeResults((trouvailles) => quand.quandTrouve(trouvailles));
   }
 
   get taille() {
@@ -46,8 +57,13 @@ export class VueTerminal {
   // Un terminal caché n’a pas de mesures : il n’est posé dans la page, et ajusté, qu’une fois visible.
   montrer() {
     this.panneau.hidden = false;
-    if (!this.#terminal.element) this.#terminal.open(this.panneau);
-    this.ajuster();
+    if (this.#terminal.element) return;
+    this.#terminal.open(this.panneau);
+    // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
+    this.#terminal.textarea.addEventListener('selectstart', (evenement) => {
+      evenement.preventDefault();
+      this.#toutSelectionner();
+    });
   }
 
   cacher() {
@@ -82,6 +98,23 @@ export class VueTerminal {
     this.#terminal.write('', () => this.#terminal.paste(texte));
   }
 
+  // De bas en haut d’abord : ce que l’on cherche vient le plus souvent de passer.
+  chercher(texte, { neuf = false, versLeBas = false } = {}) {
+    if (neuf) this.#terminal.clearSelection();
+    if (versLeBas) this.#recherche.findNext(texte, { decorations: TROUVAILLES });
+    else this.#recherche.findPrevious(texte, { decorations: TROUVAILLES });
+  }
+
+  cesserDeChercher() {
+    this.#recherche.clearDecorations();
+  }
+
+  regler({ corps, lecteur }) {
+    this.#terminal.options.fontSize = corps;
+    this.#terminal.options.screenReaderMode = lecteur;
+    this.ajuster();
+  }
+
   habiller() {
     Object.assign(this.#terminal.options, apparenceDuTerminal());
   }
@@ -89,6 +122,24 @@ export class VueTerminal {
   retirer() {
     this.#terminal.dispose();
     this.panneau.remove();
+  }
+
+  #preparerLePanneau(id) {
+    Object.assign(this.panneau, { id: `panneau-${id}`, className: 'panneau', role: 'tabpanel', hidden: true });
+    this.panneau.setAttribute('aria-labelledby', `onglet-${id}`);
+    this.panneau.dataset.terminal = id;
+    this.panneau.addEventListener('focusin', () => this.#quand.quandFocus());
+    // Pour le navigateur rien n’est sélectionné : sans cela, son « Copier » resterait grisé.
+    this.panneau.addEventListener('beforecopy', (evenement) => this.#terminal.hasSelection() && evenement.preventDefault());
+    new ResizeObserver(() => this.ajuster()).observe(this.panneau);
+  }
+
+  // Jusqu’à la dernière ligne écrite : le reste de l’écran n’est rien à copier.
+  #toutSelectionner() {
+    const tampon = this.#terminal.buffer.active;
+    let fin = tampon.length - 1;
+    while (fin > 0 && tampon.getLine(fin).translateToString(true) === '') fin -= 1;
+    this.#terminal.selectLines(0, fin);
   }
 
   #saisir(texte) {
@@ -108,7 +159,18 @@ function* decouper(texte) {
   }
 }
 
-// L’adresse vient du programme affiché, et son texte peut en cacher une autre : on montre la vraie avant d’ouvrir.
-function proposerLeLien(adresse) {
-  if (confirm(`Ouvrir ce lien ?\n\n${adresse}`)) open(adresse, '_blank', 'noopener');
+// L’adresse vient d’un programme, et son texte peut en cacher une autre : la vraie se montre au survol, et un simple
+// clic, fait pour prendre le focus ou sélectionner, n’ouvre rien.
+function ouvrirLeLien(evenement, adresse) {
+  const lien = lireLeLien(adresse);
+  if (lien && (evenement.ctrlKey || evenement.metaKey)) open(lien, '_blank', 'noopener');
+}
+
+function lireLeLien(adresse) {
+  try {
+    const { protocol, href } = new URL(adresse);
+    return PROTOCOLES_OUVERTS.includes(protocol) ? href : null;
+  } catch {
+    return null;
+  }
 }

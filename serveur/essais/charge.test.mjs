@@ -1,0 +1,50 @@
+import assert from 'node:assert/strict';
+import { existsSync, readFileSync } from 'node:fs';
+import { after, before, test } from 'node:test';
+import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { lancer, Page, preparerMaison } from './outils.mjs';
+
+const MO = 1024 * 1024;
+let navigateur;
+
+before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
+after(() => navigateur?.fermer());
+
+const memoire = ({ processus }) => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${processus.pid}/status`, 'utf8'))[1]) * 1024;
+
+test('une page gelée ne fait pas grossir le serveur, ni attendre celle qui suit', { skip: !existsSync('/proc/self/status') && 'seul Linux dit la mémoire' }, async (t) => {
+  const maison = await preparerMaison(t);
+  const serveur = await lancer(t, maison);
+  const jeton = readFileSync(maison.cheminJeton, 'utf8').trim();
+  const [vive, gelee] = [await Page.ouvrir(t, serveur.port, jeton), await Page.ouvrir(t, serveur.port, jeton)];
+  await Promise.all([vive, gelee].map((page) => page.attendre(() => page.derniers.has('reprise'), 'la reprise')));
+  const [{ id }] = vive.terminaux;
+  gelee.geler();
+  vive.compter = true;
+  let plusHaut = 0;
+  const veille = setInterval(() => (plusHaut = Math.max(plusHaut, memoire(serveur))), 50);
+  t.after(() => clearInterval(veille));
+  const depart = memoire(serveur);
+  vive.envoyer({ type: 'saisie', id, texte: 'head -c 150000000 /dev/zero | tr "\\0" x; echo; echo fin-$((1 + 1))\r' });
+  await vive.attendre(() => vive.fins.get(id)?.includes('fin-2'), 'la fin');
+  assert.ok(vive.recus > 150_000_000);
+  t.diagnostic(`${Math.round((plusHaut - depart) / MO)} Mo de plus au plus fort`);
+  assert.ok(plusHaut - depart < 250 * MO, `${Math.round((plusHaut - depart) / MO)} Mo de plus`);
+});
+
+test('sous un flot sans fin, la page répond aux touches, ici et dans les autres terminaux', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur);
+  await page.ecrire('yes flot');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/^flot/m');
+  await page.touche('Ctrl+Maj+T');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
+  await page.attendreLeTexte('/\\$ /');
+  await page.ecrire('echo libre-$((1 + 1))');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/libre-2/');
+  await page.touche('Ctrl+Maj+PagePrécédente');
+  await page.touche('Ctrl+c');
+  await page.attendreLeTexte('/\\^C[^]*\\$ /');
+  assert.deepEqual(page.fautes, []);
+});

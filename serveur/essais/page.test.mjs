@@ -1,0 +1,196 @@
+import assert from 'node:assert/strict';
+import { after, before, test } from 'node:test';
+import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { arreter, lancer } from './outils.mjs';
+
+const ONGLETS = '[...document.querySelectorAll(".onglet")]';
+const MONTRES = '[...document.querySelectorAll(".panneau:not([hidden])")].map((p) => p.dataset.terminal)';
+let navigateur;
+
+before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
+after(() => navigateur?.fermer());
+
+const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur, { avant: 'window.ouverts = []; window.open = (...a) => ouverts.push(a);' });
+  await faire(page, t);
+  assert.deepEqual(page.fautes, []);
+});
+
+const NOTER_LA_COPIE = "addEventListener('copy', (e) => { window.copie = e.clipboardData.getData('text/plain'); })";
+// Chromium n’exécute pas cette commande dans une zone vide ; WebKit, si.
+const TOUT_SELECTIONNER = 'document.activeElement.value = " "; document.execCommand("selectAll")';
+
+const lesIds = (page) => page.evaluer(`${ONGLETS}.map((o) => o.dataset.terminal)`);
+const lancerUneLigne = async (page, ligne) => {
+  await page.ecrire(ligne);
+  await page.touche('Entrée');
+};
+const ouvrirEncore = async (page, touche = 'Ctrl+Maj+T') => {
+  const nombre = (await lesIds(page)).length;
+  await page.touche(touche);
+  await page.attendre(`${ONGLETS}.length === ${nombre + 1}`);
+  await page.attendre('document.activeElement.closest(".panneau")?.dataset.terminal === document.querySelector(".onglet.choisi").dataset.terminal');
+  await page.attendreLeTexte('/\\$ /');
+};
+
+essai('taper, voir, recharger, retrouver ; puis redémarrer et retrouver encore', async (page, t) => {
+  await lancerUneLigne(page, 'echo vu-$((20 + 1)); jeu=gardé');
+  await page.attendreLeTexte('/vu-21/');
+  await page.recharger();
+  await page.attendreLeTexte('/vu-21/');
+  await lancerUneLigne(page, 'echo "<$jeu>"');
+  await page.attendreLeTexte('/<gardé>/');
+  await arreter(page.serveur);
+  await page.attendre('document.querySelector(".avis").textContent === "Connexion au serveur perdue"');
+  await lancer(t, page.maison);
+  await page.attendreLeTexte('/vu-21[^]*── fin de la session précédente ──/');
+  await lancerUneLigne(page, 'echo neuf-$((1 + 1))');
+  await page.attendreLeTexte('/neuf-2/');
+});
+
+essai('des terminaux côte à côte, au clavier et à la souris', async (page) => {
+  await ouvrirEncore(page, 'Ctrl+Maj+D');
+  const [premier, second] = await lesIds(page);
+  assert.deepEqual(await page.evaluer(MONTRES), [premier, second]);
+  const [a, b] = [await page.centre(`#panneau-${premier}`), await page.centre(`#panneau-${second}`)];
+  assert.ok(a.x < b.x && a.y === b.y);
+  await page.cliquer(`#panneau-${premier} .xterm-screen`);
+  await page.attendre(`document.querySelector(".onglet.choisi").dataset.terminal === "${premier}"`);
+  await ouvrirEncore(page);
+  assert.equal((await page.evaluer(MONTRES)).length, 1);
+  await page.touche('Ctrl+Maj+B');
+  await page.attendre(`${MONTRES}.length === 3`);
+  await page.touche('Ctrl+Maj+B');
+  await page.attendre(`${MONTRES}.length === 1`);
+  await page.touche('Ctrl+Maj+PagePrécédente');
+  assert.deepEqual(await page.evaluer(MONTRES), [premier, second]);
+  await page.recharger();
+  assert.deepEqual(await page.evaluer(MONTRES), [premier, second]);
+});
+
+essai('réordonner au clavier et à la souris, renommer, puis rendre le nom à l’interpréteur', async (page) => {
+  await ouvrirEncore(page);
+  const [premier, second] = await lesIds(page);
+  await page.touche('Ctrl+Maj+O');
+  await page.touche('Ctrl+Maj+Gauche');
+  await page.attendre(`${ONGLETS}[0].dataset.terminal === "${second}"`);
+  assert.equal(await page.evaluer('document.activeElement.id'), `onglet-${second}`);
+  const [de, vers] = [await page.centre(`#onglet-${second}`), await page.centre(`#onglet-${premier}`)];
+  await page.souris('mousePressed', de.x, de.y);
+  await page.souris('mouseMoved', vers.x + 60, de.y);
+  await page.souris('mouseReleased', vers.x + 60, de.y);
+  await page.recharger();
+  assert.deepEqual(await lesIds(page), [premier, second]);
+
+  await page.touche('Ctrl+Maj+O');
+  await page.touche('F2');
+  await page.ecrire('Mon nom <b>');
+  await page.touche('Entrée');
+  await page.attendre(`document.querySelector("#onglet-${second}").textContent === "Mon nom <b>"`);
+  await lancerUneLigne(page, "printf '\\033]0;Titre\\a'");
+  await page.touche('Ctrl+Maj+O');
+  await page.touche('F2');
+  await page.evaluer('document.querySelector(".renommer").value = ""');
+  await page.touche('Entrée');
+  await page.attendre(`document.querySelector("#onglet-${second}").textContent === "Titre"`);
+});
+
+essai('fermer un terminal occupé demande, et Échap garde tout', async (page) => {
+  await ouvrirEncore(page);
+  await lancerUneLigne(page, 'sh -c "echo go; sleep 600; :"');
+  await page.attendreLeTexte('/^go/m');
+  await page.touche('Ctrl+Maj+K');
+  await page.attendre('document.querySelector(".question").open');
+  assert.match(await page.evaluer('document.querySelector(".question p").textContent'), /^« sh » tourne encore dans « /);
+  await page.touche('Échap');
+  await page.attendre('!document.querySelector(".question").open && document.activeElement.className === "xterm-helper-textarea"');
+  assert.equal((await lesIds(page)).length, 2);
+  await page.touche('Ctrl+Maj+K');
+  await page.attendre('document.querySelector(".question").open');
+  await page.cliquer('.question [value=oui]');
+  await page.attendre(`${ONGLETS}.length === 1`);
+});
+
+essai('chercher compte, remonte, et rend le focus', async (page) => {
+  await lancerUneLigne(page, 'for i in 1 2 3; do echo aiguille$i; done; seq 100');
+  await page.attendreLeTexte('/100\\n\\$ /');
+  await page.touche('Ctrl+Maj+F');
+  await page.ecrire('aiguille');
+  const compte = (voulu) => page.attendre(`document.querySelector(".recherche output").value === "${voulu}"`);
+  await compte('4 sur 4');
+  await page.touche('Entrée');
+  await compte('3 sur 4');
+  await page.touche('Maj+Entrée');
+  await compte('4 sur 4');
+  await page.attendreLeTexte('/aiguille3/');
+  await page.ecrire('absente');
+  await compte('Aucun résultat');
+  await page.touche('Échap');
+  assert.equal(await page.evaluer('document.querySelector(".recherche").hidden && document.activeElement.className'), 'xterm-helper-textarea');
+});
+
+essai('copier, tout sélectionner et coller, comme depuis un menu', async (page) => {
+  await lancerUneLigne(page, 'echo pour-$((1 + 1))-copier');
+  await page.attendreLeTexte('/pour-2-copier\\n\\$ /');
+  await page.evaluer(NOTER_LA_COPIE);
+  const avantCopie = 'document.activeElement.dispatchEvent(new Event("beforecopy", { bubbles: true, cancelable: true }))';
+  assert.equal(await page.evaluer(avantCopie), true);
+  await page.evaluer(TOUT_SELECTIONNER);
+  assert.equal(await page.evaluer(avantCopie), false);
+  await page.touche('Ctrl+Maj+C');
+  assert.match(await page.evaluer('copie'), /^\$ echo pour[^]*\npour-2-copier\n\$ ?\n?$/);
+  await page.evaluer(`{ const d = new DataTransfer(); d.setData('text/plain', 'echo collé\\necho deux');
+    document.activeElement.dispatchEvent(new ClipboardEvent('paste', { clipboardData: d, bubbles: true, cancelable: true })); }`);
+  await page.attendreLeTexte('/\\$ echo collé *\\n(> )?echo deux/');
+  assert.doesNotMatch(await page.texte(), /^collé/m);
+});
+
+essai('les liens s’ouvrent ailleurs, d’un Ctrl+clic, et seulement vers le web ou le courrier', async (page) => {
+  await lancerUneLigne(page, String.raw`clear; printf 'https://exemple.test/a?b=1\n\e]8;;mailto:moi@exemple.test\e\\courrier\e]8;;\e\\\n\e]8;;javascript:alert(1)\e\\piège\e]8;;\e\\\n\e]8;;file:///etc/passwd\e\\fichier\e]8;;\e\\\n'`);
+  await page.attendreLeTexte('/fichier/');
+  const { x, y } = await page.evaluer('(({ x, y }) => ({ x, y }))(document.querySelector(".xterm-rows").getBoundingClientRect())');
+  const hauteur = await page.evaluer('document.querySelector(".xterm-rows > div").getBoundingClientRect().height');
+  const viser = async (rang, modifiers) => {
+    await page.souris('mouseMoved', x + 400, y + hauteur * 12, { buttons: 0 });
+    await page.souris('mouseMoved', x + 12, y + hauteur * (rang + 0.5), { buttons: 0, modifiers });
+    await page.evaluer('new Promise((suite) => requestAnimationFrame(() => setTimeout(suite, 50)))');
+    await page.souris('mousePressed', x + 12, y + hauteur * (rang + 0.5), { modifiers });
+    await page.souris('mouseReleased', x + 12, y + hauteur * (rang + 0.5), { modifiers });
+  };
+  await viser(0, 0);
+  await page.attendre('document.querySelector(".lien").textContent === "Ctrl+clic pour ouvrir https://exemple.test/a?b=1"');
+  assert.deepEqual(await page.evaluer('ouverts'), []);
+  for (const rang of [0, 1, 2, 3]) await viser(rang, 2);
+  assert.deepEqual(await page.evaluer('ouverts'), [
+    ['https://exemple.test/a?b=1', '_blank', 'noopener'], ['mailto:moi@exemple.test', '_blank', 'noopener'],
+  ]);
+});
+
+essai('la taille du texte et le lecteur d’écran se règlent, et restent', async (page) => {
+  const corps = 'getComputedStyle(document.querySelector(".panneau:not([hidden]) .xterm-rows")).fontSize';
+  await page.touche('Ctrl+Maj+Plus');
+  await page.touche('Ctrl+Maj+Plus');
+  await page.attendre(`${corps} === "16px"`);
+  await page.touche('Ctrl+Maj+P');
+  await page.cliquer('[name=lecteur]');
+  await page.touche('Échap');
+  await page.taper('echo relu-$((1 + 1))\r');
+  await page.attendre('/relu-2/.test(document.querySelector(".xterm-accessibility").textContent)');
+  await page.recharger();
+  assert.equal(await page.evaluer(corps), '16px');
+  assert.ok(await page.evaluer('document.querySelector(".xterm-accessibility") !== null'));
+});
+
+essai('dix mille lignes en arrière, les couleurs, les larges et les composés', async (page) => {
+  await lancerUneLigne(page, 'seq 12000; printf "\\e[38;2;1;2;3mvrai\\e[0m 日本🎉e\\u0301|\\n"');
+  await page.attendreLeTexte('/^vrai/m');
+  const mesures = await page.evaluer(`(() => { const s = [...document.querySelectorAll('.xterm-rows span')];
+    const vrai = s.find((e) => e.textContent === 'vrai'); return getComputedStyle(vrai).color; })()`);
+  assert.equal(mesures, 'rgb(1, 2, 3)');
+  await page.evaluer(TOUT_SELECTIONNER);
+  await page.evaluer(NOTER_LA_COPIE);
+  await page.touche('Ctrl+Maj+C');
+  const copie = await page.evaluer('copie');
+  assert.ok(copie.split('\n').length > 10_000);
+  assert.ok(copie.includes('vrai 日本🎉e\u0301|'));
+});

@@ -1,0 +1,29 @@
+export const NOMBRE_DE_LIGNES = 200;
+
+// Le texte, sans couleurs ni curseur, que cette sortie laisse à l’écran ; rien tant qu’un programme occupe l’écran de
+// remplacement, qui disparaîtra avec lui. Seul un vrai terminal sait ce que deviennent les lignes éditées.
+export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
+  const { default: { Terminal } } = await import('@xterm/headless');
+  const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
+  await new Promise((suite) => terminal.write(sortie, suite));
+  const tampon = terminal.buffer.active;
+  const lues = [];
+  for (let rang = 0; rang < tampon.length; rang += 1) {
+    const ligne = tampon.getLine(rang);
+    const suivante = tampon.getLine(rang + 1)?.isWrapped;
+    const texte = ligne.translateToString(!suivante);
+    if (ligne.isWrapped && lues.length > 0) lues.push(lues.pop() + texte);
+    else lues.push(texte);
+  }
+  const rempli = tampon.type === 'normal';
+  terminal.dispose();
+  while (lues.at(-1) === '') lues.pop();
+  return rempli ? lues.slice(-NOMBRE_DE_LIGNES) : null;
+}
+
+// La liste est un fichier : ce qu’on y lit n’a pas le droit de commander au terminal.
+export function rejouerLesLignes(lignes) {
+  if (!Array.isArray(lignes) || lignes.length === 0) return '';
+  const propres = lignes.slice(-NOMBRE_DE_LIGNES).map((ligne) => `${String(ligne).replace(/\p{Cc}/gu, '')}\r\n`);
+  return `${propres.join('')}\x1b[2m── fin de la session précédente ──\x1b[0m\r\n`;
+}
