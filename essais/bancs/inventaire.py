@@ -53,7 +53,8 @@ def verifier(nom):
 
 
 def petits(nombre):
-    return [(f"{i // 100}/{i % 100}", [os.urandom(8192)]) for i in range(nombre)]
+    # Rien n’est gardé en mémoire : un enfant commence avec la pointe de son parent.
+    return ((f"{i // 100}/{i % 100}", [os.urandom(8192)]) for i in range(nombre))
 
 
 un = remplir("un", [("seul", [b"x"])])
