@@ -16,6 +16,7 @@ namespace {
 
 constexpr double delaiSansRienRecevoir = 60.0;
 constexpr double delaiAvantLaSonde = 1.0;
+constexpr double dureeDUnAvis = 6.0;
 
 void imprimerLeNumero(unsigned long numero) {
   const auto ligne = fmt::format("  [keltrove] numero-fenetre {}\n", numero);
@@ -39,6 +40,9 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications&
   vue_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
     pont_.userContentController(canal, corps);
   };
+  vue_.quandUnLienNeSOuvrePas = [this](const std::string& adresse) {
+    afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
+  };
   pont_.vue = [this](const std::string& ligne) { vue_.evaluer(ligne, [](const auto&) {}); };
   pont_.activer = [this] { vue_.mettreDevant(); };
 }
@@ -48,6 +52,7 @@ FenetrePrincipale::~FenetrePrincipale() {
   vue_.quandOnBasculeLeDetail = nullptr;
   vue_.quandOnRecharge = nullptr;
   vue_.quandLaPageEcrit = nullptr;
+  vue_.quandUnLienNeSOuvrePas = nullptr;
   vue_.quandNavigationAvance = nullptr;
   vue_.quandNavigationFinie = nullptr;
   vue_.quandNavigationRatee = nullptr;

@@ -56,6 +56,8 @@ public:
   std::function<void()> quandOnReessaie;
   std::function<void()> quandOnBasculeLeDetail;
   std::function<void()> quandOnRecharge;
+  // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
+  std::function<void(const std::string& adresse)> quandUnLienNeSOuvrePas;
   // Un message de la page : le canal, et son corps en JSON s’il en a un.
   std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 };

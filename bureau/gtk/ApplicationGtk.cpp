@@ -10,7 +10,7 @@ ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
                                std::shared_ptr<socle::BoucleEvenements> boucle,
                                socle::Environnement environnement)
     : Gtk::Application(KELTROVE_IDENTIFIANT, Gio::Application::Flags::NON_UNIQUE),
-      notifications_(std::move(environnement)),
+      environnement_(std::move(environnement)), notifications_(environnement_),
       delegue_(std::make_unique<app::DelegueApplication>(std::move(moteur), std::move(boucle))) {
   delegue_->quandOnVeutQuitter = [this] { demanderLaFermeture(); };
   delegue_->quandOnPeutPartir = [this] { partir(); };
@@ -24,7 +24,7 @@ void ApplicationGtk::on_activate() {
     return;
   }
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
-  fenetre_ = std::make_unique<FenetreGtk>();
+  fenetre_ = std::make_unique<FenetreGtk>(environnement_);
   fenetre_->quandOnFerme = [this] { demanderLaFermeture(); };
   notifications_.applicationDevant = [this] { return fenetre_->is_active(); };
   notifications_.quandUnJetonArrive = [this](const std::string& jeton) { fenetre_->recevoirLeJeton(jeton); };

@@ -24,6 +24,7 @@ private:
   void demanderLaFermeture();
   void partir();
 
+  const socle::Environnement environnement_;
   std::unique_ptr<FenetreGtk> fenetre_;
   NotificationsDBus notifications_;
   // Détruit avant la fenêtre et les notifications, dont il se sert.

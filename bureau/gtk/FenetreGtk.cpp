@@ -1,6 +1,7 @@
 #include "bureau/gtk/FenetreGtk.hpp"
 
 #include "bureau/gtk/CadreMemorise.hpp"
+#include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "bureau/gtk/Style.hpp"
 #include "fenetre/Apparence.hpp"
 
@@ -17,7 +18,7 @@ namespace keltrove::bureau {
 
 namespace Apparence = fenetre::Apparence;
 
-FenetreGtk::FenetreGtk() {
+FenetreGtk::FenetreGtk(socle::Environnement environnement) : environnement_(std::move(environnement)) {
   const auto style = Gtk::CssProvider::create();
   style->load_from_data(feuilleDeStyle());
   Gtk::StyleContext::add_provider_for_display(get_display(), style, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
@@ -67,6 +68,11 @@ void FenetreGtk::relierLesVues() {
   actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
   vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
   vueWeb_.quandNavigationFinie = [=, this] { transmettre(quandNavigationFinie); };
+  vueWeb_.quandUneAdresseEstPourLeNavigateur = [this](const std::string& adresse) {
+    ouvrirDansLeNavigateur(adresse, environnement_, [this, adresse, existe = std::weak_ptr(existe_)] {
+      if (existe.lock() && quandUnLienNeSOuvrePas) quandUnLienNeSOuvrePas(adresse);
+    });
+  };
   vueWeb_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
     if (quandLaPageEcrit) quandLaPageEcrit(canal, corps);
   };

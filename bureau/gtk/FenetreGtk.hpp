@@ -8,6 +8,7 @@
 #include "bureau/gtk/ThemeSysteme.hpp"
 #include "bureau/gtk/VueWeb.hpp"
 #include "fenetre/VueFenetre.hpp"
+#include "socle/Environnement.hpp"
 
 #include <gtkmm/applicationwindow.h>
 #include <gtkmm/box.h>
@@ -18,7 +19,8 @@ namespace keltrove::bureau {
 
 class FenetreGtk final : public Gtk::ApplicationWindow, public fenetre::VueFenetre {
 public:
-  FenetreGtk();
+  // L’environnement est celui que reçoit le navigateur du bureau.
+  explicit FenetreGtk(socle::Environnement environnement);
 
   // La fenêtre ne se ferme jamais seule : la question remonte à l’application.
   std::function<void()> quandOnFerme;
@@ -45,6 +47,7 @@ private:
   void relierLesVues();
   bool on_close_request() override;
 
+  const socle::Environnement environnement_;
   ThemeSysteme theme_;
   Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
@@ -54,6 +57,8 @@ private:
   ActionsGtk actions_{*this, menus_, vueWeb_};
   EcranGtk ecran_;
   Gtk::Label bandeau_;
+  // La réponse du bureau peut arriver après la fenêtre.
+  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
 };
 
 } // namespace keltrove::bureau

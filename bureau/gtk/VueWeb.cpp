@@ -68,6 +68,10 @@ std::optional<std::string> enJSON(JSCValue* valeur) {
   return std::nullopt;
 }
 
+std::string adresseDe(WebKitNavigationAction* action) {
+  return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+}
+
 } // namespace
 
 VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
@@ -95,6 +99,7 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                    }),
                    this);
   ouvrirLeCanal();
+  garderLaPage();
 }
 
 void VueWeb::ouvrirLeCanal() {
@@ -114,7 +119,43 @@ VueWeb::~VueWeb() {
   g_object_unref(vue_);
 }
 
+// Une fenêtre de plus, ou la page qui s’en irait, ne sont jamais pour nous.
+void VueWeb::garderLaPage() {
+  g_signal_connect(
+      vue_, "decide-policy",
+      G_CALLBACK(+[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte,
+                     VueWeb* moi) -> gboolean { return moi->decider(decision, sorte); }),
+      this);
+  g_signal_connect(vue_, "create",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitNavigationAction* action, VueWeb* moi) -> GtkWidget* {
+                     const auto adresse = adresseDe(action);
+                     moi->envoyer(adresse, fenetre::destinationDUneFenetreNeuve(adresse));
+                     return nullptr;
+                   }),
+                   this);
+}
+
+bool VueWeb::decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte) {
+  if (sorte == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) return false;
+  auto* action =
+      webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+  const auto adresse = adresseDe(action);
+  const auto destination = sorte == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION
+                               ? fenetre::destinationDUneFenetreNeuve(adresse)
+                               : fenetre::destinationDe(adresse, origine_);
+  if (destination == fenetre::Destination::cetteFenetre) return false;
+  webkit_policy_decision_ignore(decision);
+  envoyer(adresse, destination);
+  return true;
+}
+
+void VueWeb::envoyer(const std::string& adresse, fenetre::Destination destination) {
+  if (destination == fenetre::Destination::navigateur && quandUneAdresseEstPourLeNavigateur)
+    quandUneAdresseEstPourLeNavigateur(adresse);
+}
+
 void VueWeb::charger(const std::string& adresse) {
+  origine_ = adresse.substr(0, adresse.find('/', adresse.find("://") + 3));
   const Objet<WebKitURIRequest> requete(webkit_uri_request_new(adresse.c_str()));
   soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control",
                                "no-cache");

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "fenetre/Apparence.hpp"
+#include "fenetre/Navigation.hpp"
 #include "fenetre/VueFenetre.hpp"
 
 #include <functional>
@@ -40,16 +41,22 @@ public:
   std::function<void()> quandNavigationAvance;
   std::function<void()> quandNavigationFinie;
   std::function<void(const fenetre::EchecDeNavigation&)> quandNavigationRatee;
+  // Une adresse que la page voulait ouvrir, et qui n’est pas pour cette fenêtre.
+  std::function<void(const std::string& adresse)> quandUneAdresseEstPourLeNavigateur;
   std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 
 private:
   void ouvrirLeCanal();
+  void garderLaPage();
+  void envoyer(const std::string& adresse, fenetre::Destination destination);
+  bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);
   void quandLeChargementChange(WebKitLoadEvent evenement);
   void quandLeChargementEchoue(const GError& erreur);
   void quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison);
 
   WebKitWebView* vue_ = nullptr;
   Gtk::Widget* widget_ = nullptr;
+  std::string origine_; // de la page servie
   // WebKit annonce « terminé » juste après un échec : vrai de l’échec au début du chargement suivant.
   bool rate_ = false;
 };

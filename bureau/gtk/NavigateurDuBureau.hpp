@@ -1,0 +1,16 @@
+// NavigateurDuBureau : ouvrir une adresse avec ce que l’utilisateur a choisi pour elle.
+#pragma once
+
+#include "socle/Environnement.hpp"
+
+#include <functional>
+#include <string>
+
+namespace keltrove::bureau {
+
+// Sans attendre. Le programme lancé reçoit cet environnement, non nos propres réglages. `rate` vient plus
+// tard si rien ne sait ouvrir l’adresse.
+void ouvrirDansLeNavigateur(const std::string& adresse, const socle::Environnement& environnement,
+                            std::function<void()> rate);
+
+} // namespace keltrove::bureau
