@@ -214,16 +214,15 @@ essai('un programme plein écran, la souris et le collage encadré survivent à 
 });
 
 essai('le terminal prend la taille qu’on lui laisse, et le dit au programme', async (page) => {
-  const tailles = async () => {
-    await lancerUneLigne(page, 'clear; echo "<$(stty size)>"');
-    return (await page.attendreLeTexte('/<\\d+ \\d+>/')).slice(1, -1).split(' ').map(Number);
+  const tailles = async (nom) => {
+    await lancerUneLigne(page, `echo "${nom}<$(stty size)>"`);
+    return (await page.attendreLeTexte(`/^${nom}<\\d+ \\d+>/m`)).match(/\d+/g).map(Number);
   };
-  const [lignes, colonnes] = await tailles();
-  await lancerUneLigne(page, 'clear');
+  const [lignes, colonnes] = await tailles('grand');
   await page.demander('Emulation.setDeviceMetricsOverride', { width: 500, height: 300, deviceScaleFactor: 1, mobile: false });
   const rangs = '.panneau:not([hidden]) .xterm-rows > div';
   await page.attendre(`document.querySelectorAll("${rangs}").length < ${lignes}`);
-  const [moins, etroit] = await tailles();
+  const [moins, etroit] = await tailles('petit');
   assert.ok(moins < lignes && etroit < colonnes / 1.5);
   assert.equal(await page.evaluer(`document.querySelectorAll("${rangs}").length`), moins);
   await page.touche('Ctrl+Maj+D');
