@@ -23,10 +23,9 @@ test('une page gelée ne fait pas grossir le serveur, ni attendre celle qui suit
   vive.compter = true;
   let plusHaut = 0;
   const veille = setInterval(() => (plusHaut = Math.max(plusHaut, memoire(serveur))), 50);
-  t.after(() => clearInterval(veille));
   const depart = memoire(serveur);
   vive.envoyer({ type: 'saisie', id, texte: 'head -c 150000000 /dev/zero | tr "\\0" x; echo; echo fin-$((1 + 1))\r' });
-  await vive.attendre(() => vive.fins.get(id)?.includes('fin-2'), 'la fin');
+  await vive.attendre(() => vive.fins.get(id)?.includes('fin-2'), 'la fin').finally(() => clearInterval(veille));
   assert.ok(vive.recus > 150_000_000);
   t.diagnostic(`${Math.round((plusHaut - depart) / MO)} Mo de plus au plus fort`);
   assert.ok(plusHaut - depart < 250 * MO, `${Math.round((plusHaut - depart) / MO)} Mo de plus`);

@@ -194,3 +194,40 @@ essai('dix mille lignes en arrière, les couleurs, les larges et les composés',
   assert.ok(copie.split('\n').length > 10_000);
   assert.ok(copie.includes('vrai 日本🎉e\u0301|'));
 });
+
+essai('un programme plein écran, la souris et le collage encadré survivent à un rechargement', async (page) => {
+  await lancerUneLigne(page, "printf '\\e[?1049h\\e[?1000h\\e[?1006h\\e[?2004hplein\\n'; cat -v");
+  await page.attendreLeTexte('/^plein/m');
+  // Une fois la ligne de commande disparue, il n’y a plus d’invite à attendre.
+  await page.evaluer('window.ancienne = true');
+  await page.demander('Page.reload');
+  await page.attendre('!window.ancienne && document.querySelector(".xterm-helper-textarea")');
+  await page.attendreLeTexte('/^plein/m');
+  assert.doesNotMatch(await page.texte(), /cat -v/);
+  await page.cliquer('.panneau:not([hidden]) .xterm-screen');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/\\^\\[\\[<0;\\d+;\\d+M\\^\\[\\[<0;\\d+;\\d+m/');
+  await page.evaluer(`{ const d = new DataTransfer(); d.setData('text/plain', 'collé');
+    document.activeElement.dispatchEvent(new ClipboardEvent('paste', { clipboardData: d, bubbles: true, cancelable: true })); }`);
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/\\^\\[\\[200~coll.*\\^\\[\\[201~/');
+});
+
+essai('le terminal prend la taille qu’on lui laisse, et le dit au programme', async (page) => {
+  const tailles = async (nom) => {
+    await lancerUneLigne(page, `echo "${nom}<$(stty size)>"`);
+    return (await page.attendreLeTexte(`/^${nom}<\\d+ \\d+>/m`)).match(/\d+/g).map(Number);
+  };
+  const [lignes, colonnes] = await tailles('grand');
+  await page.demander('Emulation.setDeviceMetricsOverride', { width: 500, height: 300, deviceScaleFactor: 1, mobile: false });
+  const rangs = '.panneau:not([hidden]) .xterm-rows > div';
+  await page.attendre(`document.querySelectorAll("${rangs}").length < ${lignes}`);
+  const [moins, etroit] = await tailles('petit');
+  assert.ok(moins < lignes && etroit < colonnes / 1.5);
+  assert.equal(await page.evaluer(`document.querySelectorAll("${rangs}").length`), moins);
+  await page.touche('Ctrl+Maj+D');
+  await page.attendre(`${MONTRES}.length === 2`);
+  // Trop étroit pour deux colonnes : l’un sous l’autre.
+  const [a, b] = await page.evaluer(`[...document.querySelectorAll(".panneau:not([hidden])")].map((p) => p.getBoundingClientRect().top)`);
+  assert.ok(a < b);
+});

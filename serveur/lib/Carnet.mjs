@@ -60,7 +60,7 @@ export class Carnet {
     const texte = `${JSON.stringify(contenu, null, 1)}\n`;
     if (texte === this.#dernierTexte) return;
     try {
-      ecrireAtomiquement(this.#chemin, texte);
+      await ecrireAtomiquement(this.#chemin, texte);
       this.#dernierTexte = texte;
       this.#enPanne = false;
     } catch (erreur) {

@@ -1,17 +1,33 @@
 import { randomBytes } from 'node:crypto';
-import { chmodSync, closeSync, fsyncSync, openSync, renameSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { chmodSync, renameSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { open, rename, rm } from 'node:fs/promises';
 
-// Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu.
-export function ecrireAtomiquement(chemin, texte) {
-  const provisoire = `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
+const nommerUnProvisoire = (chemin) => `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
+
+// Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu. Attendre le disque
+// ne doit pas retarder une touche : cette écriture-là se répète tant qu’un terminal parle.
+export async function ecrireAtomiquement(chemin, texte) {
+  const provisoire = nommerUnProvisoire(chemin);
   try {
-    const fichier = openSync(provisoire, 'wx', 0o600);
+    const fichier = await open(provisoire, 'wx', 0o600);
     try {
-      writeFileSync(fichier, texte);
-      fsyncSync(fichier);
+      await fichier.writeFile(texte);
+      await fichier.sync();
     } finally {
-      closeSync(fichier);
+      await fichier.close();
     }
+    await rename(provisoire, chemin);
+  } catch (erreur) {
+    await rm(provisoire, { force: true });
+    throw erreur;
+  }
+}
+
+// Au démarrage, avant de répondre à quiconque.
+export function ecrireToutDeSuite(chemin, texte) {
+  const provisoire = nommerUnProvisoire(chemin);
+  try {
+    writeFileSync(provisoire, texte, { flag: 'wx', mode: 0o600 });
     renameSync(provisoire, chemin);
   } catch (erreur) {
     rmSync(provisoire, { force: true });

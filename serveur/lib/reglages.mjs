@@ -2,7 +2,7 @@ import { randomBytes } from 'node:crypto';
 import { mkdirSync, readFileSync } from 'node:fs';
 import { userInfo } from 'node:os';
 import { join } from 'node:path';
-import { ecrireAtomiquement, rendrePrive } from './fichiers.mjs';
+import { ecrireToutDeSuite, rendrePrive } from './fichiers.mjs';
 
 const PORT_PAR_DEFAUT = 7777;
 
@@ -34,7 +34,7 @@ export function lireOuCreerJeton() {
   const connu = lireJeton(chemin);
   if (connu) return connu;
   const neuf = randomBytes(32).toString('hex');
-  ecrireAtomiquement(chemin, `${neuf}\n`);
+  ecrireToutDeSuite(chemin, `${neuf}\n`);
   return neuf;
 }
 

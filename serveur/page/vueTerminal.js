@@ -32,6 +32,8 @@ export class VueTerminal {
       rows: lignes,
       fontFamily: '"DejaVu Sans Mono", "Liberation Mono", Menlo, monospace',
       fontSize: corps,
+      // À un, la hauteur de ligne s’arrondit vers le bas et les soulignés « _ » disparaissent.
+      lineHeight: 1.1,
       screenReaderMode: lecteur,
       scrollback: 10_000,
       // Le choix de largeurs des caractères et les trouvailles surlignées ne sont ouverts qu’à ce prix.
