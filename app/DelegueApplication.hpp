@@ -42,6 +42,10 @@ public:
   // l’attente ne relance rien.
   ReponseFermeture applicationShouldTerminate();
 
+  // L’écran a disparu, et la boucle d’événements avec lui : attend ici la fin du serveur que nous avons
+  // allumé. Au retour, il ne reste qu’à partir.
+  void partirSansEcran();
+
 private:
   void lancerLeDemarrage(bool premiereFois);
   void quandLeDemarrageFinit(const moteur::Demarrage& issue);

@@ -29,4 +29,16 @@ ReponseFermeture DelegueApplication::applicationShouldTerminate() {
   return ReponseFermeture::plusTard;
 }
 
+void DelegueApplication::partirSansEcran() {
+  if (fermetureEnCours_) return; // le signal est déjà parti
+  fermetureEnCours_ = true;
+  moteur_->neLancerPlusRien();
+  if (!moteur_->nousLavonsAllume()) {
+    Journal::etape("quitte-sans-toucher-au-serveur");
+    return;
+  }
+  Journal::etape("arret-demande");
+  Journal::etape("arret-fini", {{"message", moteur_->arreterEnAttendant()}});
+}
+
 } // namespace keltrove::app

@@ -43,7 +43,9 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications&
   vue_.quandUnLienNeSOuvrePas = [this](const std::string& adresse) {
     afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
   };
-  pont_.vue = [this](const std::string& ligne) { vue_.evaluer(ligne, [](const auto&) {}); };
+  pont_.vue = [this](const std::string& ligne) {
+    if (portAffiche_) vue_.evaluer(ligne, [](const auto&) {}); // sans page, la ligne se perd
+  };
   pont_.activer = [this] { vue_.mettreDevant(); };
 }
 

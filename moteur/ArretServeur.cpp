@@ -16,50 +16,59 @@ constexpr double entreDeuxRegards = 0.05;
 // Script de démarrage, interprète, serveur : au-delà, ce n’est plus le serveur mais ce qu’il fait tourner.
 constexpr int profondeurDeRecherche = 3;
 
+constexpr const char* rienAArreter =
+    "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.";
+constexpr const char* tropLong =
+    "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.";
+
 } // namespace
 
 void MoteurServeur::arreter(std::function<void(std::string)> fini) {
-  ProcessusPartage processus;
-  {
-    const std::lock_guard garde(verrouEtat_);
-    if (nousLavonsAllume_ && processus_ && processus_->tourne()) {
-      processus = processus_;
-      arretDemande_ = true;
-    }
-  }
-  if (!processus) {
-    fini("Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.");
+  const auto arret = demanderLArret();
+  if (!arret) {
+    fini(rienAArreter);
     return;
   }
-
-  const double debut = contexte_.horloge->maintenant();
-  std::optional<Identite> serveur;
-  if (const auto pid = pidDuServeur()) serveur = identifier(*pid);
-  if (serveur && serveur->pid != processus->pid()) ::kill(serveur->pid, SIGTERM);
-  processus->terminer();
-
   socle::FileDeTravail attente(KELTROVE_IDENTIFIANT ".arret", 1);
   const auto rendre = [boucle = contexte_.boucle, fini = std::move(fini)](std::string message) {
     boucle->poster([fini, message = std::move(message)] { fini(message); });
   };
-  const bool depose = attente.deposer([moi = shared_from_this(), processus, serveur, debut, rendre] {
-    rendre(moi->attendreLaFermeture(*processus, serveur, debut));
-  });
+  const bool depose = attente.deposer(
+      [moi = shared_from_this(), arret = *arret, rendre] { rendre(moi->attendreLaFermeture(arret)); });
   // Sans fil pour attendre, mieux vaut partir que bloquer la fenêtre : le serveur finit seul.
-  if (!depose) rendre("Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.");
+  if (!depose) rendre(tropLong);
 }
 
-std::string MoteurServeur::attendreLaFermeture(const socle::Processus& processus,
-                                               const std::optional<Identite>& serveur, double debut) {
+std::string MoteurServeur::arreterEnAttendant() {
+  const auto arret = demanderLArret();
+  return arret ? attendreLaFermeture(*arret) : rienAArreter;
+}
+
+std::optional<MoteurServeur::Arret> MoteurServeur::demanderLArret() {
+  Arret arret{.debut = contexte_.horloge->maintenant()};
+  {
+    const std::lock_guard garde(verrouEtat_);
+    if (!nousLavonsAllume_ || !processus_ || !processus_->tourne()) return std::nullopt;
+    arret.processus = processus_;
+    arretDemande_ = true;
+  }
+  if (const auto pid = pidDuServeur()) arret.serveur = identifier(*pid);
+  if (arret.serveur && arret.serveur->pid != arret.processus->pid()) ::kill(arret.serveur->pid, SIGTERM);
+  arret.processus->terminer();
+  return arret;
+}
+
+std::string MoteurServeur::attendreLaFermeture(const Arret& arret) const {
   auto& horloge = *contexte_.horloge;
+  const auto& serveur = arret.serveur;
   const double limite = horloge.maintenant() + delaiDeFermeture;
   while (horloge.maintenant() < limite) {
-    if (!processus.tourne() && !(serveur && enVie(*serveur))) break;
+    if (!arret.processus->tourne() && !(serveur && enVie(*serveur))) break;
     horloge.dormir(entreDeuxRegards);
   }
-  const double ecoule = horloge.maintenant() - debut;
+  const double ecoule = horloge.maintenant() - arret.debut;
   if (!serveur) return "Le serveur n’a pas été retrouvé : rien à fermer.";
-  if (enVie(*serveur)) return "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.";
+  if (enVie(*serveur)) return tropLong;
   return fmt::format("Serveur fermé proprement en {:.1f} seconde(s).", ecoule);
 }
 

@@ -49,6 +49,9 @@ public:
   // au plus. `fini` reçoit une phrase pour le journal, une fois : tout de suite s’il n’y a rien à arrêter.
   void arreter(std::function<void(std::string)> fini);
 
+  // La même chose en bloquant, pour quand il n’y a plus de boucle d’événements.
+  std::string arreterEnAttendant();
+
   std::optional<int> port() const;
   bool nousLavonsAllume() const;
 
@@ -66,6 +69,13 @@ public:
 private:
   using ProcessusPartage = std::shared_ptr<socle::Processus>;
 
+  // Un arrêt demandé : ce qu’il faut attendre, et depuis quand.
+  struct Arret {
+    ProcessusPartage processus;
+    std::optional<Identite> serveur;
+    double debut;
+  };
+
   Demarrage demarrerVraiment();
   std::expected<ProcessusPartage, ErreurServeur> lancer();
   Demarrage attendreLaReponse(const ProcessusPartage& processus, int port);
@@ -76,8 +86,8 @@ private:
   void signalerLaMort(const ProcessusPartage& processus);
   void oublierLeProcessus();
   std::optional<pid_t> pidDuServeur() const;
-  std::string attendreLaFermeture(const socle::Processus& processus, const std::optional<Identite>& serveur,
-                                  double debut);
+  std::optional<Arret> demanderLArret();
+  std::string attendreLaFermeture(const Arret& arret) const;
 
   const Contexte contexte_;
   const std::shared_ptr<LignesServeur> lignes_ = std::make_shared<LignesServeur>();

@@ -9,7 +9,7 @@ abandonner() {
   exit 1
 }
 
-paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libwebkitgtk-6.0-dev
+paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-dev libwebkitgtk-6.0-dev
   libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
 paquets_ecran=(xvfb openbox imagemagick)

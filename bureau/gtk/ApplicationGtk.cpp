@@ -1,5 +1,7 @@
 #include "bureau/gtk/ApplicationGtk.hpp"
 
+#include "bureau/gtk/EcranPerdu.hpp"
+
 #include <csignal>
 
 #include <glib-unix.h>
@@ -30,6 +32,7 @@ void ApplicationGtk::on_activate() {
   notifications_.quandUnJetonArrive = [this](const std::string& jeton) { fenetre_->recevoirLeJeton(jeton); };
   add_window(*fenetre_);
   ecouterLesSignaux();
+  quandLEcranDisparait([this] { delegue_->partirSansEcran(); });
   delegue_->applicationDidFinishLaunching(*fenetre_, notifications_);
 }
 

@@ -1,5 +1,6 @@
 #include "bureau/gtk/VueWeb.hpp"
 
+#include "bureau/gtk/EssaiDeLancement.hpp"
 #include "fenetre/VueWebDepot.hpp"
 #include "pont/PontNotifications.hpp"
 
@@ -155,6 +156,12 @@ void VueWeb::envoyer(const std::string& adresse, fenetre::Destination destinatio
 }
 
 void VueWeb::charger(const std::string& adresse) {
+  if (!peutLancerUnProcessus()) {
+    if (quandNavigationRatee)
+      quandNavigationRatee(
+          {.description = "Le système n’a plus de quoi lancer le programme qui dessine la page."});
+    return;
+  }
   origine_ = adresse.substr(0, adresse.find('/', adresse.find("://") + 3));
   const Objet<WebKitURIRequest> requete(webkit_uri_request_new(adresse.c_str()));
   soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control",

@@ -6,6 +6,7 @@
 #include "bureau/gtk/BoucleGlib.hpp"
 #include "bureau/gtk/BusDeSession.hpp"
 #include "bureau/gtk/CurseurDeTexte.hpp"
+#include "bureau/gtk/EssaiDeLancement.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
@@ -19,6 +20,15 @@
 namespace {
 
 using namespace keltrove;
+
+// WebKit lance ses programmes dès que la vue existe, et interrompt tout s’il ne le peut.
+int sansProcessus() {
+  std::fputs("Keltrove ne peut pas s’ouvrir : le système n’a plus de quoi lancer un programme. Fermez-en "
+             "quelques-uns, "
+             "puis réessayez.\n",
+             stderr);
+  return EXIT_FAILURE;
+}
 
 int sansEcran() {
   std::fputs(
@@ -37,6 +47,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
       .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
+  if (!bureau::peutLancerUnProcessus()) return sansProcessus();
   bureau::choisirLeRendu();
   const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
   bureau::ecarterUnBusAbsent();

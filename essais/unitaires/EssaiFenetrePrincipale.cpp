@@ -115,6 +115,35 @@ TEST_F(EssaiFenetre, UneReponseApresLaFenetreNeNoteRien) {
   EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
 }
 
+TEST_F(EssaiFenetre, UneLigneDuPontSePerdTantQuAucunePageNEstChargee) {
+  fenetre.pont().executerDansLaPage("ligne");
+  boucle.vider();
+  EXPECT_TRUE(vue.evaluations.empty());
+  fenetre.chargerLaPage(8080);
+  fenetre.pont().executerDansLaPage("ligne");
+  boucle.vider();
+  EXPECT_EQ(vue.evaluations.at(0).first, "ligne");
+}
+
+TEST_F(EssaiFenetre, UnMessageDeLaPageVaAuPontEtUnClicRamene) {
+  fenetre.pont().demanderLaPermissionUneSeuleFois();
+  vue.quandLaPageEcrit("keltroveNotifications", R"({"action":"notifier","id":"t1"})");
+  EXPECT_EQ(centre.notifications.at(0).first.identifiant, "keltrove-t1");
+  centre.delegue->quandOnClique("");
+  boucle.vider();
+  EXPECT_EQ(vue.devant, 1);
+}
+
+TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
+  vue.quandUnLienNeSOuvrePas("mailto:a");
+  EXPECT_TRUE(vue.bandeaux.back().visible);
+  EXPECT_EQ(vue.bandeaux.back().texte, "  Aucune application ne sait ouvrir ce lien : mailto:a  ");
+  boucle.avancer(5.9);
+  EXPECT_TRUE(vue.bandeaux.back().visible);
+  boucle.avancer(0.1);
+  EXPECT_FALSE(vue.bandeaux.back().visible);
+}
+
 TEST(SondeContenu, UnTitreVideDecaleLesMorceaux) {
   EXPECT_EQ(lireSonde("|52|jeton-rempli"),
             (Journal::Details{{"titre", "52"}, {"elements", std::int64_t{0}}, {"cle", "?"}}));

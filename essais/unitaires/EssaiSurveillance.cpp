@@ -2,6 +2,7 @@
 #include "app/Surveillance.hpp"
 
 #include <atomic>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,29 @@ TEST_F(EssaiSurveillance, LePremierRegardALieuSixSecondesApresLeDebut) {
   EXPECT_EQ(verifications, 0);
   boucle->avancer(0.01);
   EXPECT_TRUE(boucle->attendre([&] { return verifications == 1; }));
+}
+
+// Plus d’un jour de regards, aux échecs tirés au hasard mais toujours les mêmes.
+TEST_F(EssaiSurveillance, UneJourneeDeRegardsNeSeTrompeJamais) {
+  std::mt19937 hasard(20261121);
+  std::bernoulli_distribution echoue(0.3);
+  int daffilee = 0;
+  int pertesAttendues = 0;
+  surveillance.demarrer();
+  for (int i = 0; i < 15'000; ++i) {
+    const bool repond = !echoue(hasard);
+    tic(repond);
+    daffilee = repond ? 0 : daffilee + 1;
+    if (daffilee == 3) {
+      ++pertesAttendues;
+      daffilee = 0;
+      echecsAvant = 0;
+    }
+    ASSERT_EQ(pertes, pertesAttendues) << "au regard " << i;
+    ASSERT_EQ(surveillance.active(), daffilee != 0 || repond) << "au regard " << i;
+    if (!surveillance.active()) surveillance.demarrer();
+  }
+  EXPECT_GT(pertesAttendues, 100);
 }
 
 TEST_F(EssaiSurveillance, TroisEchecsDeSuiteLArretentEtPreviennentUneFois) {

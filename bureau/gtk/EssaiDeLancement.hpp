@@ -1,0 +1,19 @@
+// EssaiDeLancement : le système laisse-t-il lancer ce programme, avant que WebKit n’en dépende ?
+//
+// Devant un lancement refusé, WebKit interrompt tout le processus.
+#pragma once
+
+namespace keltrove::bureau {
+
+enum class Lancement {
+  reussi,     // le programme a fini sur l’état zéro
+  rate,       // il a fini autrement, ou n’existe pas
+  impossible, // le système n’a plus de quoi lancer un processus
+};
+
+// Lance et attend un programme bref, muet, cherché dans PATH. Le tableau finit par un pointeur nul.
+Lancement essayerDeLancer(const char* const* arguments);
+
+bool peutLancerUnProcessus();
+
+} // namespace keltrove::bureau

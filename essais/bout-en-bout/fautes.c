@@ -1,0 +1,93 @@
+// Les pannes que l’on ne peut pas provoquer de l’extérieur sans être administrateur ni arrêter la machine : préchargé,
+// et seulement dans l’application, il les fait quand un fichier de leur nom paraît dans le dossier KELTROVE_FAUTES.
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <spawn.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <time.h>
+#include <unistd.h>
+
+#define VRAI(nom) ((__typeof__(&nom))dlsym(RTLD_NEXT, #nom))
+
+static int ici(void) {
+  static int reponse = -1;
+  if (reponse < 0) {
+    char chemin[4096];
+    const ssize_t lus = readlink("/proc/self/exe", chemin, sizeof chemin - 1);
+    chemin[lus > 0 ? lus : 0] = 0;
+    const char *nom = strrchr(chemin, '/');
+    reponse = nom != NULL && strcmp(nom, "/keltrove") == 0;
+  }
+  return reponse;
+}
+
+static int faute(const char *nom) {
+  const char *dossier = getenv("KELTROVE_FAUTES");
+  if (dossier == NULL || !ici()) return 0;
+  char chemin[4096];
+  snprintf(chemin, sizeof chemin, "%s/%s", dossier, nom);
+  return access(chemin, F_OK) == 0;
+}
+
+static int disqueRefuse(const char *chemin) {
+  const char *maison = getenv("HOME");
+  if (maison == NULL || strncmp(chemin, maison, strlen(maison)) != 0) return 0;
+  if (faute("disque-plein")) errno = ENOSPC;
+  else if (faute("lecture-seule")) errno = EROFS;
+  else return 0;
+  return 1;
+}
+
+#define OUVRIR(nom)                                                                                                    \
+  int nom(const char *chemin, int options, ...) {                                                                      \
+    va_list suite;                                                                                                     \
+    va_start(suite, options);                                                                                          \
+    const mode_t droits = va_arg(suite, mode_t);                                                                       \
+    va_end(suite);                                                                                                     \
+    if ((options & (O_WRONLY | O_RDWR | O_CREAT)) && disqueRefuse(chemin)) return -1;                                  \
+    return VRAI(nom)(chemin, options, droits);                                                                         \
+  }
+OUVRIR(open)
+OUVRIR(open64)
+
+int mkstemp(char *modele) { return disqueRefuse(modele) ? -1 : VRAI(mkstemp)(modele); }
+int mkstemp64(char *modele) { return disqueRefuse(modele) ? -1 : VRAI(mkstemp64)(modele); }
+int mkdir(const char *chemin, mode_t droits) { return disqueRefuse(chemin) ? -1 : VRAI(mkdir)(chemin, droits); }
+int rename(const char *de, const char *vers) { return disqueRefuse(vers) ? -1 : VRAI(rename)(de, vers); }
+
+#define LANCER(nom)                                                                                                    \
+  int nom(pid_t *pid, const char *chemin, const posix_spawn_file_actions_t *actions, const posix_spawnattr_t *attributs, \
+          char *const arguments[], char *const environnement[]) {                                                      \
+    if (faute("sans-processus")) return EAGAIN;                                                                        \
+    return VRAI(nom)(pid, chemin, actions, attributs, arguments, environnement);                                       \
+  }
+LANCER(posix_spawn)
+LANCER(posix_spawnp)
+
+static long decalage(void) { return faute("horloge-avance") ? 3600 : faute("horloge-recule") ? -3600 : 0; }
+
+int clock_gettime(clockid_t horloge, struct timespec *instant) {
+  const int issue = VRAI(clock_gettime)(horloge, instant);
+  if (issue == 0 && horloge == CLOCK_REALTIME) instant->tv_sec += decalage();
+  return issue;
+}
+
+int gettimeofday(struct timeval *instant, void *zone) {
+  const int issue = VRAI(gettimeofday)(instant, zone);
+  if (issue == 0) instant->tv_sec += decalage();
+  return issue;
+}
+
+time_t time(time_t *ou) {
+  const time_t instant = VRAI(time)(NULL) + decalage();
+  if (ou != NULL) *ou = instant;
+  return instant;
+}
