@@ -47,3 +47,24 @@ test('sous un flot sans fin, la page répond aux touches, ici et dans les autres
   await page.attendreLeTexte('/\\^C[^]*\\$ /');
   assert.deepEqual(page.fautes, []);
 });
+
+test('vingt terminaux bavards laissent répondre celui qu’on regarde', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur);
+  for (let nombre = 2; nombre <= 21; nombre += 1) {
+    await page.ecrire('yes');
+    await page.touche('Entrée');
+    await page.touche('Ctrl+Maj+T');
+    await page.attendre(`document.querySelectorAll('.onglet').length === ${nombre}`);
+    await page.attendreLeTexte('/\\$ /');
+  }
+  const depart = performance.now();
+  for (let i = 0; i < 20; i += 1) {
+    await page.ecrire('x');
+    await page.attendreLeTexte(`/\\$ x{${i + 1}}/`);
+  }
+  t.diagnostic(`${Math.round((performance.now() - depart) / 20)} ms par touche`);
+  await page.touche('Ctrl+Maj+PagePrécédente');
+  await page.touche('Ctrl+c');
+  await page.attendreLeTexte('/\\^C[^]*\\$ /');
+  assert.deepEqual(page.fautes, []);
+});

@@ -26,10 +26,9 @@ const lancerUneLigne = async (page, ligne) => {
   await page.touche('Entrée');
 };
 const ouvrirEncore = async (page, touche = 'Ctrl+Maj+T') => {
-  const nombre = (await lesIds(page)).length;
+  const anciens = JSON.stringify(await lesIds(page));
   await page.touche(touche);
-  await page.attendre(`${ONGLETS}.length === ${nombre + 1}`);
-  await page.attendre('document.activeElement.closest(".panneau")?.dataset.terminal === document.querySelector(".onglet.choisi").dataset.terminal');
+  await page.attendre(`!${anciens}.includes(document.activeElement.closest(".panneau").dataset.terminal)`);
   await page.attendreLeTexte('/\\$ /');
 };
 
@@ -147,13 +146,19 @@ essai('copier, tout sélectionner et coller, comme depuis un menu', async (page)
 
 essai('les liens s’ouvrent ailleurs, d’un Ctrl+clic, et seulement vers le web ou le courrier', async (page) => {
   await lancerUneLigne(page, String.raw`clear; printf 'https://exemple.test/a?b=1\n\e]8;;mailto:moi@exemple.test\e\\courrier\e]8;;\e\\\n\e]8;;javascript:alert(1)\e\\piège\e]8;;\e\\\n\e]8;;file:///etc/passwd\e\\fichier\e]8;;\e\\\n'`);
-  await page.attendreLeTexte('/fichier/');
+  await page.attendreLeTexte('/^piège *\\nfichier/m');
   const { x, y } = await page.evaluer('(({ x, y }) => ({ x, y }))(document.querySelector(".xterm-rows").getBoundingClientRect())');
   const hauteur = await page.evaluer('document.querySelector(".xterm-rows > div").getBoundingClientRect().height');
   const viser = async (rang, modifiers) => {
-    await page.souris('mouseMoved', x + 400, y + hauteur * 12, { buttons: 0 });
-    await page.souris('mouseMoved', x + 12, y + hauteur * (rang + 0.5), { buttons: 0, modifiers });
-    await page.evaluer('new Promise((suite) => requestAnimationFrame(() => setTimeout(suite, 50)))');
+    // Le terminal ne cherche les liens que sous une souris qui bouge.
+    const bouger = async (vers, hauteurVisee, surUnLien) => {
+      for (let i = 0; await page.evaluer('document.querySelector(".xterm-cursor-pointer") === null') === surUnLien; i += 1) {
+        assert.ok(i < 300, 'le lien ne se voit pas sous la souris');
+        await page.souris('mouseMoved', vers + (i % 2), hauteurVisee, { buttons: 0, modifiers });
+      }
+    };
+    await bouger(x + 400, y + hauteur * 12, false);
+    await bouger(x + 12, y + hauteur * (rang + 0.5), true);
     await page.souris('mousePressed', x + 12, y + hauteur * (rang + 0.5), { modifiers });
     await page.souris('mouseReleased', x + 12, y + hauteur * (rang + 0.5), { modifiers });
   };
@@ -230,4 +235,14 @@ essai('le terminal prend la taille qu’on lui laisse, et le dit au programme', 
   // Trop étroit pour deux colonnes : l’un sous l’autre.
   const [a, b] = await page.evaluer(`[...document.querySelectorAll(".panneau:not([hidden])")].map((p) => p.getBoundingClientRect().top)`);
   assert.ok(a < b);
+});
+
+essai('une reprise se relit à la taille où elle fut écrite, puis se replie', async (page) => {
+  await lancerUneLigne(page, "clear; printf 'a\\r\\e[99Cfin\\n'");
+  await page.attendreLeTexte('/^a {98}fin *$/m');
+  await page.demander('Page.navigate', { url: 'about:blank' });
+  await page.demander('Emulation.setDeviceMetricsOverride', { width: 500, height: 400, deviceScaleFactor: 1, mobile: false });
+  await page.demander('Page.navigate', { url: `http://localhost:${page.serveur.port}/` });
+  // Relu trop étroit, le mot aurait buté sur le bord : « f », puis « in » à la ligne.
+  await page.attendreLeTexte('/^a *\\n +fin *\\n\\$ /m');
 });

@@ -70,9 +70,9 @@ const receptions = {
     notifications.relire();
   },
   ouvert: ({ id }) => terminaux.choisir(id),
-  reprise: ({ id, texte }) => terminaux.vue(id)?.rejouer(texte),
+  reprise: ({ id, texte }) => terminaux.rejouer(id, texte),
   sortie({ id, texte }) {
-    terminaux.vue(id)?.ecrire(texte);
+    terminaux.ecrire(id, texte);
     notifications.sortie(id, texte.length);
   },
   async occupe({ id, programme }) {

@@ -1,3 +1,4 @@
+import { Lectures } from '/lectures.js';
 import { VueTerminal } from '/vueTerminal.js';
 
 const CLE_DU_CHOISI = 'keltrove-terminal-choisi';
@@ -9,6 +10,7 @@ export class Terminaux {
   #reglages;
   #quand;
   #vues = new Map();
+  #lectures = new Lectures();
   #descriptions = [];
   #idChoisi = null;
 
@@ -34,6 +36,14 @@ export class Terminaux {
     return this.#descriptions.find((description) => description.id === id)?.nom;
   }
 
+  ecrire(id, texte) {
+    this.#lire(this.#vues.get(id), (vue, quandLu) => vue.ecrire(texte, quandLu));
+  }
+
+  rejouer(id, texte) {
+    this.#lire(this.#vues.get(id), (vue, quandLu) => vue.rejouer(texte, quandLu));
+  }
+
   estMontre(id) {
     return this.#vues.get(id)?.panneau.hidden === false;
   }
@@ -42,13 +52,13 @@ export class Terminaux {
     this.#vues.forEach(faire);
   }
 
-  // Les panneaux sont refaits : ce que le serveur rejoue est alors seul à s’y afficher.
+  // Les panneaux sont refaits : ce que le serveur rejoue, et qu’ils attendent, est alors seul à s’y afficher.
   recommencer(descriptions) {
     const garde = this.#idChoisi ?? localStorage.getItem(CLE_DU_CHOISI);
     this.#descriptions.forEach(({ id }) => this.#retirer(id));
     this.#descriptions = [];
     this.#idChoisi = null;
-    this.suivre(descriptions, garde);
+    this.suivre(descriptions.map((description) => ({ ...description, reprise: true })), garde);
   }
 
   suivre(descriptions, souhaite = null) {
@@ -79,6 +89,12 @@ export class Terminaux {
     this.choisir(this.#descriptions[(this.#rang(this.#idChoisi) + pas + nombre) % nombre]?.id);
   }
 
+  #lire(vue, lire) {
+    if (!vue) return;
+    if (!vue.panneau.hidden) lire(vue, () => {});
+    else this.#lectures.ajouter(vue, (quandLu) => lire(vue, quandLu));
+  }
+
   #rang(id) {
     return this.#descriptions.findIndex((description) => description.id === id);
   }
@@ -91,7 +107,9 @@ export class Terminaux {
     while (this.#descriptions[fin]?.groupe === groupe) fin += 1;
     for (const [rang, { id }] of this.#descriptions.entries()) {
       const vue = this.#vues.get(id);
-      if (rang >= debut && rang < fin) vue.montrer();
+      const montree = rang >= debut && rang < fin;
+      if (montree && vue.panneau.hidden) this.#lectures.rattraper(vue);
+      if (montree) vue.montrer();
       else vue.cacher();
       vue.panneau.classList.toggle('choisi', fin - debut > 1 && id === this.#idChoisi);
     }
@@ -107,6 +125,7 @@ export class Terminaux {
   }
 
   #retirer(id) {
+    this.#lectures.oublier(this.#vues.get(id));
     this.#vues.get(id).retirer();
     this.#vues.delete(id);
     this.#quand.quandRetire(id);

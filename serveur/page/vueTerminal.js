@@ -20,10 +20,11 @@ export class VueTerminal {
   #ajustement = new FitAddon();
   #recherche = new SearchAddon();
   #quand;
-  #rejoue = false;
+  #rejoue;
 
-  constructor({ id, colonnes, lignes }, { corps, lecteur }, quand) {
+  constructor({ id, colonnes, lignes, reprise = false }, { corps, lecteur }, quand) {
     this.#quand = quand;
+    this.#rejoue = reprise;
     this.#preparerLePanneau(id);
     const survol = { hover: (_, adresse) => quand.quandLien(lireLeLien(adresse)), leave: () => quand.quandLien(null) };
     this.#terminal = new Terminal({
@@ -82,17 +83,19 @@ export class VueTerminal {
   }
 
   // Les questions que des programmes ont posées jadis au terminal ne doivent pas recevoir de réponse une seconde fois.
-  rejouer(texte) {
-    this.#rejoue = true;
-    this.#terminal.write(texte, () => {
+  rejouer(texte, quandLu) {
+    this.ecrire(texte, () => {
       this.#rejoue = false;
-      this.#quand.quandLu(texte.length);
       this.ajuster();
+      quandLu();
     });
   }
 
-  ecrire(texte) {
-    this.#terminal.write(texte, () => this.#quand.quandLu(texte.length));
+  ecrire(texte, quandLu) {
+    this.#terminal.write(texte, () => {
+      this.#quand.quandLu(texte.length);
+      quandLu();
+    });
   }
 
   // Après ce qui attend encore d’être écrit : le collage encadré n’est connu qu’une fois la reprise relue.
