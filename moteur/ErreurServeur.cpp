@@ -33,6 +33,7 @@ std::string explication(const ErreurServeur& erreur) {
       Selon{
           [](const CodeIntrouvable& e) -> string {
             std::vector<string> lignes;
+            lignes.reserve(e.essayes.size());
             for (const auto& chemin : e.essayes)
               lignes.push_back("  • " + chemin);
             return "L’application n’a pas retrouvé le fichier « serveur.mjs ». Elle a regardé ici :\n" +
@@ -90,7 +91,7 @@ std::string conseil(const ErreurServeur& erreur) {
 }
 
 std::optional<std::string> journal(const ErreurServeur& erreur) {
-  const auto texte = std::visit(
+  auto texte = std::visit(
       []<typename Cas>(const Cas& e) -> std::string {
         if constexpr (requires { e.journal; })
           return e.journal;

@@ -36,6 +36,23 @@ dire "Essais du serveur…"
   abandonner "Des essais du serveur échouent : relancez « npm test » dans serveur/."
 
 if [ $rapide = non ]; then
+  dire "Mise en forme…"
+  git -C "$racine" ls-files '*.cpp' '*.hpp' | (cd "$racine" && xargs clang-format-19 --dry-run --Werror) ||
+    abandonner "Des fichiers ne sont pas mis en forme : « clang-format-19 -i » les corrige."
+
+  dire "Analyse statique…"
+  trace=$(mktemp)
+  run-clang-tidy-19 -quiet -j"$(nproc)" -p "$racine/build/release" \
+    "$racine/(socle|moteur|verification|pont|fenetre|app|bureau)/" >"$trace" 2>&1 ||
+    { grep -E '(error|warning):' "$trace" | sort -u >&2; abandonner "clang-tidy a trouvé à redire."; }
+  rm -f "$trace"
+
+  construire couverture
+  essais_unitaires couverture
+  dire "Lignes du comportement parcourues (au moins 95 %)…"
+  (cd "$racine" && gcovr -r . build/couverture -f '(socle|moteur|verification|pont|fenetre|app)/' -s --fail-under-line 95) ||
+    abandonner "Les essais parcourent moins de 95 % des lignes du comportement."
+
   construire libcxx -DKELTROVE_STRICT=ON
   construire fuzz -DKELTROVE_STRICT=ON
   dire "Entrées cherchées au hasard, trente secondes chacune…"

@@ -60,7 +60,7 @@ void ecrireLeFichier(const std::vector<Details>& etapes) {
 
 } // namespace
 
-void etape(std::string_view nom, Details details) {
+void etape(std::string_view nom, const Details& details) {
   auto entree = details;
   entree["etape"] = std::string(nom);
 

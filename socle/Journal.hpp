@@ -19,7 +19,7 @@ namespace keltrove::socle::Journal {
 using Valeur = std::variant<std::string, std::int64_t, double, bool>;
 using Details = std::map<std::string, Valeur>;
 
-void etape(std::string_view nom, Details details = {});
+void etape(std::string_view nom, const Details& details = {});
 
 // Toutes les étapes, dans l’ordre ; chacune compte ses détails, « etape » et « seconde ».
 std::vector<Details> etapes();

@@ -43,6 +43,7 @@ std::string texteDuSysteme(int erreur) {
 // posix_spawn copie ce qu’on lui donne : ces tableaux ne servent que le temps de l’appel.
 std::vector<char*> tableauC(const std::vector<std::string>& textes) {
   std::vector<char*> tableau;
+  tableau.reserve(textes.size() + 1);
   for (const auto& texte : textes)
     tableau.push_back(const_cast<char*>(texte.c_str()));
   tableau.push_back(nullptr);

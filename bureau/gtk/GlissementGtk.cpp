@@ -11,8 +11,8 @@ namespace keltrove::bureau {
 namespace {
 
 constexpr const char* listeDAdresses = "text/uri-list"; // RFC 2483
-constexpr gsize bouchee = 64 * 1024;
-constexpr std::size_t listeMaximale = 16 * 1024 * 1024;
+constexpr gsize bouchee = 64UL * 1024;
+constexpr std::size_t listeMaximale = 16UL * 1024 * 1024;
 
 template <typename T>
 using PourGLib = std::unique_ptr<T, decltype(&g_free)>;

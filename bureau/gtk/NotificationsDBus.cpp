@@ -67,7 +67,7 @@ std::string sansNul(std::string texte) {
 }
 
 std::string enTexteSimple(const std::string& texte, bool balisageCompris) {
-  const auto propre = sansNul(texte);
+  auto propre = sansNul(texte);
   if (!balisageCompris) return propre;
   const std::unique_ptr<char, decltype(&g_free)> protege(
       g_markup_escape_text(propre.data(), static_cast<gssize>(propre.size())), &g_free);
@@ -139,12 +139,12 @@ void NotificationsDBus::appeler(const char* a, const char* ou, const char* metho
   g_dbus_connection_call(
       bus_, a, ou, a, methode, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, patience, abandon_,
       [](GObject* source, GAsyncResult* resultat, gpointer donnees) {
-        const std::unique_ptr<Suite> la_suite(static_cast<Suite*>(donnees));
+        const std::unique_ptr<Suite> laSuite(static_cast<Suite*>(donnees));
         GError* brute = nullptr;
         const Variant reponse(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), resultat, &brute));
         const std::unique_ptr<GError, decltype(&g_error_free)> erreur(brute, &g_error_free);
         if (g_error_matches(brute, G_IO_ERROR, G_IO_ERROR_CANCELLED)) return; // nous ne sommes plus
-        (*la_suite)(reponse.get(), erreur.get());
+        (*laSuite)(reponse.get(), erreur.get());
       },
       new Suite(std::move(suite)));
 }
@@ -164,7 +164,7 @@ void NotificationsDBus::lireLesReglages(std::function<void(Autorisation)> fini) 
 }
 
 // Un service que le bus sait lancer compte pour présent : la première notification le réveillera.
-void NotificationsDBus::siLeServicePeutRepondre(std::function<void(bool)> fini) {
+void NotificationsDBus::siLeServicePeutRepondre(const std::function<void(bool)>& fini) {
   appeler(facteur, cheminDuFacteur, "ListNames", nullptr, [this, fini](GVariant* noms, const GError*) {
     if (nommeLeService(noms)) return fini(true);
     appeler(facteur, cheminDuFacteur, "ListActivatableNames", nullptr,
@@ -193,7 +193,7 @@ void NotificationsDBus::envoyer(const Notification& notification, Files::Numero 
   });
 }
 
-void NotificationsDBus::apprendreLeBalisage(std::function<void(const GError*)> fini) {
+void NotificationsDBus::apprendreLeBalisage(const std::function<void(const GError*)>& fini) {
   if (balisage_ != Balisage::inconnu) return fini(nullptr);
   appelerLeService("GetCapabilities", nullptr, [this, fini](GVariant* reponse, const GError* erreur) {
     if (estUneListeDeTextes(reponse)) {

@@ -49,10 +49,10 @@ private:
   void appeler(const char* service, const char* chemin, const char* methode, GVariant* arguments,
                Suite suite);
   void appelerLeService(const char* methode, GVariant* arguments, Suite suite);
-  void siLeServicePeutRepondre(std::function<void(bool)> fini);
+  void siLeServicePeutRepondre(const std::function<void(bool)>& fini);
   void envoyer(const pont::Notification& notification, Files::Numero remplace,
                std::function<void(const Files::Issue&)> fini);
-  void apprendreLeBalisage(std::function<void(const GError*)> fini);
+  void apprendreLeBalisage(const std::function<void(const GError*)>& fini);
   void notifier(const pont::Notification& notification, Files::Numero remplace,
                 std::function<void(const Files::Issue&)> fini);
   void quandLeServiceSignale(std::string_view signal, GVariant* arguments);

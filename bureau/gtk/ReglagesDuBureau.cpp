@@ -30,6 +30,7 @@ constexpr std::array panneaux{
 bool ouvrir(const Panneau& panneau, const socle::Environnement& environnement) {
   auto entrees = environnement.entrees();
   std::vector<char*> variables;
+  variables.reserve(entrees.size() + 1);
   for (auto& entree : entrees)
     variables.push_back(entree.data());
   variables.push_back(nullptr);

@@ -1,94 +1,11 @@
-// Le délégué avec un vrai moteur, de vrais serveurs, une fenêtre sans écran et un temps virtuel.
-
-#include "BoucleVirtuelle.hpp"
-#include "CentreEnregistreur.hpp"
-#include "HorlogeAcceleree.hpp"
-#include "MaisonTemporaire.hpp"
-#include "ServeurFactice.hpp"
-#include "VueEnregistreuse.hpp"
-#include "app/DelegueApplication.hpp"
-#include "socle/Journal.hpp"
-
-#include <algorithm>
-#include <cstdlib>
+#include "DelegueEnEssai.hpp"
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace keltrove::app {
 namespace {
 
-namespace Journal = socle::Journal;
-
-// Un serveur qui répond, dit son message, et obéit ou non à SIGTERM. %PORT% et %SUITE% sont remplacés.
-constexpr const char* serveur = R"(
-import http from 'node:http';
-const page = '<meta name="keltrove-jeton" content="x">';
-const sante = '{"version":"1.4.2","carnet":{"terminaux":5}}';
-http.createServer((q, r) => r.end(q.url === '/api/sante' ? sante : page)).listen(%PORT%, '127.0.0.1');
-%SUITE%
-)";
-
-std::vector<std::string> etapes() {
-  std::vector<std::string> noms;
-  for (const auto& etape : Journal::etapes())
-    noms.push_back(std::get<std::string>(etape.at("etape")));
-  return noms;
-}
-
-bool aEteNotee(const std::string& nom) {
-  return std::ranges::count(etapes(), nom) > 0;
-}
-
-Journal::Details detailsDe(const std::string& nom) {
-  for (auto etape : Journal::etapes())
-    if (etape.at("etape") == Journal::Valeur(nom)) {
-      etape.erase("etape");
-      etape.erase("seconde");
-      return etape;
-    }
-  return {};
-}
-
-class EssaiDelegue : public testing::Test {
-protected:
-  EssaiDelegue() {
-    ::unsetenv("KELTROVE_ESSAI");
-    ::unsetenv("KELTROVE_ESSAI_QUITTER");
-    delegue.quandOnPeutPartir = [this] { ++departs; };
-  }
-  ~EssaiDelegue() override {
-    // Un serveur d’essai ne survit pas à son essai, même raté.
-    if (moteur->nousLavonsAllume()) {
-      bool fini = false;
-      moteur->arreter([&](const std::string&) { fini = true; });
-      boucle->attendre([&] { return fini; });
-    }
-  }
-
-  void poserLeServeur(const std::string& suite = "") {
-    auto code = std::string(serveur);
-    code.replace(code.find("%PORT%"), 6, std::to_string(maison.port()));
-    code.replace(code.find("%SUITE%"), 7, suite);
-    maison.ecrire("ressources/keltrove/serveur.mjs", code);
-  }
-  bool attendreLEtape(const std::string& nom) {
-    return boucle->attendre([&] { return aEteNotee(nom); });
-  }
-
-  essais::MaisonTemporaire maison;
-  std::shared_ptr<essais::BoucleVirtuelle> boucle = std::make_shared<essais::BoucleVirtuelle>();
-  std::shared_ptr<moteur::MoteurServeur> moteur = std::make_shared<moteur::MoteurServeur>(
-      moteur::MoteurServeur::Contexte{.boucle = boucle,
-                                      .horloge = std::make_shared<essais::HorlogeAcceleree>(),
-                                      .emplacements = moteur::Emplacements(maison.chemin("ressources")),
-                                      .environnement = socle::Environnement(::environ)});
-  essais::VueEnregistreuse vue;
-  essais::CentreEnregistreur centre;
-  DelegueApplication delegue{moteur, boucle};
-  int departs = 0;
-};
+class EssaiDelegue : public DelegueEnEssai {};
 
 TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
   delegue.applicationDidFinishLaunching(vue, centre);
@@ -253,85 +170,28 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
           .detail = "dernière ligne"}));
 }
 
-TEST_F(EssaiDelegue, FermerNotreServeurLeDitAttendSaFinPuisPart) {
-  poserLeServeur();
+TEST_F(EssaiDelegue, LesMenusSontPosesEtLaPermissionDemandeeUneFois) {
   delegue.applicationDidFinishLaunching(vue, centre);
-  ASSERT_TRUE(attendreLEtape("allume"));
-  EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
-  EXPECT_EQ(vue.ecran().titre, "Fermeture…");
-  EXPECT_EQ(vue.ecran().phrase, "Je laisse le serveur noter la liste des terminaux avant de partir.");
-  EXPECT_TRUE(vue.ecran().roue);
-  vue.quandNavigationRatee({.description = "la page s’est arrêtée"});
-  vue.quandNavigationFinie();
-  EXPECT_EQ(vue.ecran().titre, "Fermeture…");
-  EXPECT_TRUE(vue.ecran().visible);
-  EXPECT_FALSE(aEteNotee("page-ratee") || aEteNotee("page-affichee"));
-  EXPECT_EQ(departs, 0);
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
-  const auto message = std::get<std::string>(detailsDe("arret-fini").at("message"));
-  EXPECT_TRUE(message.starts_with("Serveur fermé proprement en ")) << message;
-  EXPECT_FALSE(aEteNotee("serveur-mort-en-route"));
-  EXPECT_FALSE(moteur->cEstBienKeltrove(maison.port()));
+  EXPECT_EQ(vue.menus.size(), 4U);
+  EXPECT_EQ(centre.lectures.size(), 1U);
+  EXPECT_TRUE(centre.delegue);
+  EXPECT_TRUE(attendreLEtape("echec-demarrage"));
+  vue.quandOnRecharge();
+  EXPECT_EQ(std::ranges::count(etapes(), "demarrage-demande"), 2);
+  EXPECT_EQ(centre.lectures.size(), 1U);
 }
 
-TEST_F(EssaiDelegue, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
-  poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue, centre);
-  ASSERT_TRUE(attendreLEtape("allume"));
-  delegue.applicationShouldTerminate();
-  EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
-  vue.quandOnReessaie();
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
-  EXPECT_EQ(etapes(),
-            (std::vector<std::string>{"demarrage-demande", "allume", "arret-demande", "arret-fini"}));
-}
-
-TEST_F(EssaiDelegue, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranDeFermeture) {
-  maison.ecrire("ressources/keltrove/serveur.mjs",
-                "import fs from 'node:fs'; fs.writeFileSync('lance', ''); setInterval(() => {}, 1000);");
-  delegue.applicationDidFinishLaunching(vue, centre);
-  ASSERT_TRUE(boucle->attendre([&] { return moteur->nousLavonsAllume(); }));
-  EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
-  EXPECT_EQ(detailsDe("arret-fini"),
-            (Journal::Details{{"message", std::string("Le serveur n’a pas été retrouvé : rien à fermer.")}}));
-  // L’issue du démarrage interrompu se note, mais ne remplace pas l’écran de fermeture.
-  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  EXPECT_EQ(vue.ecran().titre, "Fermeture…");
-}
-
-TEST_F(EssaiDelegue, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
-  maison.ecrire("ressources/keltrove/serveur.mjs",
-                "import fs from 'node:fs'; fs.writeFileSync('lance', '');");
-  // Un étranger muet sur le port retient le démarrage avant tout lancement.
-  const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
-  maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
-  delegue.applicationDidFinishLaunching(vue, centre);
-  EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
-  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  EXPECT_FALSE(moteur->nousLavonsAllume());
-}
-
-TEST_F(EssaiDelegue, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {
-  ::setenv("KELTROVE_ESSAI", "1", 1);
-  ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
-  int demandes = 0;
-  delegue.quandOnVeutQuitter = [&] { ++demandes; };
-  delegue.applicationDidFinishLaunching(vue, centre);
-  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  boucle->avancer(2.99);
-  EXPECT_EQ(demandes, 0);
-  boucle->avancer(0.01);
-  EXPECT_EQ(demandes, 1);
-  EXPECT_EQ(etapes().back(), "essai-quitte-tout-seul");
-}
-
-TEST_F(EssaiDelegue, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
-  ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
-  delegue.applicationDidFinishLaunching(vue, centre);
-  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
-  boucle->avancer(60);
-  EXPECT_FALSE(aEteNotee("essai-quitte-tout-seul"));
+TEST_F(EssaiDelegue, NiEnModeEssaiNiEnModeDiscretLaPermissionNEstDemandee) {
+  for (const char* mode : {"KELTROVE_ESSAI", "KELTROVE_DISCRET"}) {
+    ::setenv(mode, "1", 1);
+    essais::VueEnregistreuse autreVue;
+    DelegueApplication autre(moteur, boucle);
+    autre.applicationDidFinishLaunching(autreVue, centre);
+    EXPECT_TRUE(centre.lectures.empty()) << mode;
+    EXPECT_FALSE(centre.delegue) << mode;
+    boucle->attendre([] { return aEteNotee("echec-demarrage"); });
+    ::unsetenv(mode);
+  }
 }
 
 } // namespace
