@@ -57,10 +57,17 @@ if [ $rapide = non ]; then
   construire fuzz -DKELTROVE_STRICT=ON
   dire "Entrées cherchées au hasard, trente secondes chacune…"
   "$racine/essais/fuzz/lancer.sh" 30
-  for prereglage in asan tsan; do
-    construire "$prereglage" -DKELTROVE_BUREAU=OFF
-    essais_unitaires "$prereglage"
-  done
+  construire asan -DKELTROVE_STRICT=ON
+  essais_unitaires asan
+  construire tsan -DKELTROVE_BUREAU=OFF
+  essais_unitaires tsan
+
+  dire "Essais de bout en bout, sur un écran virtuel (construction assainie)…"
+  KELTROVE_CONSTRUCTION="$racine/build/asan" "$racine/essais/bout-en-bout/lancer.sh" -essai_endurance -CopieInstallee
+  dire "Essais de bout en bout de la version livrée…"
+  KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" \
+    essai_endurance essai_inventaire essai_demarrage essai_vie
+  exit
 fi
 
 dire "Essais de bout en bout, sur un écran virtuel…"

@@ -12,10 +12,18 @@ class Compte(unittest.TextTestResult):
         self.reussis += 1
 
 
+def aplatir(suite):
+    for essai in suite:
+        yield from aplatir(essai) if isinstance(essai, unittest.TestSuite) else [essai]
+
+
 chargeur = unittest.TestLoader()
-if len(sys.argv) > 1:
-    chargeur.testNamePatterns = [f"*{filtre}*" for filtre in sys.argv[1:]]
-suite = chargeur.discover(".", pattern="essai_*.py")
+voulus = [filtre for filtre in sys.argv[1:] if not filtre.startswith("-")]
+ecartes = [filtre[1:] for filtre in sys.argv[1:] if filtre.startswith("-")]
+if voulus:
+    chargeur.testNamePatterns = [f"*{filtre}*" for filtre in voulus]
+suite = unittest.TestSuite(essai for essai in aplatir(chargeur.discover(".", pattern="essai_*.py"))
+                           if not any(ecarte in essai.id() for ecarte in ecartes))
 resultat = unittest.TextTestRunner(verbosity=2, resultclass=Compte).run(suite)
 rates = len(resultat.failures) + len(resultat.errors)
 sys.stderr.flush()

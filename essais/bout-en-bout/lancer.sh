@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Les essais de bout en bout, sur un écran virtuel et un bus à eux.
-#   essais/bout-en-bout/lancer.sh [filtre]     par exemple : essais/bout-en-bout/lancer.sh reessayer
+#   essais/bout-en-bout/lancer.sh [filtre…] [-ecarte…]     par exemple : essais/bout-en-bout/lancer.sh reessayer
 set -euo pipefail
 ici=$(cd "$(dirname "$0")" && pwd)
 
@@ -15,6 +15,9 @@ export HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_CONFIG_HOME
 HOME=$(mktemp -d)
 XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache XDG_CONFIG_HOME=$HOME/config
 export LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWRITEBYTECODE=1
+# Une construction assainie : les erreurs d’adresse comptent. Les fuites se cherchent dans les essais unitaires : le
+# ramasse-miettes de la page arrête le chercheur de fuites.
+export ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0:exitcode=66 UBSAN_OPTIONS=print_stacktrace=1
 unset WAYLAND_DISPLAY NO_AT_BRIDGE XDG_STATE_HOME
 trap 'fermer_l_ecran_virtuel; rm -rf "$HOME"' EXIT
 ouvrir_un_ecran_virtuel
