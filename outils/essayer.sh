@@ -63,7 +63,9 @@ if [ $rapide = non ]; then
   essais_unitaires tsan
 
   dire "Essais de bout en bout, sur un écran virtuel (construction assainie)…"
-  KELTROVE_CONSTRUCTION="$racine/build/asan" "$racine/essais/bout-en-bout/lancer.sh" -essai_endurance -CopieInstallee
+  # Ceux qui mesurent la mémoire ou installent une copie n’ont de sens que pour la version livrée, juste après.
+  KELTROVE_CONSTRUCTION="$racine/build/asan" "$racine/essais/bout-en-bout/lancer.sh" \
+    -essai_endurance -serveur_bavard -CopieInstallee
   dire "Essais de bout en bout de la version livrée…"
   KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" \
     essai_endurance essai_inventaire essai_demarrage essai_vie

@@ -12,14 +12,12 @@ def fichiers(dossier):
     return sorted(os.path.join(racine, nom) for racine, _, noms in os.walk(dossier) for nom in noms)
 
 
-def temporaires():
-    return {nom for nom in os.listdir(tempfile.gettempdir())}
-
-
 class Endurance(Cas):
     def test_cent_demarrages_ne_laissent_ni_processus_ni_fichier_ni_prise(self):
-        application = self.application(code=SERVEUR + "servir();")
-        apres_les_premiers, tmp_apres_les_premiers, pointes = None, None, []
+        temporaires = tempfile.TemporaryDirectory()
+        self.addCleanup(temporaires.cleanup)
+        application = self.application(code=SERVEUR + "servir();", variables={"TMPDIR": temporaires.name})
+        apres_les_premiers, pointes = None, []
         for tour in range(100):
             application.lancer().attendre("page-affichee")
             with open(f"/proc/{application.processus.pid}/status") as fichier:
@@ -29,9 +27,9 @@ class Endurance(Cas):
             with socket.socket() as prise:
                 self.assertNotEqual(prise.connect_ex(("127.0.0.1", application.port)), 0)
             if tour == 4:
-                apres_les_premiers, tmp_apres_les_premiers = fichiers(application.maison), temporaires()
+                apres_les_premiers = fichiers(application.maison)
         self.assertEqual(fichiers(application.maison), apres_les_premiers)
-        self.assertEqual(temporaires() - tmp_apres_les_premiers, set())
+        self.assertEqual(os.listdir(temporaires.name), [])
         self.assertLess(max(pointes[-20:]), 1.1 * max(pointes[:20]), "la mémoire ne grossit pas d’un lancement à l’autre")
         restes = [pid for pid in processus_marques(application.marque)]
         self.assertEqual(restes, [])
