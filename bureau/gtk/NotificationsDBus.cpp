@@ -21,7 +21,7 @@ constexpr const char* facteur = "org.freedesktop.DBus";
 constexpr const char* cheminDuFacteur = "/org/freedesktop/DBus";
 constexpr int patience = 10'000; // millisecondes
 
-constexpr const char* son = "message-new-instant"; // un nom de « Sound Naming Specification »
+constexpr const char* son = "message-new-instant"; // un des noms de sons convenus par freedesktop.org
 constexpr const char* actionDuClic = "default";    // le nom que l’interface réserve au clic
 constexpr int dureeDuService = -1;                 // au service de choisir
 

@@ -205,13 +205,11 @@ TEST_F(EssaiVerification, DUneCleRepeteeLaDerniereValeurCompteEtLaMarqueDOrdreEs
 }
 
 TEST_F(EssaiVerification, LaSignatureAdmetDesBlancsAutourMaisPasDedans) {
-  code.signer();
   const auto lire = [&](const std::string& texte) {
     code.ecrire("inventaire.sig", texte);
     return code.verifier();
   };
   const std::string inventaire = R"({"fichiers":{}})";
-  code.signer();
   code.signer(inventaire);
   const auto signature = code.signatureDe(inventaire);
   const auto lue = defaut("fichier ajouté, non prévu : lib/outil.mjs");

@@ -71,10 +71,9 @@ TEST_F(EssaiHostile, UnPiegeALaPlaceDeLInventaireDeLaSignatureOuDeLaCleEstIllisi
           std::pair(code.chemin("inventaire.sig"),
                     "signature absente ou illisible : " + code.chemin("inventaire.sig")),
           std::pair(code.cle(), "clé publique illisible : " + code.cle())}) {
-      fs::rename(chemin, chemin + ".garde");
-      // Le fichier mis de côté ne doit pas compter.
+      // Hors du dossier, le fichier mis de côté ne compte pas.
       const auto cote = fs::path(code.dossier()).parent_path() / "garde";
-      fs::rename(chemin + ".garde", cote);
+      fs::rename(chemin, cote);
       poser(chemin);
       EXPECT_EQ(verdict(), attendu);
       fs::remove_all(chemin);
