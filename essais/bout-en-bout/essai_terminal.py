@@ -1,11 +1,12 @@
 """Le vrai serveur dans l’application : ce que les menus, les dépôts et les clics font d’un vrai terminal."""
 
 import os
+import signal
 import subprocess
 import tempfile
 
 import ecran
-from application import attendre, fenetres, touches
+from application import attendre, fenetres, lire, touches
 from cas import Cas
 from glissement import Source, souris
 from notifications import Bus, Service
@@ -119,3 +120,34 @@ class Notifications(Terminal):
         attendre(chez_le_premier, quoi="le premier terminal au clavier")
         self.assertEqual(len(service.appels()), 1)
         application.quitter()
+
+
+class Retour(Terminal):
+    def test_recharger_la_page_retrouve_les_terminaux_en_marche(self):
+        # Le nouvel essai se rattache au serveur, qui n’est alors plus à nous.
+        application = self.ouvrir(reste_un_serveur=True)
+        taper("QUI=toujours-la\n")
+        touches("ctrl+shift+r")
+        application.attendre("page-contenu", fois=2)
+        self.taper_jusqu_a(application, "touch qui-$QUI\n", "qui-toujours-la")
+        application.quitter()
+
+    def test_apres_la_mort_du_serveur_les_terminaux_reviennent_dans_leur_dossier(self):
+        application = self.ouvrir()
+        taper("mkdir -p 'un dossier' && cd 'un dossier' && touch ici\n")
+        self.attendre_le_fichier(application, "un dossier/ici")
+        carnet = self.chemin(application, ".zelcor/keltrove-carnet.json")
+        attendre(lambda: "un dossier" in lire(carnet).decode(), quoi="le dossier noté")
+        os.kill(application.serveurs()[0], signal.SIGKILL)
+        application.attendre("serveur-mort-en-route")
+        ecran.presser(application.processus.pid, "Réessayer")
+        application.attendre("page-contenu", fois=2)
+        self.taper_jusqu_a(application, "touch revenu\n", "un dossier/revenu")
+        application.quitter()
+
+    def taper_jusqu_a(self, application, texte, fichier):
+        """Le terminal prend le clavier un peu après la page : on retape jusqu’à ce qu’il réponde."""
+        def essai():
+            taper(texte)
+            return os.path.exists(self.chemin(application, fichier))
+        attendre(essai, quoi=f"le fichier {fichier}")
