@@ -37,7 +37,8 @@ dire "Essais du serveur…"
 
 if [ $rapide = non ]; then
   dire "Mise en forme…"
-  git -C "$racine" ls-files '*.cpp' '*.hpp' | (cd "$racine" && xargs clang-format-19 --dry-run --Werror) ||
+  (cd "$racine" && find socle moteur verification pont fenetre app bureau essais -name '*.[ch]pp' -print0 |
+    xargs -0 clang-format-19 --dry-run --Werror) ||
     abandonner "Des fichiers ne sont pas mis en forme : « clang-format-19 -i » les corrige."
 
   dire "Analyse statique…"
