@@ -70,8 +70,8 @@ void FenetrePrincipale::afficher() {
 
 void FenetrePrincipale::chargerLaPage(int port) {
   portAffiche_ = port;
+  surveillerLeDelai(); // d’abord : le chargement peut échouer aussitôt
   vue_.charger(fmt::format("http://localhost:{}/", port));
-  surveillerLeDelai();
 }
 
 void FenetrePrincipale::surveillerLeDelai() {

@@ -194,6 +194,13 @@ TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   EXPECT_TRUE(vue.ecran().boutonReessayer);
 }
 
+TEST_F(EssaiFenetre, UnePageRateeAussitotNeRatePasUneSecondeFois) {
+  vue.quandOnCharge = [this] { vue.quandNavigationRatee({.description = "refusée"}); };
+  fenetre.chargerLaPage(8080);
+  boucle.avancer(61);
+  EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-ratee"});
+}
+
 TEST_F(EssaiFenetre, UnePageFinieNAPlusDeDelai) {
   fenetre.chargerLaPage(8080);
   vue.quandNavigationFinie();

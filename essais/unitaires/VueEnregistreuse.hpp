@@ -29,7 +29,12 @@ public:
     ++derriere;
     return 1234;
   }
-  void charger(const std::string& adresse) override { adresses.push_back(adresse); }
+  // Ce qui arrive pendant le chargement même.
+  std::function<void()> quandOnCharge;
+  void charger(const std::string& adresse) override {
+    adresses.push_back(adresse);
+    if (quandOnCharge) quandOnCharge();
+  }
   void arreterLeChargement() override { ++chargementsArretes; }
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) override {
     evaluations.emplace_back(expression, std::move(fini));
