@@ -74,8 +74,8 @@ protected:
     code.replace(code.find("%SUITE%"), 7, suite);
     maison.ecrire("ressources/keltrove/serveur.mjs", code);
   }
-  bool attendreLEtape(const std::string& nom) {
-    return boucle->attendre([&] { return aEteNotee(nom); });
+  bool attendreLEtape(const std::string& nom, int fois = 1) {
+    return boucle->attendre([&] { return std::ranges::count(etapes(), nom) >= fois; });
   }
 
   essais::MaisonTemporaire maison;

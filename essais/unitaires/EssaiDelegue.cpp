@@ -178,10 +178,12 @@ TEST_F(EssaiDelegue, LesMenusSontPosesEtLaPermissionDemandeeUneFois) {
   EXPECT_TRUE(attendreLEtape("echec-demarrage"));
   vue.quandOnRecharge();
   EXPECT_EQ(std::ranges::count(etapes(), "demarrage-demande"), 2);
+  EXPECT_TRUE(attendreLEtape("echec-demarrage", 2));
   EXPECT_EQ(centre.lectures.size(), 1U);
 }
 
 TEST_F(EssaiDelegue, NiEnModeEssaiNiEnModeDiscretLaPermissionNEstDemandee) {
+  int essais = 0;
   for (const char* mode : {"KELTROVE_ESSAI", "KELTROVE_DISCRET"}) {
     ::setenv(mode, "1", 1);
     essais::VueEnregistreuse autreVue;
@@ -189,7 +191,8 @@ TEST_F(EssaiDelegue, NiEnModeEssaiNiEnModeDiscretLaPermissionNEstDemandee) {
     autre.applicationDidFinishLaunching(autreVue, centre);
     EXPECT_TRUE(centre.lectures.empty()) << mode;
     EXPECT_FALSE(centre.delegue) << mode;
-    boucle->attendre([] { return aEteNotee("echec-demarrage"); });
+    // Le moteur lit l’environnement : il doit avoir fini avant que l’essai ne le change.
+    EXPECT_TRUE(attendreLEtape("echec-demarrage", ++essais));
     ::unsetenv(mode);
   }
 }
