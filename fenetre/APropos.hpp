@@ -1,5 +1,11 @@
-// APropos : ce que l’application dit d’elle-même.
+// APropos : ce que l’application dit d’elle-même, et le journal qu’un utilisateur peut envoyer.
 #pragma once
+
+#include "socle/Journal.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace keltrove::fenetre::APropos {
 
@@ -9,5 +15,10 @@ inline constexpr const char* objet = "Une fenêtre native pour votre page de ter
 inline constexpr const char* licence =
     "Logiciel libre, sous licence MIT : vous pouvez l’utiliser, le modifier et "
     "le partager, sans garantie d’aucune sorte.";
+
+// La version, le système (une ligne que le bureau donne), puis une étape par ligne : les secondes depuis la
+// première, son nom, ses détails. Le jeton d’accès n’y paraît jamais, fût-il dans un détail. En UTF-8.
+std::string journal(const std::string& systeme, const std::vector<socle::Journal::Details>& etapes,
+                    const std::optional<std::string>& jeton);
 
 } // namespace keltrove::fenetre::APropos

@@ -1,10 +1,14 @@
 #include "bureau/gtk/AProposGtk.hpp"
 
 #include "fenetre/APropos.hpp"
+#include "socle/Reglages.hpp"
 
+#include <fmt/format.h>
 #include <gdk/gdkkeysyms.h>
+#include <gdkmm/clipboard.h>
 #include <gtkmm/eventcontrollerkey.h>
 #include <gtkmm/icontheme.h>
+#include <webkit/webkit.h>
 
 namespace keltrove::bureau {
 
@@ -16,17 +20,45 @@ constexpr int marge = 28;
 constexpr int espacement = 10;
 constexpr int tailleDeLIcone = 72;
 constexpr int largeurDuTexte = 42; // en caractères
+constexpr int hauteurDuJournal = 180;
+constexpr int margeDuJournal = 8;
+constexpr const char* titreDeLaCopie = "Copier le journal";
+
+// Ce qu’il faut savoir d’une machine pour comprendre un journal.
+std::string systeme() {
+  auto* nom = g_get_os_info(G_OS_INFO_KEY_PRETTY_NAME);
+  auto ligne =
+      fmt::format("{}, GTK {}.{}.{}, WebKitGTK {}.{}.{}", nom != nullptr ? nom : "Système inconnu",
+                  gtk_get_major_version(), gtk_get_minor_version(), gtk_get_micro_version(),
+                  webkit_get_major_version(), webkit_get_minor_version(), webkit_get_micro_version());
+  g_free(nom);
+  return ligne;
+}
 
 } // namespace
 
 AProposGtk::AProposGtk(Gtk::Window& parente)
     : pile_(Gtk::Orientation::VERTICAL, espacement), nom_(APropos::nom), version_(APropos::version),
-      objet_(APropos::objet), licence_(APropos::licence), fermer_("Fermer") {
+      objet_(APropos::objet), licence_(APropos::licence), boutons_(Gtk::Orientation::HORIZONTAL, espacement),
+      voir_("Voir le journal"), copier_(titreDeLaCopie), fermer_("Fermer") {
   set_title("À propos de Keltrove");
   set_transient_for(parente);
   set_modal(true);
   set_resizable(false);
   set_hide_on_close(true);
+  construireLesTextes();
+  construireLeJournal();
+  construireLesBoutons();
+  for (auto* element : std::initializer_list<Gtk::Widget*>{&icone_, &nom_, &version_, &objet_, &licence_,
+                                                           &cadreDuJournal_, &boutons_})
+    pile_.append(*element);
+  pile_.set_margin(marge);
+  set_child(pile_);
+  set_default_widget(fermer_);
+  fermerSurEchap();
+}
+
+void AProposGtk::construireLesTextes() {
   icone_.set_from_icon_name(KELTROVE_IDENTIFIANT);
   icone_.set_visible(Gtk::IconTheme::get_for_display(get_display())->has_icon(KELTROVE_IDENTIFIANT));
   icone_.set_pixel_size(tailleDeLIcone);
@@ -38,17 +70,40 @@ AProposGtk::AProposGtk(Gtk::Window& parente)
     texte->set_justify(Gtk::Justification::CENTER);
   }
   licence_.add_css_class("caption");
-  fermer_.set_halign(Gtk::Align::CENTER);
-  fermer_.set_margin_top(espacement);
+}
+
+void AProposGtk::construireLeJournal() {
+  gtk_accessible_update_property(GTK_ACCESSIBLE(texteDuJournal_.gobj()), GTK_ACCESSIBLE_PROPERTY_LABEL,
+                                 "Journal", -1);
+  texteDuJournal_.set_editable(false);
+  texteDuJournal_.set_cursor_visible(false);
+  texteDuJournal_.set_monospace(true);
+  texteDuJournal_.set_wrap_mode(Gtk::WrapMode::WORD_CHAR);
+  texteDuJournal_.set_top_margin(margeDuJournal);
+  texteDuJournal_.set_left_margin(margeDuJournal);
+  texteDuJournal_.set_right_margin(margeDuJournal);
+  cadreDuJournal_.set_child(texteDuJournal_);
+  cadreDuJournal_.set_policy(Gtk::PolicyType::NEVER, Gtk::PolicyType::AUTOMATIC);
+  cadreDuJournal_.set_min_content_height(hauteurDuJournal);
+  cadreDuJournal_.set_has_frame(true);
+  cadreDuJournal_.set_visible(false);
+}
+
+void AProposGtk::construireLesBoutons() {
+  voir_.signal_toggled().connect([this] {
+    cadreDuJournal_.set_visible(voir_.get_active());
+    voir_.set_label(voir_.get_active() ? "Cacher le journal" : "Voir le journal");
+  });
+  copier_.signal_clicked().connect([this] {
+    get_clipboard()->set_text(texteDuJournal_.get_buffer()->get_text());
+    copier_.set_label("Journal copié");
+  });
   fermer_.signal_clicked().connect([this] { close(); });
-  for (auto* element :
-       std::initializer_list<Gtk::Widget*>{&icone_, &nom_, &version_, &objet_, &licence_, &fermer_})
-    pile_.append(*element);
-  pile_.set_margin(marge);
-  set_child(pile_);
-  set_default_widget(fermer_);
-  fermer_.grab_focus();
-  fermerSurEchap();
+  boutons_.set_halign(Gtk::Align::CENTER);
+  boutons_.set_margin_top(espacement);
+  boutons_.append(voir_);
+  boutons_.append(copier_);
+  boutons_.append(fermer_);
 }
 
 void AProposGtk::fermerSurEchap() {
@@ -61,6 +116,15 @@ void AProposGtk::fermerSurEchap() {
       },
       false);
   add_controller(touches);
+}
+
+// Le journal grandit tant que l’application vit.
+void AProposGtk::on_show() {
+  texteDuJournal_.get_buffer()->set_text(
+      APropos::journal(systeme(), socle::Journal::etapes(), socle::Reglages::jeton()));
+  copier_.set_label(titreDeLaCopie);
+  fermer_.grab_focus();
+  Gtk::Window::on_show();
 }
 
 } // namespace keltrove::bureau

@@ -1,10 +1,14 @@
-// AProposGtk : la petite fenêtre « À propos ». Celle de GTK suivrait la langue du système, non la nôtre.
+// AProposGtk : la petite fenêtre « À propos », avec le journal de ce lancement à copier. Celle de GTK
+// suivrait la langue du système, non la nôtre.
 #pragma once
 
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
 #include <gtkmm/image.h>
 #include <gtkmm/label.h>
+#include <gtkmm/scrolledwindow.h>
+#include <gtkmm/textview.h>
+#include <gtkmm/togglebutton.h>
 #include <gtkmm/window.h>
 
 namespace keltrove::bureau {
@@ -14,7 +18,11 @@ public:
   explicit AProposGtk(Gtk::Window& parente);
 
 private:
+  void construireLesTextes();
+  void construireLeJournal();
+  void construireLesBoutons();
   void fermerSurEchap();
+  void on_show() override;
 
   Gtk::Box pile_;
   Gtk::Image icone_;
@@ -22,6 +30,11 @@ private:
   Gtk::Label version_;
   Gtk::Label objet_;
   Gtk::Label licence_;
+  Gtk::ScrolledWindow cadreDuJournal_;
+  Gtk::TextView texteDuJournal_;
+  Gtk::Box boutons_;
+  Gtk::ToggleButton voir_;
+  Gtk::Button copier_;
   Gtk::Button fermer_;
 };
 

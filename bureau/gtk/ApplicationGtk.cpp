@@ -1,18 +1,29 @@
 #include "bureau/gtk/ApplicationGtk.hpp"
 
 #include "bureau/gtk/EcranPerdu.hpp"
+#include "socle/Reglages.hpp"
 
 #include <csignal>
 
 #include <glib-unix.h>
 
 namespace keltrove::bureau {
+namespace {
+
+namespace Reglages = socle::Reglages;
+using Partage = Gio::Application::Flags;
+
+Partage partage() {
+  return Reglages::modeEssai() || Reglages::modeDiscret() ? Partage::NON_UNIQUE : Partage::NONE;
+}
+
+} // namespace
 
 ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
                                std::shared_ptr<socle::BoucleEvenements> boucle,
                                socle::Environnement environnement)
-    : Gtk::Application(KELTROVE_IDENTIFIANT, Gio::Application::Flags::NON_UNIQUE),
-      environnement_(std::move(environnement)), notifications_(environnement_),
+    : Gtk::Application(KELTROVE_IDENTIFIANT, partage()), environnement_(std::move(environnement)),
+      notifications_(environnement_),
       delegue_(std::make_unique<app::DelegueApplication>(std::move(moteur), std::move(boucle))) {
   delegue_->quandOnVeutQuitter = [this] { demanderLaFermeture(); };
   delegue_->quandOnPeutPartir = [this] { partir(); };
@@ -20,11 +31,25 @@ ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
 
 ApplicationGtk::~ApplicationGtk() = default;
 
-void ApplicationGtk::on_activate() {
-  if (fenetre_) {
-    fenetre_->mettreDevant();
-    return;
+void ApplicationGtk::sInscrire() {
+  try {
+    register_application();
+  } catch (const Glib::Error&) {
+    // Celle qui tient le nom est figée : une seconde fenêtre vaut mieux que rien du tout.
+    set_flags(Partage::NON_UNIQUE);
   }
+}
+
+void ApplicationGtk::on_activate() {
+  if (seFerme_)
+    aRouvrir_ = true;
+  else if (fenetre_)
+    fenetre_->mettreDevant();
+  else
+    ouvrir();
+}
+
+void ApplicationGtk::ouvrir() {
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
   fenetre_ = std::make_unique<FenetreGtk>(environnement_);
   fenetre_->quandOnFerme = [this] { demanderLaFermeture(); };
@@ -48,6 +73,7 @@ void ApplicationGtk::ecouterLesSignaux() {
 }
 
 void ApplicationGtk::demanderLaFermeture() {
+  seFerme_ = true;
   if (delegue_->applicationShouldTerminate() == app::ReponseFermeture::maintenant) partir();
 }
 

@@ -30,6 +30,9 @@ void ecarterUnBusAbsent() {
   if (adresse != nullptr ? repond(adresse) : estALaPlaceConvenue()) return;
   // Le mot que GLib et WebKit comprennent pour « aucun bus, et n’en lancez pas ».
   ::setenv(variable, "disabled:", 1);
+  // GTK 4.8 nomme ses objets accessibles d’après l’adresse de l’application sur ce bus : sans elle, il
+  // s’arrête net en fermant sa fenêtre, dès qu’un bus d’accessibilité se trouve par l’écran.
+  ::setenv("GTK_A11Y", "none", 1);
 }
 
 } // namespace keltrove::bureau

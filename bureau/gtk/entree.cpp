@@ -8,6 +8,7 @@
 #include "bureau/gtk/CurseurDeTexte.hpp"
 #include "bureau/gtk/EssaiDeLancement.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
+#include "bureau/gtk/Reouverture.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
 
@@ -64,6 +65,9 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   const auto environnement = contexte.environnement;
   auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));
   bureau::ApplicationGtk application(std::move(moteur), boucle, environnement);
+  application.sInscrire();
   // Aucun argument n’est pour GTK.
-  return application.run();
+  const int etat = application.run();
+  if (application.aRouvrir()) bureau::rouvrir(appel.executable, environnement);
+  return etat;
 }

@@ -10,6 +10,8 @@ import tempfile
 import threading
 import time
 
+from bus import Bus
+
 CONSTRUCTION = os.path.abspath(os.environ.get("KELTROVE_CONSTRUCTION", "build/release"))
 MARQUE = "KELTROVE_MARQUE_D_ESSAI"
 
@@ -81,7 +83,8 @@ class Application:
         self.executable = os.path.join(self.racine, "keltrove")
         self.port = port_libre()
         self.regler(self.port)
-        self.variables = variables or {}
+        self.variables = dict(variables or {})
+        self.bus = None
         self.code, self.porte, self.vrai_serveur = code, porte, vrai_serveur
         self.lignes, self.arrivee, self.processus = [], threading.Condition(), None
 
@@ -103,7 +106,15 @@ class Application:
                  "XDG_STATE_HOME": os.path.join(self.maison, "état"), **self.variables}
         return {cle: valeur for cle, valeur in {**propre, **voulu}.items() if valeur is not None}
 
-    def lancer(self):
+    def avoir_un_bus(self):
+        """Le sien, sauf si l’essai en décide : une seule application s’ouvre par bus."""
+        if "DBUS_SESSION_BUS_ADDRESS" not in self.variables:
+            self.bus = Bus()
+            self.variables.update(self.bus.variables)
+        return self
+
+    def preparer(self):
+        """Le serveur et le script de démarrage qu’elle trouvera."""
         if self.vrai_serveur:
             os.symlink(os.path.join(CONSTRUCTION, "ressources/keltrove"), os.path.join(self.ressources, "keltrove"))
             self.vrai_serveur = False
@@ -111,10 +122,17 @@ class Application:
             self.poser("keltrove/serveur.mjs", self.code)
         if self.porte is not None:
             self.poser("demarrer-keltrove.sh", self.porte, executable=True)
+
+    def lancer(self):
+        self.avoir_un_bus()
+        self.preparer()
+        return self.suivre(subprocess.Popen([self.executable], text=True, env=self.environnement(),
+                                            stderr=subprocess.PIPE, start_new_session=True))
+
+    def suivre(self, processus):
         self.lignes.clear()
-        self.processus = subprocess.Popen([self.executable], text=True,
-                                          env=self.environnement(), stderr=subprocess.PIPE, start_new_session=True)
-        threading.Thread(target=self.ecouter, args=(self.processus.stderr,), daemon=True).start()
+        self.processus = processus
+        threading.Thread(target=self.ecouter, args=(processus.stderr,), daemon=True).start()
         return self
 
     def ecouter(self, tube):
@@ -159,6 +177,8 @@ class Application:
                 os.kill(pid, signal.SIGKILL)
             except ProcessLookupError:
                 pass
+        if self.bus:
+            self.bus.arreter()
         shutil.rmtree(self.racine, ignore_errors=True)
         return restes
 

@@ -1,5 +1,6 @@
 """Les menus et leurs raccourcis ; les touches qui restent à la page."""
 
+import os
 import string
 import subprocess
 
@@ -175,6 +176,27 @@ class Menus(AvecUnePage):
         self.assertTrue(any("licence MIT" in texte for texte in ecran.textes(pid)))
         touches("Escape")
         attendre(lambda: not any("Version 0." in t for t in ecran.textes(pid)), quoi="la fenêtre refermée")
+        application.quitter()
+
+    def test_a_propos_donne_a_copier_le_journal_de_ce_lancement_sans_le_jeton(self):
+        application = self.application(vrai_serveur=True).lancer()
+        application.attendre("sante")
+        application.attendre("page-contenu")
+        pid = application.processus.pid
+        ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
+        ecran.presser(pid, "Copier le journal")
+        attendre(lambda: "Journal copié" in ecran.boutons(pid), quoi="la copie dite")
+        attendre(lambda: "WebKitGTK" in ecran.presse_papiers(), quoi="le journal dans le presse-papiers")
+        copie = ecran.presse_papiers()
+        self.assertTrue(copie.startswith("Keltrove 0."), copie)
+        for etape in application.etapes():
+            self.assertIn(f" s  {etape}", copie)
+        with open(os.path.join(application.maison, ".zelcor/keltrove-jeton")) as fichier:
+            self.assertNotIn(fichier.read().strip(), copie)
+        touches("Escape")
+        attendre(lambda: "Journal copié" not in ecran.boutons(pid), quoi="la fenêtre refermée")
+        ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
+        attendre(lambda: "Copier le journal" in ecran.boutons(pid), quoi="la copie de nouveau proposée")
         application.quitter()
 
     def test_recharger_sans_page_demande_un_essai(self):

@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import tempfile
 
 from application import SERVEUR, VERT, attendre, couleur, fenetres, lire, touches
 from cas import Cas
@@ -240,7 +241,9 @@ class VraiService(AvecUnBus):
         [urgency_normal]\nbackground = "#1144CC"\nforeground = "#FFFFFF"\ntimeout = 60\n"""
 
     def test_une_vraie_notification_se_voit_et_se_clique(self):
-        reglages = os.path.join(self.bus.dossier.name, "dunstrc")
+        dossier = tempfile.TemporaryDirectory()
+        self.addCleanup(dossier.cleanup)
+        reglages = os.path.join(dossier.name, "dunstrc")
         with open(reglages, "w") as fichier:
             fichier.write("\n".join(ligne.strip() for ligne in self.CONFIGURATION.split("\n")))
         service = subprocess.Popen(["dunst", "-config", reglages], env={**os.environ, **self.bus.variables},

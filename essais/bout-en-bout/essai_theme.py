@@ -14,12 +14,13 @@ PAGE = SERVEUR.replace(
 
 class Theme(Cas):
     def test_la_page_suit_la_preference_du_bureau(self):
+        application = self.application(code=PAGE + "servir();", variables={"GTK_THEME": None}).avoir_un_bus()
         portail = subprocess.Popen(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "portail.py"), "1"],
-                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+                                   env={**os.environ, **application.bus.variables}, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, text=True)
         self.addCleanup(portail.communicate)
         self.assertEqual(portail.stdout.readline(), "pret\n")
-        application = self.application(code=PAGE + "servir();", variables={"GTK_THEME": None}).lancer()
-        application.attendre("page-affichee")
+        application.lancer().attendre("page-affichee")
         attendre(lambda: couleur(680, 450) == SOMBRE, quoi="la page sombre")
         print(2, file=portail.stdin, flush=True)
         attendre(lambda: couleur(680, 450) == CLAIR, quoi="la page claire")

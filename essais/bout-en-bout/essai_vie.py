@@ -202,7 +202,7 @@ class Machine(Cas):
 
     def test_sans_bus_de_session_l_application_tourne(self):
         application = self.application(code=ORDINAIRE, variables={
-            "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nulle/part", "GTK_A11Y": "none"}).lancer()
+            "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nulle/part"}).lancer()
         application.attendre("page-contenu")
         self.assertEqual(application.quitter(), 0)
 

@@ -21,5 +21,9 @@ export ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0:exitcode=66 UBSAN_OP
 unset WAYLAND_DISPLAY NO_AT_BRIDGE XDG_STATE_HOME
 trap 'fermer_l_ecran_virtuel; rm -rf "$HOME"' EXIT
 ouvrir_un_ecran_virtuel
+# Chaque application a son bus de session, mais toutes se lisent sur ce seul bus d’accessibilité.
+dbus-update-activation-environment DISPLAY
+AT_SPI_BUS_ADDRESS=$(dbus-send --session --print-reply=literal --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress)
+export AT_SPI_BUS_ADDRESS=${AT_SPI_BUS_ADDRESS##* }
 cd "$ici"
 /usr/bin/python3 essayer.py "$@"

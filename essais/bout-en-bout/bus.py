@@ -1,0 +1,28 @@
+"""Un bus de session à soi, sans aucun service que l’on puisse réveiller."""
+
+import subprocess
+import tempfile
+
+REGLES = """<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy context="default">
+  <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>"""
+
+
+class Bus:
+    def __init__(self, cas=None):
+        with tempfile.NamedTemporaryFile("w", suffix=".conf") as regles:
+            regles.write(REGLES)
+            regles.flush()
+            self.demarrer(regles.name)
+        if cas:
+            cas.addCleanup(self.arreter)
+
+    def demarrer(self, regles):
+        self.processus = subprocess.Popen(["dbus-daemon", f"--config-file={regles}", "--nofork", "--print-address=1"],
+                                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.adresse = self.processus.stdout.readline().strip()
+        self.variables = {"DBUS_SESSION_BUS_ADDRESS": self.adresse}
+
+    def arreter(self):
+        self.processus.kill()
+        self.processus.wait()
+        self.processus.stdout.close()
