@@ -14,7 +14,8 @@ paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-d
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
 paquets_ecran=(xvfb openbox imagemagick)
 paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium x11-xkb-utils at-spi2-core python3 python3-gi gir1.2-atspi-2.0
-  gir1.2-gtk-4.0 gsettings-desktop-schemas dunst locales procps)
+  gir1.2-gtk-4.0 gsettings-desktop-schemas dunst locales procps x11-utils)
+paquets_paquet=(dpkg-dev file lintian desktop-file-utils appstream man-db zsh)
 paquets_portabilite=(clang-19 clang-tidy-19 clang-format-19 gcovr libclang-rt-19-dev libc++-19-dev libc++abi-19-dev)
 
 est_installe() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }

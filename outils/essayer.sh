@@ -13,7 +13,7 @@ case "${1:-}" in
 esac
 
 paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}")
-[ $rapide = oui ] || paquets+=("${paquets_portabilite[@]}")
+[ $rapide = oui ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}")
 installer_ce_qui_manque "${paquets[@]}"
 
 essais_unitaires() {
@@ -69,7 +69,9 @@ if [ $rapide = non ]; then
     -essai_endurance -serveur_bavard -CopieInstallee
   dire "Essais de bout en bout de la version livrée…"
   KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" \
-    essai_endurance essai_inventaire essai_demarrage essai_vie
+    essai_endurance essai_installation essai_inventaire essai_demarrage essai_vie
+  dire "Le paquet, contrôlé par l’outil de chacune de ses parties…"
+  "$racine/outils/paquet.sh"
   exit
 fi
 

@@ -1,4 +1,4 @@
-"""La vérification d’un dossier signé en ligne de commande, et la copie installée qui refuse d’avoir été modifiée."""
+"""La vérification d’un dossier signé, en ligne de commande."""
 
 import os
 import shutil
@@ -6,7 +6,6 @@ import stat
 import subprocess
 import tempfile
 
-import ecran
 from application import CONSTRUCTION
 from cas import Cas
 
@@ -147,44 +146,3 @@ class Outil(AvecUnDossierSigne):
         self.assertEqual(executer(SIGNER, "sceller", self.dossier, autre, self.privee).returncode, 0)
         self.assertEqual(self.verdict(self.dossier, self.publique), "")
         self.assertEqual(self.verdict(self.dossier, autre), "")
-
-
-class CopieInstallee(Cas):
-    def installer(self):
-        racine = tempfile.mkdtemp(prefix="copie installée ")
-        self.addCleanup(shutil.rmtree, racine)
-        subprocess.run(["cmake", "--install", CONSTRUCTION, "--prefix", racine], check=True, capture_output=True)
-        return racine
-
-    def application_installee(self, racine):
-        application = self.application()
-        application.executable = os.path.join(racine, "bin/keltrove")
-        return application
-
-    def test_intacte_elle_ouvre_ses_terminaux_et_se_ferme_proprement(self):
-        application = self.application_installee(self.installer()).lancer()
-        application.attendre("page-contenu")
-        (serveur,) = application.serveurs()
-        self.assertEqual(application.quitter(), 0)
-        self.assertIn("Serveur fermé proprement", application.details("arret-fini")[0])
-        self.assertFalse(os.path.exists(f"/proc/{serveur}"))
-
-    def test_un_octet_change_elle_le_dit_et_ne_lance_rien(self):
-        racine = self.installer()
-        with open(os.path.join(racine, "share/keltrove/keltrove/lib/acces.mjs"), "r+b") as fichier:
-            fichier.seek(10)
-            octet = fichier.read(1)
-            fichier.seek(10)
-            fichier.write(bytes([octet[0] ^ 1]))
-        application = self.application_installee(racine).lancer()
-        application.attendre("echec-demarrage")
-        ecran.attendre_le_texte(application.processus.pid, "a été modifiée")
-        self.assertEqual(application.serveurs(), [])
-        application.quitter()
-
-    def test_sans_verificateur_elle_refuse_aussi(self):
-        racine = self.installer()
-        os.remove(os.path.join(racine, "bin/keltrove"))
-        rendu = executer(os.path.join(racine, "share/keltrove/demarrer-keltrove.sh"))
-        self.assertEqual((rendu.returncode, rendu.stdout.decode()),
-                         (1, "MODIFIE=le programme qui vérifie cette copie manque\n"))
