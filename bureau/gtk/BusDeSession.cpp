@@ -5,6 +5,8 @@
 #include <cstdlib>
 
 #include <gio/gio.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace keltrove::bureau {
 namespace {
@@ -16,10 +18,13 @@ bool repond(const char* adresse) {
   return true;
 }
 
-// La place convenue d’un bus dont aucune variable ne donne l’adresse.
+// La place convenue d’un bus dont aucune variable ne donne l’adresse ; GLib n’y prend que le nôtre.
 bool estALaPlaceConvenue() {
   const char* dossier = std::getenv("XDG_RUNTIME_DIR");
-  return dossier != nullptr && socle::existe(socle::ajouterComposant(dossier, "bus"));
+  if (dossier == nullptr) return false;
+  struct stat bus = {};
+  return ::stat(socle::ajouterComposant(dossier, "bus").c_str(), &bus) == 0 && S_ISSOCK(bus.st_mode) &&
+         bus.st_uid == ::geteuid();
 }
 
 } // namespace

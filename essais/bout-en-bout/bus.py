@@ -3,14 +3,14 @@
 import subprocess
 import tempfile
 
-REGLES = """<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy context="default">
+REGLES = """<busconfig><type>session</type><listen>{adresse}</listen><policy context="default"><allow user="*"/>
   <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>"""
 
 
 class Bus:
-    def __init__(self, cas=None):
+    def __init__(self, cas=None, adresse="unix:tmpdir=/tmp"):
         with tempfile.NamedTemporaryFile("w", suffix=".conf") as regles:
-            regles.write(REGLES)
+            regles.write(REGLES.format(adresse=adresse))
             regles.flush()
             self.demarrer(regles.name)
         if cas:

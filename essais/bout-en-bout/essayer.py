@@ -1,5 +1,6 @@
 """Lance les essais de ce dossier et dit en une ligne ce qu’il en est."""
 
+import os
 import sys
 import unittest
 
@@ -22,7 +23,7 @@ voulus = [filtre for filtre in sys.argv[1:] if not filtre.startswith("-")]
 ecartes = [filtre[1:] for filtre in sys.argv[1:] if filtre.startswith("-")]
 if voulus:
     chargeur.testNamePatterns = [f"*{filtre}*" for filtre in voulus]
-suite = unittest.TestSuite(essai for essai in aplatir(chargeur.discover(".", pattern="essai_*.py"))
+suite = unittest.TestSuite(essai for essai in aplatir(chargeur.discover(".", pattern=os.environ.get("KELTROVE_ESSAIS", "essai_*.py")))
                            if not any(ecarte in essai.id() for ecarte in ecartes))
 resultat = unittest.TextTestRunner(verbosity=2, resultclass=Compte).run(suite)
 rates = len(resultat.failures) + len(resultat.errors)

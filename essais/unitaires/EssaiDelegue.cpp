@@ -116,13 +116,17 @@ TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
   EXPECT_FALSE(aEteNotee("bandeau"));
   boucle->avancer(0.01);
   EXPECT_TRUE(aEteNotee("bandeau"));
+  boucle->avancer(3.99);
+  EXPECT_TRUE(vue.bandeaux.back().visible);
+  boucle->avancer(0.01);
+  EXPECT_FALSE(vue.bandeaux.back().visible) << "quatre secondes";
 }
 
 TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
   poserLeServeur(annonceSurDemande);
   delegue.applicationDidFinishLaunching(vue, centre);
   ASSERT_TRUE(attendreLEtape("allume"));
-  boucle->avancer(3.5);
+  boucle->avancer(3.0); // le treizième regard, et le dernier
   maison.ecrire("ressources/keltrove/dire", "");
   ASSERT_TRUE(boucle->attendre([&] { return moteur->messageDeMiseAJour().has_value(); }));
   boucle->avancer(60);

@@ -191,6 +191,7 @@ TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   boucle.avancer(1);
   ASSERT_EQ(vue.chargementsArretes, 1);
   EXPECT_EQ(derniereEtape().at("etape"), Journal::Valeur("page-ratee"));
+  EXPECT_EQ(derniereEtape().at("raison"), Journal::Valeur("La page a mis trop longtemps à répondre."));
   EXPECT_TRUE(vue.ecran().boutonReessayer);
 }
 

@@ -111,7 +111,8 @@ TEST_F(EssaiFiles, UnServiceQuiNeDitJamaisFermerNeFaitPasGrossirLaMemoire) {
     ajouter("", std::to_string(i));
     repondre(i - 1, i);
   }
-  EXPECT_EQ(files.terminalDe(1), std::nullopt);
+  EXPECT_EQ(files.terminalDe(1000 - 256), std::nullopt);
+  EXPECT_EQ(files.terminalDe(1000 - 255), "");
   EXPECT_EQ(files.terminalDe(1000), "");
 }
 

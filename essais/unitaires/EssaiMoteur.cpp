@@ -159,6 +159,17 @@ TEST_F(EssaiMoteur, UnLanceurQuiFinitAlorsQuUnServeurANousRepondEstUnRattachemen
   EXPECT_EQ(moteur->port(), maison.port());
 }
 
+TEST_F(EssaiMoteur, LeServeurEstChercheJusquAuxPetitsEnfantsDuScriptPasPlusLoin) {
+  poser("servir(PORT, '127.0.0.1');");
+  poserLaPorte("cd keltrove; sh -c 'sh -c \"node serveur.mjs; :\"; :'; :");
+  ASSERT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  poserLaPorte("cd keltrove; sh -c 'sh -c \"sh -c \\\"node serveur.mjs; :\\\"; :\"; :'; :");
+  ASSERT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_EQ(arreter(), "Le serveur n’a pas été retrouvé : rien à fermer.");
+  ::kill(pids().back(), SIGKILL);
+}
+
 TEST_F(EssaiMoteur, QuaranteSecondesSansReponseLeDisentEtLaissentTournerLeServeur) {
   poser("console.log('je réfléchis'); setInterval(() => {}, 1000);");
   EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, "je réfléchis"}));

@@ -2,6 +2,7 @@
 #include "ServeurFactice.hpp"
 #include "moteur/Sonde.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 
@@ -121,6 +122,17 @@ TEST_F(EssaiSonde, UneRedirectionEstSuivieMaisPasSansFin) {
   attendreFaux(
       [](const auto& c) { c.envoyer(reponseHTTP("302 Found", page, "Location: file:///etc/passwd\r\n")); },
       "redirection vers un fichier");
+}
+
+TEST_F(EssaiSonde, VingtRedirectionsSontSuiviesPasVingtEtUne) {
+  for (const int redirections : {20, 21}) {
+    std::atomic<int> restantes = redirections;
+    const ServeurFactice serveur([&](const auto& client) {
+      client.envoyer(restantes-- > 0 ? reponseHTTP("302 Found", "", "Location: /encore\r\n")
+                                     : reponseHTTP("200 OK", page));
+    });
+    EXPECT_EQ(cEstBienKeltrove(serveur.port()), redirections == 20) << redirections;
+  }
 }
 
 TEST_F(EssaiSonde, AucunMandataireNEstJamaisUtilise) {

@@ -1,4 +1,5 @@
 #include "DossierSigne.hpp"
+#include "socle/Fichiers.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -202,6 +203,22 @@ TEST_F(EssaiVerification, DUneCleRepeteeLaDerniereValeurCompteEtLaMarqueDOrdreEs
   EXPECT_EQ(code.verifier(), toutVaBien);
   code.signer("\xEF\xBB\xBF{\"autre\":[1,{}],\"fichiers\":" + fichiers + "}\n\t ");
   EXPECT_EQ(code.verifier(), toutVaBien);
+}
+
+TEST_F(EssaiVerification, UneSignatureOuUneCleDemesureeNEstPasLue) {
+  code.signer();
+  const auto signature = socle::lireFichier(code.chemin("inventaire.sig"), 1000).value();
+  const auto blancs = [](std::string texte, std::size_t taille) {
+    texte.resize(taille, '\n');
+    return texte;
+  };
+  code.ecrire("inventaire.sig", blancs(signature, 64UL * 1024));
+  code.ecrireLaCle(blancs(code.cleNue(), 1024UL * 1024));
+  EXPECT_EQ(code.verifier().message, "");
+  code.ecrireLaCle(blancs(code.cleNue(), 1024UL * 1024 + 1));
+  EXPECT_EQ(code.verifier().message, "clé publique illisible : " + code.cle());
+  code.ecrire("inventaire.sig", blancs(signature, 64UL * 1024 + 1));
+  EXPECT_EQ(code.verifier().message, "signature absente ou illisible : " + code.chemin("inventaire.sig"));
 }
 
 TEST_F(EssaiVerification, LaSignatureAdmetDesBlancsAutourMaisPasDedans) {
