@@ -44,7 +44,7 @@ class Instance(Cas):
         self.assertEqual(self.relancer(application), (0, ""))
         attendre(lambda: active() == fenetre, quoi="la fenêtre devant")
         attendre(lambda: couleur(680, 450) == VERT, quoi="la page devant")
-        self.assertEqual(len(fenetres(application, visible=False)), len(set(fenetres(application, visible=False))))
+        self.assertEqual([str(ouverte) for ouverte in fenetres(application)], [fenetre])
         self.assertEqual(len(application.serveurs()), 1)
         self.assertEqual(application.etapes().count("demarrage-demande"), 1)
         application.quitter()
@@ -93,7 +93,7 @@ class Instance(Cas):
         application.attendre("arret-fini", fois=2)
         attendre(lambda: not os.path.exists(f"/proc/{pid}"), quoi="la fin de la seconde")
 
-    def test_quittee_deux_fois_sans_etre_relancee_elle_ne_se_rouvre_pas(self):
+    def test_quittee_elle_ne_se_rouvre_pas(self):
         application = self.ouvrir()
         self.assertEqual(application.quitter(), 0)
         self.assertEqual(application.enfants(application.executable), [])
