@@ -12,10 +12,7 @@
 namespace keltrove::moteur {
 namespace {
 
-constexpr int portMaximum = 65535;
-
-std::optional<std::string> adresse(int port, std::string_view chemin) {
-  if (port < 0 || port > portMaximum) return std::nullopt;
+std::string adresse(int port, std::string_view chemin) {
   return fmt::format("http://127.0.0.1:{}{}", port, chemin);
 }
 
@@ -39,18 +36,15 @@ int entierDuCarnet(const nlohmann::json& sante) {
 } // namespace
 
 bool cEstBienKeltrove(int port) {
-  const auto url = adresse(port, "/");
-  if (!url) return false;
-  const auto reponse = socle::obtenir({.url = *url, .inactiviteMaximale = 1.5, .dureeMaximale = 2.5});
+  const auto reponse = socle::obtenir({.url = adresse(port, "/"), .inactiviteMaximale = 1.5, .dureeMaximale = 2.5});
   return reponse && reponse->statut == 200 && reponse->corps.contains("keltrove-jeton") &&
          socle::estUTF8(reponse->corps);
 }
 
 std::optional<Sante> sante(int port) {
   const auto jeton = socle::Reglages::jeton();
-  const auto url = adresse(port, "/api/sante");
-  if (!jeton || !url || !tientDansUnEntete(*jeton)) return std::nullopt;
-  const auto reponse = socle::obtenir({.url = *url,
+  if (!jeton || !tientDansUnEntete(*jeton)) return std::nullopt;
+  const auto reponse = socle::obtenir({.url = adresse(port, "/api/sante"),
                                        .entetes = {"x-keltrove-jeton: " + *jeton},
                                        .inactiviteMaximale = 2.0,
                                        .dureeMaximale = 4.0,

@@ -111,6 +111,10 @@ TEST(EssaiMessageDeLaPage, UneMoitieDeCaractereEstRemplacee) {
   EXPECT_EQ(lireLeMessage(R"({"a":"\ud83d"})"), json({{"a", "\ufffd"}}));
 }
 
+TEST(EssaiMessageDeLaPage, DesLettresQuiRessemblentAUneMoitieRestent) {
+  EXPECT_EQ(lireLeMessage(R"({"a":"xxd83d et xxde00"})"), json({{"a", "xxd83d et xxde00"}}));
+}
+
 TEST(EssaiMessageDeLaPage, UneBarreInverseDuTexteNEstPasUnEchappement) {
   EXPECT_EQ(lireLeMessage(R"({"a":"\\ud83d\\"})"), json({{"a", "\\ud83d\\"}}));
 }

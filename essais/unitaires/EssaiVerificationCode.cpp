@@ -142,6 +142,7 @@ TEST_F(EssaiVerification, LesLiensSontSuivisSousLeurNom) {
   std::filesystem::create_directory_symlink(ailleurs.chemin("sous"), code.chemin("dossier"));
   std::filesystem::create_symlink("/nulle/part", code.chemin("brise"));
   std::filesystem::create_symlink("rond", code.chemin("rond"));
+  std::filesystem::create_symlink("serveur.mjs/dedans", code.chemin("travers"));
   code.pretendre("lien", essais::empreinteDe("lointain"));
   code.pretendre("dossier/g", essais::empreinteDe("profond"));
   code.signer();
@@ -203,6 +204,12 @@ TEST_F(EssaiVerification, DUneCleRepeteeLaDerniereValeurCompteEtLaMarqueDOrdreEs
   EXPECT_EQ(code.verifier(), toutVaBien);
   code.signer("\xEF\xBB\xBF{\"autre\":[1,{}],\"fichiers\":" + fichiers + "}\n\t ");
   EXPECT_EQ(code.verifier(), toutVaBien);
+}
+
+TEST_F(EssaiVerification, UnLienQuiNeSeSuitPasSansEtreAbsentEstUnFichierDeTrop) {
+  code.signer();
+  std::filesystem::create_symlink(std::string(300, 'x'), code.chemin("lien"));
+  EXPECT_EQ(code.verifier(), defaut("fichier ajouté, non prévu : lien"));
 }
 
 TEST_F(EssaiVerification, UneSignatureOuUneCleDemesureeNEstPasLue) {
