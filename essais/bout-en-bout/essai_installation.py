@@ -1,5 +1,6 @@
 """La copie installée : où elle trouve ses parties, son refus d’avoir été modifiée, ce que le shell en complète."""
 
+import configparser
 import os
 import pty
 import select
@@ -10,7 +11,7 @@ import time
 import unittest
 
 import ecran
-from application import CONSTRUCTION, SERVEUR
+from application import CONSTRUCTION, SERVEUR, fenetres
 from cas import Cas
 
 COMPLETIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../paquet/completions")
@@ -69,6 +70,19 @@ class CopieInstallee(Cas):
                     "share/man/fr/man1/keltrove.1.gz", "share/icons/hicolor/scalable/apps/fr.zelcor.keltrove.svg",
                     "share/icons/hicolor/16x16/apps/fr.zelcor.keltrove.png"):
             self.assertTrue(os.path.isfile(os.path.join(self.etalon, nom)), nom)
+
+    def test_son_entree_de_bureau_nomme_son_programme_son_icone_et_sa_fenetre(self):
+        entree = configparser.ConfigParser(interpolation=None)
+        entree.read(os.path.join(self.etalon, "share/applications/fr.zelcor.keltrove.desktop"))
+        entree = entree["Desktop Entry"]
+        self.assertTrue(os.access(os.path.join(self.etalon, "bin", entree["Exec"]), os.X_OK))
+        self.assertTrue(os.path.exists(os.path.join(self.etalon, f"share/icons/hicolor/48x48/apps/{entree['Icon']}.png")))
+        application = self.application_installee(self.installer()).lancer()
+        application.attendre("page-affichee")
+        (fenetre,) = fenetres(application)
+        classe = subprocess.run(["xprop", "-id", str(fenetre), "WM_CLASS"], capture_output=True, text=True).stdout
+        self.assertIn(f"\"{entree['StartupWMClass']}\"", classe)
+        application.quitter()
 
     def test_par_un_lien_elle_se_retrouve(self):
         racine = self.installer()
