@@ -4,7 +4,7 @@ import os
 import signal
 import subprocess
 
-from application import SERVEUR, VERT, attendre, couleur, fenetres
+from application import MARQUE, SERVEUR, VERT, attendre, couleur, fenetres
 from cas import Cas
 
 ORDINAIRE = SERVEUR + "servir();"
@@ -64,7 +64,8 @@ class Instance(Cas):
         os.mkdir(place)
         chemin = application.bus.adresse.removeprefix("unix:path=").split(",")[0]
         os.symlink(chemin, os.path.join(place, "bus"))
-        garde = {nom: application.environnement()[nom] for nom in ("DISPLAY", "HOME", "KELTROVE_MARQUE_D_ESSAI")}
+        gardees = {"DISPLAY", "HOME", MARQUE, "ASAN_OPTIONS"}
+        garde = {nom: valeur for nom, valeur in application.environnement().items() if nom in gardees}
         icone = {"env": {**garde, "XDG_RUNTIME_DIR": place}, "cwd": "/", "stdin": subprocess.DEVNULL,
                  "stdout": subprocess.DEVNULL}
         application.preparer()
