@@ -1,5 +1,6 @@
 #include "bureau/gtk/EssaiDeLancement.hpp"
 
+#include <array>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -8,6 +9,26 @@
 #include <unistd.h>
 
 namespace keltrove::bureau {
+namespace {
+
+// Ce que WebKit ouvre d’un coup pour lancer ses programmes, et largement.
+constexpr std::size_t descripteursQuIlFaut = 64;
+
+bool resteAssezDeDescripteurs() {
+  std::array<int, descripteursQuIlFaut> ouverts{};
+  std::size_t combien = 0;
+  bool assez = true;
+  while (assez && combien < ouverts.size()) {
+    const int ouvert = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (ouvert >= 0) ouverts[combien++] = ouvert;
+    assez = ouvert >= 0;
+  }
+  while (combien > 0)
+    ::close(ouverts[--combien]);
+  return assez;
+}
+
+} // namespace
 
 Lancement essayerDeLancer(const char* const* arguments) {
   posix_spawn_file_actions_t actions;
@@ -30,7 +51,7 @@ Lancement essayerDeLancer(const char* const* arguments) {
 
 bool peutLancerUnProcessus() {
   const char* const arguments[] = {"/bin/true", nullptr};
-  return essayerDeLancer(arguments) != Lancement::impossible;
+  return resteAssezDeDescripteurs() && essayerDeLancer(arguments) != Lancement::impossible;
 }
 
 } // namespace keltrove::bureau

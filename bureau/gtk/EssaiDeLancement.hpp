@@ -1,6 +1,7 @@
 // EssaiDeLancement : le système laisse-t-il lancer ce programme, avant que WebKit n’en dépende ?
 //
-// Devant un lancement refusé, WebKit interrompt tout le processus.
+// Devant un lancement refusé, ou sans descripteur pour parler à ses programmes, WebKit interrompt tout le
+// processus.
 #pragma once
 
 namespace keltrove::bureau {
@@ -14,6 +15,7 @@ enum class Lancement {
 // Lance et attend un programme bref, muet, cherché dans PATH. Le tableau finit par un pointeur nul.
 Lancement essayerDeLancer(const char* const* arguments);
 
+// Vrai s’il reste un processus et des descripteurs pour la page.
 bool peutLancerUnProcessus();
 
 } // namespace keltrove::bureau

@@ -11,6 +11,7 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -123,6 +124,19 @@ TEST(ArbreProcessus, UnZombieOuUnNumeroReattribueNEstPlusEnVie) {
   EXPECT_FALSE(enVie(identite));
   ::waitpid(enfant, nullptr, 0);
   EXPECT_FALSE(enVie(identite));
+}
+
+TEST(ArbreProcessus, SansDescripteurPourLeVerifierUnProcessusResteEnVie) {
+  const auto moi = identifier(::getpid());
+  rlimit limite{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limite), 0);
+  const rlimit aucun{.rlim_cur = 0, .rlim_max = limite.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &aucun), 0);
+  const bool enVieSansDescripteur = enVie(moi);
+  const bool inconnuEnVie = enVie({0x7fffffff, 0});
+  ::setrlimit(RLIMIT_NOFILE, &limite);
+  EXPECT_TRUE(enVieSansDescripteur);
+  EXPECT_FALSE(inconnuEnVie);
 }
 
 } // namespace
