@@ -1,28 +1,31 @@
-"""Une application et son serveur que l’on tient à un moment de leur vie, et les pannes qu’on leur fait."""
+"""Une application et son serveur que l’on tient à un moment de leur vie."""
 
+import contextlib
 import os
-import resource
-import signal
 import socket
 import subprocess
 import tempfile
-import threading
-import time
+import unittest
 
-import ecran
-from application import SERVEUR, Application, attendre, commande
-from notifications import Bus
+from application import SERVEUR, Application
+from cas import enfants_zombies
+from partage import Lecteur, guetter
 
 # Le serveur se retient et se gâte selon les fichiers de son dossier, et en pose pour dire où il en est.
 TENU = SERVEUR + """
 const la = (nom) => fs.existsSync(nom);
-const vu = (nom) => fs.writeFileSync(nom, '');
+const vu = (nom) => fs.appendFileSync(nom, '.');
 const quand = (nom, suite) => (la(nom) ? suite() : setTimeout(() => quand(nom, suite), 20));
 const sauf = (retenue, jusqua, suite) => (la(retenue) ? quand(jusqua, suite) : suite());
-process.on('SIGTERM', () => { vu('sigterm'); sauf('retenir-fin', 'finir', () => process.exit(0)); });
-const inonder = () => { if (la('inonder')) process.stdout.write('x'.repeat(65000) + '\\n', inonder); else setTimeout(inonder, 50); };
+// Un serveur gelé dont l’application s’en va reçoit du système SIGHUP, et le dégel.
+for (const signal of ['SIGTERM', 'SIGHUP'])
+  process.on(signal, () => { vu('sigterm'); sauf('retenir-fin', 'finir', () => process.exit(0)); });
+process.stdout.on('error', () => {});
+// La suite ne vient qu’une fois le bloc lu à l’autre bout du tube.
+const inonder = () => (la('inondation')
+  ? process.stdout.write('x'.repeat(65000) + '\\n', () => { vu('inonde'); inonder(); }) : setTimeout(inonder, 50));
 inonder();
-const sansFin = (r) => { r.write('x'.repeat(1000)); setTimeout(() => sansFin(r), 20); };
+const sansFin = (r) => { r.write('x'.repeat(1000)); if (!r.destroyed) setTimeout(() => sansFin(r), 20); };
 const recevoir = (q, r) => {
   if (q.headers['user-agent']) { vu('page-demandee'); return sauf('retenir-page', 'lacher-page', () => repondre(q, r)); }
   vu('sonde');
@@ -35,173 +38,134 @@ const recevoir = (q, r) => {
 vu('lance');
 sauf('retenir-ecoute', 'ecouter', () => http.createServer(recevoir).listen(PORT, '127.0.0.1'));
 """
+MOMENTS = ("avant", "attente", "reponse", "chargement", "usage", "fermeture")
+# Ce qui retient le serveur à un moment, ce qui l’en délivre, et ce qu’il pose en y arrivant.
 RETENUES = {"attente": "retenir-ecoute", "reponse": "retenir-sonde", "chargement": "retenir-page", "fermeture": "retenir-fin"}
 LIBERATIONS = {"attente": "ecouter", "reponse": "lacher-sonde", "chargement": "lacher-page", "fermeture": "finir"}
 ARRIVEES = {"attente": "lance", "reponse": "sonde", "chargement": "page-demandee", "fermeture": "sigterm"}
+CARNET = "à l’utilisateur"
+CADRE = "# à l’utilisateur\n[cadre]\nlargeur=900\nhauteur=600\n"
 
 
-class Banc:
-    def __init__(self, cas, rattache, moment):
-        self.cas, self.rattache, self.moment, self.serveur = cas, rattache, moment, None
-        self.fautes = tempfile.TemporaryDirectory()
-        cas.addCleanup(self.fautes.cleanup)
-        self.application = Application(code=TENU, variables={"LD_PRELOAD": cas.fautes, "KELTROVE_FAUTES": self.fautes.name})
-        self.temoin = os.path.join(self.application.maison, ".zelcor/carnet-d-essai")
-        with open(self.temoin, "w") as fichier:
-            fichier.write("à l’utilisateur")
-        cas.addCleanup(self.nettoyer)
+class Banc(contextlib.ExitStack):
+    """`reste` : un serveur doit rester en vie à la fin. `parti` : l’application ne tourne plus."""
 
+    def __init__(self, bibliotheque, rattache, moment, places):
+        super().__init__()
+        self.rattache, self.moment, self.places = rattache, moment, places
+        self.reste, self.parti, self.serveur = rattache, False, None
+        self.verifier = unittest.TestCase()
+        self.fautes = self.enter_context(tempfile.TemporaryDirectory())
+        self.application = Application(code=TENU, variables={"LD_PRELOAD": bibliotheque, "KELTROVE_FAUTES": self.fautes})
+        self.callback(self.application.nettoyer)
+        self.carnet = self.confier(".zelcor/carnet-d-essai", CARNET)
+
+    addCleanup = contextlib.ExitStack.callback
+
+    def confier(self, nom, contenu):
+        """Un fichier de l’utilisateur."""
+        chemin = os.path.join(self.application.maison, nom)
+        os.makedirs(os.path.dirname(chemin), exist_ok=True)
+        with open(chemin, "w") as fichier:
+            fichier.write(contenu)
+        return chemin
+
+    # Le dossier du serveur.
     def dossier(self, nom):
         return os.path.join(self.application.ressources, "keltrove", nom)
 
     def poser(self, nom):
         self.application.poser(os.path.join("keltrove", nom), "")
 
-    def mener(self):
-        """Jusqu’au moment voulu, et l’y tenir."""
+    def vus(self, nom):
+        return os.path.getsize(self.dossier(nom)) if os.path.exists(self.dossier(nom)) else 0
+
+    # Vers le moment voulu.
+    def preparer(self):
         if self.moment in RETENUES and self.moment != "fermeture":
             self.poser(RETENUES[self.moment])
         if self.rattache:
             self.lancer_le_serveur()
-        self.application.lancer()
-        if self.moment == "avant":
-            return
+
+    def mener(self):
+        """Jusqu’au moment voulu, et l’y tenir. Rattachée, l’application ferme sans attendre : on s’arrête juste avant."""
         if self.moment in ("usage", "fermeture"):
             self.application.attendre("page-affichee")
-        if self.moment == "fermeture":
+        if self.moment == "fermeture" and not self.rattache:
             self.poser("retenir-fin")
             self.application.processus.terminate()
-        if self.moment in ARRIVEES and not (self.rattache and self.moment == "fermeture"):
-            attendre(lambda: os.path.exists(self.dossier(ARRIVEES[self.moment])), quoi=f"le moment « {self.moment} »")
-
-    def lancer_le_serveur(self):
-        self.application.poser("keltrove/serveur.mjs", TENU)
-        self.serveur = subprocess.Popen(["/usr/bin/node", "serveur.mjs"], cwd=self.dossier(""),
-                                        env=self.application.environnement(), stdout=subprocess.DEVNULL)
-        self.cas.addCleanup(self.serveur.wait)
-        self.cas.addCleanup(self.serveur.kill)
-        with socket.socket() as prise:
-            attendre(lambda: prise.connect_ex(("127.0.0.1", self.application.port)) == 0, quoi="le serveur à l’écoute")
+        if self.moment in ARRIVEES and not (self.moment == "fermeture" and self.rattache):
+            guetter(lambda: self.vus(ARRIVEES[self.moment]), quoi=f"le moment « {self.moment} »")
 
     def liberer(self):
         if self.moment in LIBERATIONS:
             self.poser(LIBERATIONS[self.moment])
 
+    def lancer_le_serveur(self):
+        self.application.poser("keltrove/serveur.mjs", TENU)
+        environnement = {**self.application.environnement(), "LD_PRELOAD": ""}
+        self.serveur = subprocess.Popen(["/usr/bin/node", "serveur.mjs"], cwd=self.dossier(""), env=environnement,
+                                        stdout=subprocess.DEVNULL)
+        self.callback(self.serveur.wait)
+        self.callback(self.serveur.kill)
+        self.attendre_l_ecoute()
+
+    def attendre_l_ecoute(self):
+        def ecoute():
+            with socket.socket() as prise:
+                return prise.connect_ex(("127.0.0.1", self.application.port)) == 0
+
+        guetter(ecoute, quoi="le serveur à l’écoute")
+
     def pid_du_serveur(self):
         return self.serveur.pid if self.serveur else self.application.serveurs()[0]
 
+    # Ce qui se passe ensuite.
+    def attendre(self, etape, secondes=30, fois=1):
+        self.application.attendre(etape, secondes, fois)
+
+    def attendre_les_sondes(self, nombre):
+        deja = self.vus("sonde")
+        with self.places.longue_attente():
+            guetter(lambda: self.vus("sonde") >= deja + nombre, quoi=f"{nombre} sonde(s) de plus")
+
+    def clients(self):
+        """Les connexions que l’application tient vers le port, par leur bout à elle."""
+        with open(f"/proc/{self.application.processus.pid}/net/tcp") as table:
+            lignes = [ligne.split() for ligne in table][1:]
+        return {ligne[1] for ligne in lignes if ligne[2].endswith(f":{self.application.port:04X}")}
+
+    def attendre_un_client(self):
+        deja = self.clients()
+        guetter(lambda: self.clients() - deja, quoi="une connexion de plus")
+
+    def finir(self, etat, secondes=20):
+        self.parti = True
+        self.verifier.assertEqual(self.application.processus.wait(secondes), etat, self.application.lignes)
+        guetter(lambda: self.application.processus.stderr.closed, quoi="les dernières lignes")
+
+    # L’écran.
+    def ecran(self):
+        return Lecteur(self.application.processus.pid)
+
+    def attendre_le_texte(self, *voulus):
+        guetter(lambda: any(voulu in lu for lu in self.ecran().textes() for voulu in voulus),
+                quoi=lambda: f"à l’écran, {voulus} (lu : {self.ecran().textes()}, {self.application.lignes})")
+
     def reessayer(self):
-        ecran.presser(self.application.processus.pid, "Réessayer")
+        guetter(lambda: self.ecran().presser("Réessayer"), quoi="le bouton « Réessayer »")
 
-    def quitter(self):
-        return self.application.quitter()
-
-    def nettoyer(self):
-        with open(self.temoin) as fichier:
-            self.cas.assertEqual(fichier.read(), "à l’utilisateur")
-        self.application.nettoyer()
-
-
-class Fautes:
-    """Chaque panne : de quoi la faire sur un banc. « defaire » la répare, si elle se répare."""
-
-    @staticmethod
-    def tuer(banc):
-        os.kill(banc.pid_du_serveur(), signal.SIGKILL)
-
-    @staticmethod
-    def geler(banc):
-        banc.gele = banc.pid_du_serveur()
-        os.kill(banc.gele, signal.SIGSTOP)
-        banc.cas.addCleanup(Fautes.degeler, banc)
-
-    @staticmethod
-    def degeler(banc):
-        try:
-            os.kill(banc.gele, signal.SIGCONT)
-        except ProcessLookupError:
-            pass
-
-    @staticmethod
-    def etranger(banc):
-        """Quelqu’un d’autre prend le port, et y répond autre chose."""
-        for pid in banc.application.serveurs() if banc.moment in ("chargement", "usage") else []:
-            os.kill(pid, signal.SIGKILL)
-        prise = socket.socket()
-        prise.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-        attendre(lambda: Fautes.prendre(prise, banc.application.port), quoi="le port pris")
-        prise.listen()
-        banc.cas.addCleanup(prise.close)
-        threading.Thread(target=Fautes.repondre, args=(prise,), daemon=True).start()
-
-    @staticmethod
-    def prendre(prise, port):
-        try:
-            prise.bind(("127.0.0.1", port))
-            return True
-        except OSError:
-            return False
-
-    @staticmethod
-    def repondre(prise):
-        while True:
-            try:
-                client, _ = prise.accept()
-                client.recv(4096)
-                client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\nConnection: close\r\n\r\nbonjour")
-                client.close()
-            except OSError:
-                return
-
-    @staticmethod
-    def fichier(nom):
-        return lambda banc: banc.poser(nom)
-
-    @staticmethod
-    def interne(nom):
-        def faire(banc):
-            with open(os.path.join(banc.fautes.name, nom), "w"):
-                pass
-        return faire
-
-    @staticmethod
-    def plus_de_descripteurs(banc):
-        pid = banc.application.processus.pid
-        ouverts = len(os.listdir(f"/proc/{pid}/fd"))
-        resource.prlimit(pid, resource.RLIMIT_NOFILE, (ouverts, resource.prlimit(pid, resource.RLIMIT_NOFILE)[1]))
-
-    @staticmethod
-    def page_tuee(banc):
-        for pid in banc.application.enfants("WebKitWebProcess"):
-            if "bwrap" not in commande(pid):
-                os.kill(pid, signal.SIGKILL)
-
-    @staticmethod
-    def bus_parti(banc):
-        banc.bus.arreter()
-
-    @staticmethod
-    def ecran_parti(banc):
-        banc.xvfb.kill()
-        banc.xvfb.wait()
-
-    @staticmethod
-    def soi_tue(banc):
-        banc.application.processus.kill()
-        banc.application.processus.wait()
-
-
-def avec_un_bus(banc):
-    banc.bus = Bus(banc.cas)
-    banc.application.variables.update(banc.bus.variables)
-
-
-def avec_un_ecran(banc):
-    lecture, ecriture = os.pipe()
-    banc.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(ecriture), "-nolisten", "tcp"], pass_fds=[ecriture],
-                                 stderr=subprocess.DEVNULL)
-    os.close(ecriture)
-    with os.fdopen(lecture) as tube:
-        banc.application.variables["DISPLAY"] = ":" + tube.readline().strip()
-    banc.cas.addCleanup(banc.xvfb.wait)
-    banc.cas.addCleanup(banc.xvfb.kill)
+    # La fin, la même pour tous.
+    def conclure(self):
+        application, verifier = self.application, self.verifier
+        if not self.parti:
+            verifier.assertIsNone(application.processus.poll(), f"partie d’elle-même : {application.lignes}")
+            guetter(lambda: enfants_zombies(application) == [], quoi="chaque enfant recueilli")
+            verifier.assertEqual(application.quitter(), 0, application.lignes)
+        guetter(lambda: not application.enfants("WebKit"), quoi="la fin des programmes de la page")
+        if self.reste:
+            verifier.assertNotEqual(application.serveurs(), [], "le serveur devait rester")
+        else:
+            verifier.assertEqual(application.serveurs(), [], "un serveur est resté")
+        with open(self.carnet) as fichier:
+            verifier.assertEqual(fichier.read(), CARNET)

@@ -1,8 +1,9 @@
 """Les pannes, à chaque moment de la vie : ce que l’écran et le journal en disent, et ce qu’il reste après.
 
-Chaque ligne : lancé ou rattaché, le moment, la panne, ce qu’on attend ensuite. Dans tous les cas, l’application ne
-s’arrête pas d’elle-même, ne se fige pas, quitte quand on le lui demande, ne laisse ni zombie ni serveur lancé par elle,
-et ne touche à aucun fichier de l’utilisateur.
+Une table par mode ; une ligne par panne, une colonne par moment ; dans la case, ce que l’on attend ensuite, ou pourquoi
+il n’y a rien à essayer. Dans tous les cas l’application ne s’arrête pas d’elle-même, ne se fige pas, quitte quand on le
+lui demande, ne laisse ni zombie, ni programme de la page, ni serveur qu’elle aurait dû fermer, et ne touche à aucun
+fichier de l’utilisateur.
 """
 
 import concurrent.futures
@@ -10,227 +11,134 @@ import os
 import subprocess
 import tempfile
 import unittest
+import weakref
 
-import ecran
-from application import attendre
-from banc_de_fautes import Banc, Fautes, avec_un_bus, avec_un_ecran
-from cas import enfants_zombies
+from attendus import *  # noqa: F403
+from banc_de_fautes import MOMENTS, Banc
+from pannes import PANNES
+from partage import Places
 
 ICI = os.path.dirname(os.path.abspath(__file__))
-LANCE, RATTACHE = False, True
+A_LA_FOIS = (os.cpu_count() or 2) + 1  # les applications que l’on mène ensemble…
+EN_ATTENTE = 12  # … et celles qui n’attendent que le temps qui passe
 
+# Rien à essayer, parce que :
+PAS_NE = "le serveur n’est pas encore né"
+PAS_DIT = "le serveur n’a encore rien à répondre"
+PLUS_DIT = "plus rien ne demande de réponse au serveur"
+PAS_PEINTE = "aucun programme ne dessine encore la page"
+PAS_PARTIE = "l’application n’est pas encore partie"
+DEJA = "le serveur répond déjà : il n’y a pas d’attente"
+AILLEURS = "ce qu’un serveur d’avant écrit ne vient pas jusqu’ici"
+UN_SAUT = "une heure fausse dès le départ n’est pas un saut"
+LIBRE = "sans serveur, c’est un lancement"
+SEULE = "la perte fait déjà partir aussitôt, comme en usage"
+SANS_OBJET = (PAS_NE, PAS_DIT, PLUS_DIT, PAS_PEINTE, PAS_PARTIE, DEJA, AILLEURS, UN_SAUT, LIBRE, SEULE)
 
-# Ce que l’on attend après la panne.
-def etape(nom, secondes=30):
-    def verifier(banc):
-        banc.liberer()
-        banc.application.attendre(nom, secondes)
-    return verifier
-
-
-def echec(cause):
-    def verifier(banc):
-        banc.liberer()
-        banc.application.attendre("echec-demarrage", 60)
-        banc.cas.assertIn(cause, banc.application.details("echec-demarrage")[0])
-        ecran.attendre_le_texte(banc.application.processus.pid, cause)
-    return verifier
-
-
-def mort_puis_reprise(banc):
-    banc.application.attendre("serveur-mort-en-route", 5)
-    # La page qu’il servait à cet instant échoue aussi ; l’un ou l’autre se lit, et tous deux proposent de réessayer.
-    attendre(lambda: {"Le serveur s’est arrêté", "La page de keltrove ne s’affiche pas"} & set(
-        ecran.textes(banc.application.processus.pid)), quoi="le problème à l’écran")
-    banc.liberer()
-    banc.reessayer()
-    banc.application.attendre("allume", fois=2)
-    attendre(lambda: "page-affichee" in banc.application.etapes()[-4:], quoi="la page revenue")
-
-
-def silence(banc):
-    banc.application.attendre("serveur-ne-repond-plus", 60)
-    ecran.attendre_le_texte(banc.application.processus.pid, "ne répond plus")
-
-
-def silence_puis_reprise(banc):
-    silence(banc)
-    Fautes.degeler(banc)
-    banc.reessayer()
-    banc.application.attendre("page-affichee", fois=2)
-    banc.reste = True  # retrouvé en vie, il n’est plus à nous
-
-
-def page_ratee_puis_reprise(banc):
-    banc.application.attendre("page-ratee")
-    banc.liberer()
-    banc.reessayer()
-    banc.application.attendre("page-affichee")
-    banc.reste = True
-
-
-def degele_puis(nom):
-    def verifier(banc):
-        banc.liberer()
-        Fautes.degeler(banc)
-        banc.application.attendre(nom)
-    return verifier
-
-
-def rien_ne_change(banc):
-    banc.liberer()
-    banc.application.attendre("page-contenu")
-    # Une surveillance au moins passe après la panne.
-    attendre(lambda: ecran.boutons(banc.application.processus.pid) == {}, quoi="aucun problème à l’écran")
-    for mauvaise in ("echec-demarrage", "serveur-ne-repond-plus", "serveur-mort-en-route", "page-ratee"):
-        banc.cas.assertNotIn(mauvaise, banc.application.etapes())
-
-
-def fini(message):
-    def verifier(banc):
-        banc.cas.assertEqual(banc.application.processus.wait(20), 0)
-        banc.cas.assertIn(message, banc.application.details("arret-fini")[0])
-    return verifier
-
-
-def parti_sans_ecran(*etapes):
-    def verifier(banc):
-        banc.cas.assertEqual(banc.application.processus.wait(20), 1)
-        banc.cas.assertEqual(tuple(banc.application.etapes()[-len(etapes):]), etapes)
-    return verifier
-
-
-def relance_rattache(banc):
-    banc.application.lancer().attendre("rattache")
-    banc.application.attendre("page-affichee")
-    banc.reste = True
-
-
-def une_phrase(debut):
-    def verifier(banc):
-        banc.cas.assertEqual(banc.application.processus.wait(10), 1)
-        attendre(lambda: banc.application.lignes, quoi="la phrase")
-        banc.cas.assertEqual(len(banc.application.lignes), 1)
-        banc.cas.assertTrue(banc.application.lignes[0].startswith(debut), banc.application.lignes)
-    return verifier
-
-
-def page_refusee_puis_reussie(banc):
-    banc.liberer()
-    banc.application.attendre("page-ratee")
-    os.remove(os.path.join(banc.fautes.name, "sans-processus"))
-    banc.reessayer()
-    banc.application.attendre("page-affichee")
-    banc.reste = True
-
-
-MORT = "Le serveur s’est arrêté"
-MUET = "Le serveur ne répond pas"
-
-TABLE = [
-    # mode, moment, panne, attendu
-    (LANCE, "attente", Fautes.tuer, echec(MORT)),
-    (LANCE, "reponse", Fautes.tuer, echec(MORT)),
-    (LANCE, "chargement", Fautes.tuer, mort_puis_reprise),
-    (LANCE, "usage", Fautes.tuer, mort_puis_reprise),
-    (LANCE, "fermeture", Fautes.tuer, fini("Serveur fermé proprement")),
-    (LANCE, "attente", Fautes.geler, degele_puis("page-affichee")),
-    (LANCE, "reponse", Fautes.geler, degele_puis("page-affichee")),
-    (LANCE, "chargement", Fautes.geler, degele_puis("page-affichee")),
-    (LANCE, "avant", Fautes.etranger, echec(MORT)),
-    (LANCE, "attente", Fautes.etranger, echec(MORT)),
-    (LANCE, "usage", Fautes.etranger, etape("serveur-mort-en-route")),
-    (LANCE, "attente", Fautes.fichier("inonder"), rien_ne_change),
-    (LANCE, "chargement", Fautes.fichier("inonder"), rien_ne_change),
-    (LANCE, "usage", Fautes.fichier("inonder"), rien_ne_change),
-    (LANCE, "avant", Fautes.interne("disque-plein"), rien_ne_change),
-    (LANCE, "avant", Fautes.interne("lecture-seule"), rien_ne_change),
-    (LANCE, "usage", Fautes.interne("disque-plein"), rien_ne_change),
-    (LANCE, "avant", Fautes.interne("sans-processus"), une_phrase("Keltrove ne peut pas s’ouvrir : le système n’a plus")),
-    (LANCE, "attente", Fautes.interne("horloge-avance"), rien_ne_change),
-    (LANCE, "attente", Fautes.interne("horloge-recule"), rien_ne_change),
-    (LANCE, "usage", Fautes.interne("horloge-avance"), rien_ne_change),
-    (LANCE, "fermeture", Fautes.interne("horloge-avance"), lambda banc: (banc.liberer(), fini("proprement")(banc))),
-    (LANCE, "chargement", Fautes.page_tuee, page_ratee_puis_reprise),
-    (LANCE, "usage", Fautes.page_tuee, page_ratee_puis_reprise),
-    (LANCE, "attente", Fautes.bus_parti, rien_ne_change),
-    (LANCE, "usage", Fautes.bus_parti, rien_ne_change),
-    (LANCE, "fermeture", Fautes.bus_parti, lambda banc: (banc.liberer(), fini("proprement")(banc))),
-    (LANCE, "attente", Fautes.ecran_parti, parti_sans_ecran("arret-demande", "arret-fini")),
-    (LANCE, "usage", Fautes.ecran_parti, parti_sans_ecran("arret-demande", "arret-fini")),
-    (LANCE, "usage", Fautes.soi_tue, relance_rattache),
-    (RATTACHE, "chargement", Fautes.geler, degele_puis("page-affichee")),
-    (RATTACHE, "usage", Fautes.page_tuee, page_ratee_puis_reprise),
-    (RATTACHE, "usage", Fautes.bus_parti, rien_ne_change),
-    (RATTACHE, "usage", Fautes.ecran_parti, parti_sans_ecran("quitte-sans-toucher-au-serveur")),
-    (RATTACHE, "usage", Fautes.soi_tue, relance_rattache),
-    (RATTACHE, "usage", Fautes.interne("horloge-recule"), rien_ne_change),
-    (LANCE, "attente", Fautes.interne("sans-processus"), page_refusee_puis_reussie),
-    (RATTACHE, "reponse", Fautes.interne("sans-processus"), page_refusee_puis_reussie),
-    (RATTACHE, "fermeture", Fautes.geler, etape("quitte-sans-toucher-au-serveur")),
-]
-
-# Celles qui attendent de vraies dizaines de secondes passent toutes ensemble.
-LENTES = [
-    (LANCE, "usage", Fautes.geler, silence_puis_reprise),
-    (LANCE, "usage", Fautes.fichier("sans-marque"), silence),
-    (LANCE, "usage", Fautes.fichier("sans-fin"), silence),
-    (LANCE, "usage", Fautes.plus_de_descripteurs, silence),
-    (LANCE, "attente", Fautes.fichier("sans-marque"), echec(MUET)),
-    (LANCE, "fermeture", Fautes.geler, fini("met du temps à se fermer")),
-    (RATTACHE, "usage", Fautes.tuer, silence),
-    (RATTACHE, "usage", Fautes.etranger, silence),
-    (RATTACHE, "usage", Fautes.geler, silence_puis_reprise),
-]
-
-
-def nom_de(ligne):
-    mode, moment, faute, attendu = ligne
-    nom = faute.__name__ if faute.__name__ != "faire" and faute.__name__ != "<lambda>" else faute.__closure__[0].cell_contents
-    return f"{'rattache' if mode else 'lance'}_{moment}_{nom}".replace("-", "_")
+LANCE = {
+    # panne: (avant, attente, reponse, chargement, usage, fermeture)
+    "serveur-tue": (PAS_NE, echec_mort, echec_mort, mort_puis_page, mort_puis_page, ferme_proprement),
+    "serveur-gele": (PAS_NE, page_apres_le_degel, page_apres_le_degel, page_apres_le_degel, silence_puis_page,
+                     ferme_sans_attendre_davantage),
+    "etranger": (echec_mort, echec_mort, echec_mort, mort_puis_echec, mort_puis_echec, ferme_proprement),
+    "sans-marque": (PAS_DIT, echec_muet, attend_la_bonne_reponse, silence_puis_page, silence_puis_page, PLUS_DIT),
+    "sans-fin": (PAS_DIT, echec_muet_puis_page, attend_la_bonne_reponse, silence_puis_page, silence_puis_page, PLUS_DIT),
+    "inondation": (PAS_NE, rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, ferme_proprement),
+    "disque-plein": (rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, ferme_proprement),
+    "lecture-seule": (rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, ferme_proprement),
+    "sans-descripteurs": (dit_sans_ressources, echec_muet_puis_page, page_refusee_puis_page, silence_puis_page,
+                          silence_puis_page, ferme_proprement),
+    "sans-processus": (dit_sans_ressources, page_refusee_puis_page, page_refusee_puis_page, silence_puis_page,
+                       silence_puis_page, ferme_proprement),
+    "horloge-avance": (UN_SAUT, rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, ferme_proprement),
+    "horloge-recule": (UN_SAUT, rien_ne_change, rien_ne_change, rien_ne_change, rien_ne_change, ferme_proprement),
+    "page-tuee": (PAS_PEINTE, PAS_PEINTE, PAS_PEINTE, page_ratee_puis_page, page_ratee_puis_page, ferme_proprement),
+    "bus-parti": (rien_ne_change, rien_ne_change, rien_ne_change, page_ratee, rien_ne_change, ferme_proprement),
+    "ecran-parti": (dit_sans_ecran, part_en_arretant, part_en_arretant, part_en_arretant, part_en_arretant,
+                    part_sans_attendre),
+    "application-tuee": (PAS_PARTIE, suivante_rattachee, suivante_rattachee, suivante_rattachee, suivante_rattachee,
+                         suivante_allume),
+}
+RATTACHE = {
+    # panne: (avant, attente, reponse, chargement, usage, fermeture)
+    "serveur-tue": (allume_le_sien, DEJA, allume_le_sien, page_ratee_puis_page, silence_puis_page, quitte_aussitot),
+    "serveur-gele": (echec_mort_puis_page, DEJA, echec_mort_puis_page, page_apres_le_degel, silence_puis_page,
+                     quitte_aussitot),
+    "etranger": (LIBRE, DEJA, echec_mort, page_ratee_puis_echec, silence_puis_echec, quitte_aussitot),
+    "sans-marque": (echec_mort_puis_page, DEJA, echec_mort_puis_page, silence_puis_page, silence_puis_page,
+                    quitte_aussitot),
+    "sans-fin": (echec_mort_puis_page, DEJA, echec_mort_puis_page, silence_puis_page, silence_puis_page, quitte_aussitot),
+    "inondation": (AILLEURS,) * 6,
+    "disque-plein": (rien_ne_change, DEJA, rien_ne_change, rien_ne_change, rien_ne_change, quitte_aussitot),
+    "lecture-seule": (rien_ne_change, DEJA, rien_ne_change, rien_ne_change, rien_ne_change, quitte_aussitot),
+    "sans-descripteurs": (dit_sans_ressources, DEJA, page_refusee_puis_page, silence_puis_page, silence_puis_page,
+                          quitte_aussitot),
+    "sans-processus": (dit_sans_ressources, DEJA, page_refusee_puis_page, silence_puis_page, silence_puis_page,
+                       quitte_aussitot),
+    "horloge-avance": (UN_SAUT, DEJA, rien_ne_change, rien_ne_change, rien_ne_change, quitte_aussitot),
+    "horloge-recule": (UN_SAUT, DEJA, rien_ne_change, rien_ne_change, rien_ne_change, quitte_aussitot),
+    "page-tuee": (PAS_PEINTE, DEJA, PAS_PEINTE, page_ratee_puis_page, page_ratee_puis_page, quitte_aussitot),
+    "bus-parti": (rien_ne_change, DEJA, rien_ne_change, page_ratee, rien_ne_change, quitte_aussitot),
+    "ecran-parti": (dit_sans_ecran, DEJA, part_sans_toucher, part_sans_toucher, part_sans_toucher, SEULE),
+    "application-tuee": (PAS_PARTIE, DEJA, suivante_rattachee, suivante_rattachee, suivante_rattachee, SEULE),
+}
+TABLES = {"lance": LANCE, "rattache": RATTACHE}
+CASES = {f"test_{mode}_{moment}_{panne}".replace("-", "_"): (mode == "rattache", moment, panne, attendu)
+         for mode, table in TABLES.items() for panne, attendus in table.items()
+         for moment, attendu in zip(MOMENTS, attendus) if callable(attendu)}
 
 
 class Pannes(unittest.TestCase):
+    """Chaque case est un essai ; tous se jouent ensemble, et chacun attend le sien."""
+
+    choisis = weakref.WeakSet()  # ceux qu’un filtre écarte n’existent plus
+
+    def __init__(self, methode):
+        super().__init__(methode)
+        Pannes.choisis.add(self)
+
     @classmethod
     def setUpClass(cls):
-        cls.outils = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.outils.cleanup)
-        cls.fautes = os.path.join(cls.outils.name, "fautes.so")
-        subprocess.run(["cc", "-shared", "-fPIC", "-w", "-o", cls.fautes, os.path.join(ICI, "fautes.c"), "-ldl"], check=True)
+        outils = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(outils.cleanup)
+        cls.bibliotheque = os.path.join(outils.name, "fautes.so")
+        source = os.path.join(ICI, "fautes.c")
+        subprocess.run(["cc", "-shared", "-fPIC", "-w", "-o", cls.bibliotheque, source, "-ldl"], check=True)
+        cls.places = Places(A_LA_FOIS)
+        ensemble = concurrent.futures.ThreadPoolExecutor(A_LA_FOIS + EN_ATTENTE)
+        cls.addClassCleanup(ensemble.shutdown, cancel_futures=True)
+        noms = [essai.id().split(".")[-1] for essai in cls.choisis]
+        # Les plus lentes d’abord : les autres passent pendant qu’elles attendent.
+        ordre = sorted((nom for nom in noms if nom in CASES), key=lambda nom: (not est_lente(CASES[nom]), nom))
+        cls.travaux = {nom: ensemble.submit(cls.jouer, *CASES[nom]) for nom in ordre}
 
-    def jouer(self, mode, moment, faute, attendu):
-        banc = Banc(self, mode, moment)
-        banc.reste = mode == RATTACHE
-        if faute is Fautes.bus_parti:
-            avec_un_bus(banc)
-        if faute is Fautes.ecran_parti:
-            avec_un_ecran(banc)
-        if moment == "avant":
-            faute(banc)
-        banc.mener()
-        if moment != "avant":
-            faute(banc)
-        attendu(banc)
-        self.assertEqual(enfants_zombies(banc.application), [])
-        if banc.application.processus.poll() is None:
-            self.assertEqual(banc.quitter(), 0)
-        gele_a_la_fin = faute is Fautes.geler and moment == "fermeture"
-        if not banc.reste and not gele_a_la_fin:
-            self.assertEqual(banc.application.serveurs(), [])
-        if mode == RATTACHE and faute not in (Fautes.tuer, Fautes.etranger):
-            self.assertIsNone(banc.serveur.poll(), "le serveur d’un autre tourne toujours")
+    @classmethod
+    def jouer(cls, rattache, moment, panne, attendu):
+        with cls.places.une(), Banc(cls.bibliotheque, rattache, moment, cls.places) as banc:
+            banc.panne = PANNES[panne]
+            banc.panne.preparer(banc)
+            banc.preparer()
+            if moment == "avant":
+                banc.panne.faire(banc)
+            banc.application.lancer()
+            if moment != "avant":
+                banc.mener()
+                banc.panne.faire(banc)
+            attendu(banc)
+            banc.conclure()
+            banc.panne.temoigner(banc)
 
-    def test_lentes(self):
-        with concurrent.futures.ThreadPoolExecutor(len(LENTES)) as ensemble:
-            travaux = {nom_de(ligne): ensemble.submit(self.jouer, *ligne) for ligne in LENTES}
-        for nom, travail in travaux.items():
-            with self.subTest(nom):
-                travail.result()
-
-
-def ajouter(ligne):
-    setattr(Pannes, "test_" + nom_de(ligne), lambda self: self.jouer(*ligne))
+    def test_chaque_panne_a_une_case_pour_chaque_moment(self):
+        for table in TABLES.values():
+            self.assertEqual(list(table), list(PANNES))
+            for panne, attendus in table.items():
+                self.assertEqual(len(attendus), len(MOMENTS), panne)
+                self.assertEqual([a for a in attendus if not callable(a) and a not in SANS_OBJET], [], panne)
 
 
-for ligne in TABLE:
-    ajouter(ligne)
+def est_lente(case):
+    return getattr(case[-1], "lente", False)
+
+
+for nom in CASES:
+    setattr(Pannes, nom, lambda self, nom=nom: self.travaux[nom].result())

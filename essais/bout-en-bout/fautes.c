@@ -10,6 +10,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <time.h>
@@ -37,13 +38,38 @@ static int faute(const char *nom) {
   return access(chemin, F_OK) == 0;
 }
 
-static int disqueRefuse(const char *chemin) {
+// Assez pour le chargeur, trop peu pour la suite.
+__attribute__((constructor)) static void limiterLesDescripteurs(void) {
+  struct rlimit limite;
+  if (!faute("peu-de-descripteurs") || getrlimit(RLIMIT_NOFILE, &limite) != 0) return;
+  limite.rlim_cur = 30;
+  setrlimit(RLIMIT_NOFILE, &limite);
+}
+
+static int sousLaMaison(const char *chemin) {
   const char *maison = getenv("HOME");
-  if (maison == NULL || strncmp(chemin, maison, strlen(maison)) != 0) return 0;
-  if (faute("disque-plein")) errno = ENOSPC;
-  else if (faute("lecture-seule")) errno = EROFS;
-  else return 0;
+  return maison != NULL && strncmp(chemin, maison, strlen(maison)) == 0;
+}
+
+static int disqueRefuse(const char *chemin) {
+  if (!sousLaMaison(chemin) || !faute("lecture-seule")) return 0;
+  errno = EROFS;
   return 1;
+}
+
+// Un disque plein laisse créer un fichier, puis n’y laisse rien écrire.
+ssize_t write(int descripteur, const void *octets, size_t taille) {
+  if (faute("disque-plein")) {
+    char lien[64], chemin[4096];
+    snprintf(lien, sizeof lien, "/proc/self/fd/%d", descripteur);
+    const ssize_t lus = readlink(lien, chemin, sizeof chemin - 1);
+    chemin[lus > 0 ? lus : 0] = 0;
+    if (sousLaMaison(chemin)) {
+      errno = ENOSPC;
+      return -1;
+    }
+  }
+  return VRAI(write)(descripteur, octets, taille);
 }
 
 #define OUVRIR(nom)                                                                                                    \
@@ -71,6 +97,15 @@ int rename(const char *de, const char *vers) { return disqueRefuse(vers) ? -1 : 
   }
 LANCER(posix_spawn)
 LANCER(posix_spawnp)
+
+// Plus de processus, donc plus de fils non plus. Ceux de la boîte à outils, qui interrompt tout sans eux, sont épargnés.
+int pthread_create(pthread_t *fil, const pthread_attr_t *attributs, void *(*travail)(void *), void *donnee) {
+  Dl_info appelant;
+  if (faute("sans-processus") && dladdr(__builtin_return_address(0), &appelant) != 0 &&
+      strstr(appelant.dli_fname, "libstdc++") != NULL)
+    return EAGAIN;
+  return VRAI(pthread_create)(fil, attributs, travail, donnee);
+}
 
 static long decalage(void) { return faute("horloge-avance") ? 3600 : faute("horloge-recule") ? -3600 : 0; }
 

@@ -1,0 +1,183 @@
+"""Les pannes que l’on fait à une application ou à son serveur."""
+
+import dataclasses
+import itertools
+import os
+import resource
+import signal
+import socket
+import subprocess
+import threading
+from collections.abc import Callable
+
+from application import commande
+from banc_de_fautes import CADRE
+from notifications import Bus
+from partage import guetter
+
+
+def sans_suite(_banc):
+    pass
+
+
+@dataclasses.dataclass(frozen=True)
+class Panne:
+    faire: Callable
+    defaire: Callable = sans_suite
+    preparer: Callable = sans_suite  # avant l’application
+    temoigner: Callable = sans_suite  # une fois l’application partie
+    peut_perdre_la_page: bool = False  # WebKit peut en perdre le programme de plus
+
+
+def tuer(banc):
+    os.kill(banc.pid_du_serveur(), signal.SIGKILL)
+    if banc.serveur:
+        banc.serveur.wait()
+
+
+def geler(banc):
+    banc.gele = banc.pid_du_serveur()
+    os.kill(banc.gele, signal.SIGSTOP)
+    banc.callback(degeler, banc)
+
+
+def degeler(banc):
+    try:
+        os.kill(banc.gele, signal.SIGCONT)
+    except ProcessLookupError:
+        pass
+
+
+def prendre_le_port(banc):
+    """Quelqu’un d’autre prend le port, que le serveur lui laisse en mourant s’il le tenait, et y répond autre chose."""
+    if banc.moment not in ("avant", "attente"):
+        tuer(banc)
+    prise = banc.enter_context(socket.socket())
+    prise.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+    guetter(lambda: _pris(prise, banc.application.port), quoi="le port pris")
+    prise.listen()
+    threading.Thread(target=_repondre_en_etranger, args=(prise,), daemon=True).start()
+
+
+def _pris(prise, port):
+    try:
+        prise.bind(("127.0.0.1", port))
+        return True
+    except OSError:
+        return False
+
+
+def _repondre_en_etranger(prise):
+    while True:
+        try:
+            client, _ = prise.accept()
+        except OSError:
+            return
+        with client:
+            try:
+                client.recv(4096)
+                client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\nConnection: close\r\n\r\nbonjour")
+            except OSError:
+                pass  # parti sans attendre la réponse
+
+
+def du_serveur(nom):
+    return Panne(lambda banc: banc.poser(nom), lambda banc: os.remove(banc.dossier(nom)))
+
+
+def de_l_application(nom, preparer=sans_suite, temoigner=sans_suite):
+    def chemin(banc):
+        return os.path.join(banc.fautes, nom)
+
+    return Panne(lambda banc: open(chemin(banc), "w").close(), lambda banc: os.remove(chemin(banc)), preparer, temoigner)
+
+
+def inonder(banc):
+    banc.poser("inondation")
+    if banc.moment != "avant":
+        guetter(lambda: tout_est_lu(banc), quoi="l’application qui lit ce que le serveur écrit")
+
+
+def tout_est_lu(banc):
+    return banc.vus("inonde") > 50
+
+
+def verifier_que_tout_est_lu(banc):
+    banc.verifier.assertTrue(tout_est_lu(banc))
+
+
+def retenir_un_cadre(banc):
+    banc.cadre = banc.confier("état/keltrove/fenetre-keltrove", CADRE)
+
+
+def le_cadre_est_intact(banc):
+    with open(banc.cadre) as fichier:
+        banc.verifier.assertEqual(fichier.read(), CADRE)
+    banc.verifier.assertEqual(os.listdir(os.path.dirname(banc.cadre)), [os.path.basename(banc.cadre)])
+
+
+def epuiser_les_descripteurs(banc):
+    if banc.moment == "avant":
+        return DESCRIPTEURS_AU_LANCEMENT.faire(banc)
+    pid = banc.application.processus.pid
+    banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
+    guetter(lambda: banc.ecran().textes(), quoi="la fenêtre")  # la boîte à outils ne s’ouvre pas sans descripteurs
+    tenus = set.intersection(*[set(os.listdir(f"/proc/{pid}/fd")) for _ in range(20)])  # les autres ne font que passer
+    premier_libre = next(i for i in itertools.count() if str(i) not in tenus)
+    resource.prlimit(pid, resource.RLIMIT_NOFILE, (premier_libre, banc.limites[1]))
+
+
+def rendre_les_descripteurs(banc):
+    resource.prlimit(banc.application.processus.pid, resource.RLIMIT_NOFILE, banc.limites)
+
+
+def tuer_la_page(banc):
+    for pid in banc.application.enfants("WebKitWebProcess"):
+        if "bwrap" not in commande(pid):
+            os.kill(pid, signal.SIGKILL)
+
+
+def ouvrir_un_bus(banc):
+    banc.bus = Bus(banc)
+    banc.application.variables.update(banc.bus.variables)
+
+
+def ouvrir_un_ecran(banc):
+    lecture, ecriture = os.pipe()
+    banc.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(ecriture), "-nolisten", "tcp"], pass_fds=[ecriture],
+                                 stderr=subprocess.DEVNULL)
+    banc.callback(retirer_l_ecran, banc)
+    os.close(ecriture)
+    with os.fdopen(lecture) as tube:
+        banc.application.variables["DISPLAY"] = ":" + tube.readline().strip()
+
+
+def retirer_l_ecran(banc):
+    banc.xvfb.kill()
+    banc.xvfb.wait()
+
+
+def tuer_l_application(banc):
+    banc.application.processus.kill()
+    banc.application.processus.wait()
+
+
+DESCRIPTEURS_AU_LANCEMENT = de_l_application("peu-de-descripteurs")
+PANNES = {
+    "serveur-tue": Panne(tuer),
+    "serveur-gele": Panne(geler, degeler),
+    "etranger": Panne(prendre_le_port),
+    "sans-marque": du_serveur("sans-marque"),
+    "sans-fin": du_serveur("sans-fin"),
+    "inondation": Panne(inonder, temoigner=verifier_que_tout_est_lu),
+    "disque-plein": de_l_application("disque-plein", retenir_un_cadre, le_cadre_est_intact),
+    "lecture-seule": de_l_application("lecture-seule", retenir_un_cadre, le_cadre_est_intact),
+    "sans-descripteurs": Panne(epuiser_les_descripteurs, rendre_les_descripteurs, peut_perdre_la_page=True),
+    "sans-processus": de_l_application("sans-processus"),
+    "horloge-avance": de_l_application("horloge-avance"),
+    "horloge-recule": de_l_application("horloge-recule"),
+    "page-tuee": Panne(tuer_la_page),
+    "bus-parti": Panne(lambda banc: banc.bus.arreter(), preparer=ouvrir_un_bus),
+    "ecran-parti": Panne(retirer_l_ecran, preparer=ouvrir_un_ecran),
+    "application-tuee": Panne(tuer_l_application),
+}

@@ -1,0 +1,90 @@
+"""Ce que plusieurs essais menés ensemble se partagent : les places, et la lecture de l’écran."""
+
+import contextlib
+import threading
+import time
+
+import ecran
+from ecran import Atspi, gi
+
+
+class Places:
+    """Combien d’applications travaillent à la fois. Qui revient d’une longue attente passe avant qui commence."""
+
+    def __init__(self, nombre):
+        self.libres, self.retours, self.liberation = nombre, 0, threading.Condition()
+
+    def prendre(self):
+        with self.liberation:
+            self.liberation.wait_for(lambda: self.libres > 0 and self.retours == 0)
+            self.libres -= 1
+
+    def reprendre(self):
+        with self.liberation:
+            self.retours += 1
+            self.liberation.wait_for(lambda: self.libres > 0)
+            self.retours -= 1
+            self.libres -= 1
+            self.liberation.notify_all()
+
+    def rendre(self):
+        with self.liberation:
+            self.libres += 1
+            self.liberation.notify_all()
+
+    @contextlib.contextmanager
+    def une(self):
+        self.prendre()
+        try:
+            yield
+        finally:
+            self.rendre()
+
+    @contextlib.contextmanager
+    def longue_attente(self):
+        self.rendre()
+        try:
+            yield
+        finally:
+            self.reprendre()
+
+
+class Lecteur:
+    """L’écran d’une application, lu par un seul fil à la fois, parmi d’autres qui s’ouvrent et se ferment."""
+
+    un_seul = threading.Lock()
+
+    def __init__(self, pid):
+        self.pid = pid
+
+    def _lire(self, lecture):
+        """Rien si l’application n’y est pas, ou change pendant la lecture : on relira."""
+        with self.un_seul:
+            bureau = Atspi.get_desktop(0)
+            for i in range(bureau.get_child_count()):
+                with contextlib.suppress(gi.repository.GLib.Error):
+                    application = bureau.get_child_at_index(i)
+                    if application is not None and application.get_process_id() == self.pid:
+                        return lecture(list(ecran._parcourir(application)))
+        return None
+
+    def textes(self):
+        return self._lire(lambda objets: [o.get_name() for o in objets if o.get_role_name() == "label"]) or []
+
+    def boutons(self):
+        return self._lire(lambda objets: [o.get_name() for o in objets if o.get_role_name() == "push button"])
+
+    def presser(self, nom):
+        def premier(objets):
+            return any(o.get_name() == nom and o.do_action(0) for o in objets if o.get_role_name() == "push button")
+
+        return self._lire(premier)
+
+
+def guetter(condition, secondes=15, quoi="la condition"):
+    """Pour ce qui se lit lentement : l’écran, la liste des processus."""
+    limite = time.monotonic() + secondes
+    while not condition():
+        if time.monotonic() > limite:
+            raise AssertionError(f"{quoi() if callable(quoi) else quoi} : toujours rien au bout de {secondes} s")
+        time.sleep(0.1)
