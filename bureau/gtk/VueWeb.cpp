@@ -174,6 +174,11 @@ void VueWeb::arreterLeChargement() {
 }
 
 void VueWeb::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
+  // Sans page, WebKit lancerait pour cela son programme, que le système vient peut-être de refuser.
+  if (origine_.empty()) {
+    fini(std::nullopt);
+    return;
+  }
   using Suite = std::function<void(std::optional<std::string>)>;
   webkit_web_view_evaluate_javascript(
       vue_, expression.data(), static_cast<gssize>(expression.size()), nullptr, nullptr, nullptr,
