@@ -1,4 +1,5 @@
-// EcranPerdu : le serveur d’affichage X s’en va, et le programme doit partir avec lui.
+// EcranPerdu : le serveur d’affichage X ou le compositeur Wayland s’en va, et le programme
+// doit partir avec lui.
 #pragma once
 
 #include <functional>
@@ -6,8 +7,8 @@
 namespace keltrove::bureau {
 
 // `faire` est appelé au lieu de la fin immédiate, une fois, sur le fil principal ; il peut attendre, mais ni
-// dessiner ni revenir à la boucle d’événements. Le programme se termine ensuite. Sans effet hors de X11. À
-// appeler quand la fenêtre existe.
+// dessiner ni revenir à la boucle d’événements. Le programme se termine ensuite. À appeler
+// quand la fenêtre existe.
 void quandLEcranDisparait(std::function<void()> faire);
 
 } // namespace keltrove::bureau
