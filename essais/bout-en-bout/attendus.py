@@ -35,21 +35,23 @@ def _echec(banc, cause, secondes=30):
 
 
 # Le serveur ne s’ouvre pas.
-def echec_mort(banc):
+def mort(banc):
+    """Le serveur s’arrête avant d’avoir répondu : l’écran l’explique."""
     banc.liberer()
     _echec(banc, MORT)
     banc.reste = False
 
 
-def echec_mort_puis_page(banc):
+def mort_puis_page(banc):
+    """De même ; une fois la panne réparée, « Réessayer » rend la page."""
     banc.liberer()
     _echec(banc, MORT)
     _la_page_revient(banc)
 
 
 @lente
-def echec_muet(banc):
-    """Et quitter ferme tout de même le serveur muet."""
+def muet(banc):
+    """Quarante secondes sans la réponse attendue ; et quitter ferme tout de même le serveur muet."""
     banc.liberer()
     with banc.places.longue_attente():
         banc.attendre("echec-demarrage", 60)
@@ -57,19 +59,22 @@ def echec_muet(banc):
 
 
 @lente
-def echec_muet_puis_page(banc):
-    echec_muet(banc)
+def muet_puis_page(banc):
+    """De même ; une fois la panne réparée, « Réessayer » rend la page."""
+    muet(banc)
     _la_page_revient(banc)
 
 
-def allume_le_sien(banc):
+def allume(banc):
+    """Le serveur d’avant n’est plus : l’application allume le sien."""
     banc.liberer()
     banc.attendre("allume")
     banc.attendre("page-contenu")
     banc.reste = False
 
 
-def attend_la_bonne_reponse(banc):
+def patience(banc):
+    """Une mauvaise réponse n’est pas la fin : la bonne, venue plus tard, ouvre la page."""
     banc.liberer()
     banc.attendre_les_sondes(2)
     banc.verifier.assertNotIn("allume", banc.application.etapes())
@@ -78,7 +83,8 @@ def attend_la_bonne_reponse(banc):
 
 
 # Le serveur s’en va, ou se tait.
-def mort_puis_page(banc):
+def perdu_puis_page(banc):
+    """Le serveur en service s’arrête ; « Réessayer » en allume un autre."""
     banc.attendre("serveur-mort-en-route")
     # La page qu’il servait à cet instant échoue aussi ; l’un ou l’autre se lit, et tous deux proposent de réessayer.
     page = ["La page de keltrove ne s’affiche pas"] if banc.moment == "chargement" else []
@@ -88,14 +94,16 @@ def mort_puis_page(banc):
     banc.verifier.assertEqual(banc.application.etapes().count("allume"), 2)
 
 
-def mort_puis_echec(banc):
+def perdu_puis_mort(banc):
+    """Le serveur en service s’arrête, et l’autre que « Réessayer » lance ne peut pas s’ouvrir."""
     banc.attendre("serveur-mort-en-route")
     banc.liberer()
     banc.reessayer()
     _echec(banc, MORT)
 
 
-def page_apres_le_degel(banc):
+def degel_puis_page(banc):
+    """Une connexion se perd pendant le gel, sans que rien ne s’affiche ; la page vient au dégel."""
     if banc.moment != "attente":
         banc.attendre_un_client()  # qui vient donc pendant le gel
     banc.liberer()
@@ -106,6 +114,7 @@ def page_apres_le_degel(banc):
 
 @lente
 def silence_puis_page(banc):
+    """La surveillance le dit ; une fois la panne réparée, « Réessayer » rend la page."""
     banc.liberer()
     with banc.places.longue_attente():
         banc.attendre("serveur-ne-repond-plus", 60)
@@ -115,7 +124,8 @@ def silence_puis_page(banc):
 
 
 @lente
-def silence_puis_echec(banc):
+def silence_puis_mort(banc):
+    """La surveillance le dit, et le serveur que « Réessayer » lance ne peut pas s’ouvrir."""
     with banc.places.longue_attente():
         banc.attendre("serveur-ne-repond-plus", 60)
     banc.reessayer()
@@ -124,24 +134,27 @@ def silence_puis_echec(banc):
 
 
 # La page.
-def page_ratee_puis_page(banc):
+def ratee_puis_page(banc):
+    """La page ne s’affiche pas ; une fois la panne réparée, « Réessayer » la rend."""
     banc.attendre("page-ratee")
     banc.attendre_le_texte("La page de keltrove ne s’affiche pas")
     banc.liberer()
     _la_page_revient(banc)
 
 
-def page_ratee(banc):
+def ratee(banc):
     """Le programme réseau de WebKit part avec le bus, et avec lui ce qui se chargeait ; l’écran ne se lit plus."""
     banc.attendre("page-ratee")
 
 
-def page_refusee_puis_page(banc):
+def refusee_puis_page(banc):
+    """Le serveur répond, mais plus rien ne permet d’ouvrir la page."""
     banc.liberer()
-    page_ratee_puis_page(banc)
+    ratee_puis_page(banc)
 
 
-def page_ratee_puis_echec(banc):
+def ratee_puis_mort(banc):
+    """La page ne s’affiche pas, et le serveur que « Réessayer » lance ne peut pas s’ouvrir."""
     banc.attendre("page-ratee")
     banc.attendre_le_texte("La page de keltrove ne s’affiche pas")
     banc.liberer()
@@ -150,7 +163,7 @@ def page_ratee_puis_echec(banc):
     banc.reste = False
 
 
-def rien_ne_change(banc):
+def rien(banc):
     """La page se montre, et la surveillance passe au moins une fois après la panne."""
     banc.liberer()
     banc.attendre("page-contenu")
@@ -162,7 +175,8 @@ def rien_ne_change(banc):
 
 
 # La fermeture.
-def ferme_proprement(banc):
+def fermee(banc):
+    """Le serveur se ferme proprement, et l’application part après lui."""
     banc.liberer()
     banc.finir(0)
     (message,) = banc.application.details("arret-fini")
@@ -173,7 +187,8 @@ def ferme_proprement(banc):
 
 
 @lente
-def ferme_sans_attendre_davantage(banc):
+def abandon(banc):
+    """Au bout du délai, l’application part et laisse le serveur finir."""
     with banc.places.longue_attente():
         banc.finir(0, 30)
     banc.verifier.assertIn("met du temps à se fermer", banc.application.details("arret-fini")[0])
@@ -188,7 +203,8 @@ def _finit_seul(banc):
     guetter(lambda: not banc.application.serveurs(), quoi="la fin du serveur")
 
 
-def quitte_aussitot(banc):
+def quittee(banc):
+    """Sur le point de quitter ; elle part sans attendre, et sans toucher au serveur."""
     banc.reste = banc.serveur.poll() is None
     banc.application.processus.terminate()
     banc.finir(0)
@@ -196,18 +212,21 @@ def quitte_aussitot(banc):
 
 
 # L’écran s’en va.
-def part_en_arretant(banc):
+def arret(banc):
+    """Sans écran, l’application ferme son serveur avant de partir."""
     banc.finir(1)
     banc.verifier.assertEqual(banc.application.etapes()[-2:], ["arret-demande", "arret-fini"])
 
 
-def part_sans_attendre(banc):
+def sans_arret(banc):
+    """Sans écran alors que le serveur se ferme déjà : elle part, il finit."""
     banc.finir(1)
     banc.verifier.assertEqual(banc.application.etapes()[-1], "arret-demande")
     _finit_seul(banc)
 
 
-def part_sans_toucher(banc):
+def sans_toucher(banc):
+    """Sans écran, l’application part et laisse le serveur d’un autre."""
     banc.finir(1)
     banc.verifier.assertEqual(banc.application.etapes()[-1], "quitte-sans-toucher-au-serveur")
 
@@ -219,16 +238,19 @@ def _une_phrase(banc, debut):
     banc.verifier.assertTrue(banc.application.lignes[0].startswith(debut), banc.application.lignes)
 
 
-def dit_sans_ecran(banc):
+def sans_ecran(banc):
+    """Une phrase, et l’état 1."""
     _une_phrase(banc, "Keltrove n’a trouvé aucun écran")
 
 
-def dit_sans_ressources(banc):
+def sans_moyens(banc):
+    """Une phrase, et l’état 1."""
     _une_phrase(banc, "Keltrove ne peut pas s’ouvrir : le système n’a plus")
 
 
 # L’application est tuée.
-def suivante_rattachee(banc):
+def rattachee(banc):
+    """L’application suivante se rattache au serveur laissé."""
     banc.liberer()
     banc.attendre_l_ecoute()
     banc.application.lancer()
@@ -237,7 +259,8 @@ def suivante_rattachee(banc):
     banc.reste = True
 
 
-def suivante_allume(banc):
+def rallumee(banc):
+    """Le serveur laissé finit de se fermer ; l’application suivante en allume un autre."""
     _finit_seul(banc)
     banc.application.lancer()
     banc.attendre("page-affichee")

@@ -26,6 +26,7 @@ class Panne:
     defaire: Callable = sans_suite
     preparer: Callable = sans_suite  # avant l’application
     temoigner: Callable = sans_suite  # une fois l’application partie
+    outil: str = "true"  # sans ce programme, la case est sautée
     peut_perdre_la_page: bool = False  # WebKit peut en perdre le programme de plus
 
 
@@ -157,6 +158,21 @@ def retirer_l_ecran(banc):
     banc.xvfb.wait()
 
 
+def ouvrir_un_compositeur(banc):
+    variables = {"XDG_RUNTIME_DIR": banc.fautes, "WAYLAND_DISPLAY": "compositeur", "DISPLAY": None}
+    banc.compositeur = subprocess.Popen(["weston", "--backend=headless-backend.so", "--socket=compositeur"],
+                                        env={**os.environ, "XDG_RUNTIME_DIR": banc.fautes}, stderr=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL)
+    banc.callback(retirer_le_compositeur, banc)
+    guetter(lambda: os.path.exists(os.path.join(banc.fautes, "compositeur")), quoi="le compositeur")
+    banc.application.variables.update(variables)
+
+
+def retirer_le_compositeur(banc):
+    banc.compositeur.kill()
+    banc.compositeur.wait()
+
+
 def tuer_l_application(banc):
     banc.application.processus.kill()
     banc.application.processus.wait()
@@ -179,5 +195,6 @@ PANNES = {
     "page-tuee": Panne(tuer_la_page),
     "bus-parti": Panne(lambda banc: banc.bus.arreter(), preparer=ouvrir_un_bus),
     "ecran-parti": Panne(retirer_l_ecran, preparer=ouvrir_un_ecran),
+    "compositeur-parti": Panne(retirer_le_compositeur, preparer=ouvrir_un_compositeur, outil="weston"),
     "application-tuee": Panne(tuer_l_application),
 }
