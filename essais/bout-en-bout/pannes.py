@@ -10,7 +10,7 @@ import subprocess
 import threading
 from collections.abc import Callable
 
-from application import commande
+from application import commande, port_libre
 from banc_de_fautes import CADRE
 from notifications import Bus
 from partage import guetter
@@ -26,7 +26,6 @@ class Panne:
     defaire: Callable = sans_suite
     preparer: Callable = sans_suite  # avant l’application
     temoigner: Callable = sans_suite  # une fois l’application partie
-    outil: str = "true"  # sans ce programme, la case est sautée
     peut_perdre_la_page: bool = False  # WebKit peut en perdre le programme de plus
 
 
@@ -122,7 +121,9 @@ def epuiser_les_descripteurs(banc):
         return DESCRIPTEURS_AU_LANCEMENT.faire(banc)
     pid = banc.application.processus.pid
     banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
-    guetter(lambda: banc.ecran().textes(), quoi="la fenêtre")  # la boîte à outils ne s’ouvre pas sans descripteurs
+    # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs.
+    guetter(lambda: banc.ecran().textes(), quoi="la fenêtre")
+    guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
     tenus = set.intersection(*[set(os.listdir(f"/proc/{pid}/fd")) for _ in range(20)])  # les autres ne font que passer
     premier_libre = next(i for i in itertools.count() if str(i) not in tenus)
     resource.prlimit(pid, resource.RLIMIT_NOFILE, (premier_libre, banc.limites[1]))
@@ -145,7 +146,9 @@ def ouvrir_un_bus(banc):
 
 def ouvrir_un_ecran(banc):
     lecture, ecriture = os.pipe()
-    banc.xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(ecriture), "-nolisten", "tcp"], pass_fds=[ecriture],
+    # Le premier numéro libre, que Xvfb prendrait, pourrait revenir à l’écran d’un autre essai une fois celui-ci parti.
+    numero = port_libre() // 2
+    banc.xvfb = subprocess.Popen(["Xvfb", f":{numero}", "-displayfd", str(ecriture), "-nolisten", "tcp"], pass_fds=[ecriture],
                                  stderr=subprocess.DEVNULL)
     banc.callback(retirer_l_ecran, banc)
     os.close(ecriture)
@@ -195,6 +198,6 @@ PANNES = {
     "page-tuee": Panne(tuer_la_page),
     "bus-parti": Panne(lambda banc: banc.bus.arreter(), preparer=ouvrir_un_bus),
     "ecran-parti": Panne(retirer_l_ecran, preparer=ouvrir_un_ecran),
-    "compositeur-parti": Panne(retirer_le_compositeur, preparer=ouvrir_un_compositeur, outil="weston"),
+    "compositeur-parti": Panne(retirer_le_compositeur, preparer=ouvrir_un_compositeur),
     "application-tuee": Panne(tuer_l_application),
 }
