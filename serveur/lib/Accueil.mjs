@@ -2,7 +2,7 @@ import { readdirSync, readFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import { extname } from 'node:path';
 import { fileURLToPath } from 'node:url';
-import { hoteAdmis, jetonJuste, origineAdmise } from './acces.mjs';
+import { jetonJuste, raisonDuRefus } from './acces.mjs';
 
 const HTML = 'text/html; charset=utf-8';
 const CSS = 'text/css; charset=utf-8';
@@ -33,15 +33,13 @@ const ENTETES_COMMUNS = {
 };
 
 export class Accueil {
-  #port;
   #jeton;
   #version;
   #compterLesTerminaux;
   #page;
   #fichiers;
 
-  constructor({ port, jeton, version, compterLesTerminaux }) {
-    this.#port = port;
+  constructor({ jeton, version, compterLesTerminaux }) {
     this.#jeton = jeton;
     this.#version = version;
     this.#compterLesTerminaux = compterLesTerminaux;
@@ -53,16 +51,13 @@ export class Accueil {
   }
 
   repondre(requete, reponse) {
-    const { host, origin } = requete.headers;
-    if (!hoteAdmis(host, this.#port)) return envoyer(reponse, 403, TEXTE, 'Adresse refusée.\n');
-    if (origin !== undefined && !origineAdmise(origin, this.#port)) {
-      return envoyer(reponse, 403, TEXTE, 'Origine refusée.\n');
-    }
+    const raison = raisonDuRefus(requete);
+    if (raison) return envoyer(reponse, 403, TEXTE, `${raison}\n`);
     if (requete.method !== 'GET' && requete.method !== 'HEAD') {
       return envoyer(reponse, 405, TEXTE, 'Méthode refusée.\n', { Allow: 'GET, HEAD' });
     }
     const route = requete.url.split('?')[0];
-    if (route === '/') return envoyer(reponse, 200, HTML, this.#page, entetesDeLaPage(host));
+    if (route === '/') return envoyer(reponse, 200, HTML, this.#page, entetesDeLaPage(requete.headers.host));
     const fichier = this.#fichiers.get(route);
     if (fichier) return envoyer(reponse, 200, fichier.type, fichier.corps);
     this.#repondreSousJeton(requete, reponse, route);

@@ -1,5 +1,5 @@
 import { WebSocketServer } from 'ws';
-import { hoteAdmis, jetonJuste, origineAdmise } from './acces.mjs';
+import { jetonJuste, raisonDuRefus } from './acces.mjs';
 import { PageReliee } from './PageReliee.mjs';
 
 const ROUTE = '/terminaux';
@@ -21,21 +21,19 @@ export class Liaison {
   #pages = new Set();
   #terminaux;
   #jeton;
-  #port;
   #listeDite = '';
   #avis = [];
 
-  constructor({ terminaux, jeton, port }) {
+  constructor({ terminaux, jeton }) {
     this.#terminaux = terminaux;
     this.#jeton = jeton;
-    this.#port = port;
   }
 
   accueillir(requete, prise, tete) {
-    const { host, origin } = requete.headers;
     prise.on('error', () => prise.destroy());
-    if (!hoteAdmis(host, this.#port) || !origineAdmise(origin, this.#port)) return refuser(prise, '403 Forbidden');
-    if (requete.url !== ROUTE) return refuser(prise, '404 Not Found');
+    const raison = raisonDuRefus(requete, { origineExigee: true });
+    if (raison) return refuser(prise, '403 Forbidden', raison);
+    if (requete.url !== ROUTE) return refuser(prise, '404 Not Found', 'Rien à cette adresse.');
     this.#portier.handleUpgrade(requete, prise, tete, (socket) => this.#attendreLeJeton(socket));
   }
 
@@ -109,8 +107,9 @@ export class Liaison {
   }
 }
 
-function refuser(prise, statut) {
-  prise.end(`HTTP/1.1 ${statut}\r\nConnection: close\r\nContent-Length: 0\r\n\r\n`);
+function refuser(prise, statut, raison) {
+  const entetes = `Connection: close\r\nContent-Type: text/plain; charset=utf-8`;
+  prise.end(`HTTP/1.1 ${statut}\r\n${entetes}\r\n\r\n${raison}\n`);
 }
 
 function lireMessage(donnees) {

@@ -1,14 +1,24 @@
 import { createHash, timingSafeEqual } from 'node:crypto';
+import { estDUnAutreCompte } from './clients.mjs';
 
 const NOMS_DE_LA_MACHINE = ['localhost', '127.0.0.1', '[::1]'];
 
+// Ce qui ferme la porte, en une phrase ; rien quand elle est ouverte. Un navigateur dit l’origine d’une page qui demande
+// une liaison, toujours, et de celle qui demande un fichier, quand elle est d’ailleurs.
+export function raisonDuRefus({ socket, headers: { host, origin } }, { origineExigee = false } = {}) {
+  if (estDUnAutreCompte(socket)) return 'Cette page appartient à un autre compte de cette machine.';
+  if (!hoteAdmis(host, socket.localPort)) return 'Adresse refusée.';
+  const origineAdmise = origin === undefined ? !origineExigee : estDIci(origin, socket.localPort);
+  return origineAdmise ? null : 'Origine refusée.';
+}
+
 // Un nom étranger qui pointerait sur cette machine ne doit pas faire lire la page, et donc le jeton, à un autre site.
-export function hoteAdmis(hote, port) {
+function hoteAdmis(hote, port) {
   return NOMS_DE_LA_MACHINE.some((nom) => hote === `${nom}:${port}` || (port === 80 && hote === nom));
 }
 
-export function origineAdmise(origine, port) {
-  return typeof origine === 'string' && origine.startsWith('http://') && hoteAdmis(origine.slice('http://'.length), port);
+function estDIci(origine, port) {
+  return origine.startsWith('http://') && hoteAdmis(origine.slice('http://'.length), port);
 }
 
 export function jetonJuste(presente, attendu) {

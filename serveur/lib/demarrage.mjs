@@ -29,17 +29,17 @@ export async function demarrer() {
   }
   // Jeton et liste ne sont touchés qu’une fois le port obtenu : un second serveur lancé par mégarde ne les abîme pas.
   // Rien n’attend plus d’ici à la fin : aucune requête ne peut donc arriver avant que tout soit branché.
-  allume = allumer(serveur, port);
+  allume = allumer(serveur);
   if (issue === 'libre') dire(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
   dire(`keltrove ${version} écoute sur http://127.0.0.1:${port}/`);
 }
 
-function allumer(serveur, port) {
+function allumer(serveur) {
   creerDossierCache();
   const jeton = lireOuCreerJeton();
   const terminaux = new Terminaux();
-  const liaison = new Liaison({ terminaux, jeton, port });
-  const accueil = new Accueil({ port, jeton, version, compterLesTerminaux: () => terminaux.nombre });
+  const liaison = new Liaison({ terminaux, jeton });
+  const accueil = new Accueil({ jeton, version, compterLesTerminaux: () => terminaux.nombre });
 
   const carnet = new Carnet({
     chemin: join(dossierCache(), 'keltrove-carnet.json'),
