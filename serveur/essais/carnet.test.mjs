@@ -184,3 +184,20 @@ test('un interpréteur sourd au raccrochage n’empêche pas l’arrêt', async 
   assert.ok(performance.now() - debut < 2000);
   assert.equal(maison.lireLeCarnet().length, 1);
 });
+
+test('ce qu’une mort au milieu d’une écriture a laissé est balayé au lancement, par celui qui a le port', async (t) => {
+  const maison = await preparerMaison(t);
+  const [restes, gardes] = [
+    ['keltrove-carnet.json.0123abcd.tmp', 'keltrove-jeton.ffffffff.tmp'],
+    ['keltrove-carnet.json.abime-x', 'keltrove-carnet.json.a moi.tmp', 'keltrove.json.0123abcd.tmp', 'x-keltrove-jeton.ffffffff.tmp'],
+  ];
+  const poser = (noms) => noms.forEach((nom) => writeFileSync(join(maison.cache, nom), '{'));
+  const presents = (noms) => noms.filter((nom) => existsSync(join(maison.cache, nom)));
+  poser([...restes, ...gardes]);
+  await lancer(t, maison);
+  assert.deepEqual(presents([...restes, ...gardes]), gardes);
+  poser(restes);
+  const second = await lancer(t, maison);
+  await second.fin;
+  assert.deepEqual(presents(restes), restes);
+});

@@ -4,6 +4,7 @@ import { join } from 'node:path';
 import { Accueil } from './Accueil.mjs';
 import { Carnet } from './Carnet.mjs';
 import { prendreUnPort } from './ecoute.mjs';
+import { balayerLesProvisoires } from './fichiers.mjs';
 import { Liaison } from './Liaison.mjs';
 import { creerDossierCache, dossierCache, lireOuCreerJeton, portSouhaite } from './reglages.mjs';
 import { Terminaux } from './Terminaux.mjs';
@@ -36,6 +37,7 @@ export async function demarrer() {
 
 function allumer(serveur) {
   creerDossierCache();
+  balayerLesProvisoires(dossierCache());
   const jeton = lireOuCreerJeton();
   const terminaux = new Terminaux();
   const liaison = new Liaison({ terminaux, jeton });

@@ -1,6 +1,9 @@
 import { randomBytes } from 'node:crypto';
-import { chmodSync, renameSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { chmodSync, readdirSync, renameSync, rmSync, statSync, writeFileSync } from 'node:fs';
 import { open, rename, rm } from 'node:fs/promises';
+import { join } from 'node:path';
+
+const PROVISOIRE = /^keltrove-(carnet\.json|jeton)\.[0-9a-f]{8}\.tmp$/;
 
 const nommerUnProvisoire = (chemin) => `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
 
@@ -33,6 +36,11 @@ export function ecrireToutDeSuite(chemin, texte) {
     rmSync(provisoire, { force: true });
     throw erreur;
   }
+}
+
+// Ce qu’un serveur tué au milieu d’une écriture a laissé.
+export function balayerLesProvisoires(dossier) {
+  for (const nom of readdirSync(dossier)) if (PROVISOIRE.test(nom)) rmSync(join(dossier, nom), { force: true });
 }
 
 // Copié ou restauré, un fichier peut revenir lisible de tous.
