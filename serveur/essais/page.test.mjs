@@ -32,6 +32,25 @@ const ouvrirEncore = async (page, touche = 'Ctrl+Maj+T') => {
   await page.attendreLeTexte('/\\$ /');
 };
 
+// Un clic sur le lien qui passe à cette ligne et à cette colonne.
+const viserUnLien = async (page, rang, { modifiers = 0, colonne = 1 } = {}) => {
+  const [x, y, largeur, hauteur] = await page.evaluer(`(() => { const { x, y } = document.querySelector('.xterm-rows').getBoundingClientRect();
+    const { width, height } = document.querySelector('.xterm-char-measure-element').getBoundingClientRect();
+    return [x, y, width / 32, document.querySelector('.xterm-rows > div').getBoundingClientRect().height]; })()`);
+  const [la, haut] = [x + largeur * (colonne + 0.5), y + hauteur * (rang + 0.5)];
+  // Le terminal ne cherche les liens que sous une souris qui bouge.
+  const bouger = async (vers, hauteurVisee, surUnLien) => {
+    for (let i = 0; await page.evaluer('document.querySelector(".xterm-cursor-pointer") === null') === surUnLien; i += 1) {
+      assert.ok(i < 300, 'le lien ne se voit pas sous la souris');
+      await page.souris('mouseMoved', vers + (i % 2), hauteurVisee, { buttons: 0, modifiers });
+    }
+  };
+  await bouger(x + 400, y + hauteur * 12, false);
+  await bouger(la, haut, true);
+  await page.souris('mousePressed', la, haut, { modifiers });
+  await page.souris('mouseReleased', la, haut, { modifiers });
+};
+
 essai('taper, voir, recharger, retrouver ; puis redémarrer et retrouver encore', async (page, t) => {
   await lancerUneLigne(page, 'echo vu-$((20 + 1)); jeu=gardé');
   await page.attendreLeTexte('/vu-21/');
@@ -147,28 +166,23 @@ essai('copier, tout sélectionner et coller, comme depuis un menu', async (page)
 essai('les liens s’ouvrent ailleurs, d’un Ctrl+clic, et seulement vers le web ou le courrier', async (page) => {
   await lancerUneLigne(page, String.raw`clear; printf 'https://exemple.test/a?b=1\n\e]8;;mailto:moi@exemple.test\e\\courrier\e]8;;\e\\\n\e]8;;javascript:alert(1)\e\\piège\e]8;;\e\\\n\e]8;;file:///etc/passwd\e\\fichier\e]8;;\e\\\n'`);
   await page.attendreLeTexte('/^piège *\\nfichier/m');
-  const { x, y } = await page.evaluer('(({ x, y }) => ({ x, y }))(document.querySelector(".xterm-rows").getBoundingClientRect())');
-  const hauteur = await page.evaluer('document.querySelector(".xterm-rows > div").getBoundingClientRect().height');
-  const viser = async (rang, modifiers) => {
-    // Le terminal ne cherche les liens que sous une souris qui bouge.
-    const bouger = async (vers, hauteurVisee, surUnLien) => {
-      for (let i = 0; await page.evaluer('document.querySelector(".xterm-cursor-pointer") === null') === surUnLien; i += 1) {
-        assert.ok(i < 300, 'le lien ne se voit pas sous la souris');
-        await page.souris('mouseMoved', vers + (i % 2), hauteurVisee, { buttons: 0, modifiers });
-      }
-    };
-    await bouger(x + 400, y + hauteur * 12, false);
-    await bouger(x + 12, y + hauteur * (rang + 0.5), true);
-    await page.souris('mousePressed', x + 12, y + hauteur * (rang + 0.5), { modifiers });
-    await page.souris('mouseReleased', x + 12, y + hauteur * (rang + 0.5), { modifiers });
-  };
-  await viser(0, 0);
+  await viserUnLien(page, 0);
   await page.attendre('document.querySelector(".lien").textContent === "Ctrl+clic pour ouvrir https://exemple.test/a?b=1"');
   assert.deepEqual(await page.evaluer('ouverts'), []);
-  for (const rang of [0, 1, 2, 3]) await viser(rang, 2);
+  for (const rang of [0, 1, 2, 3]) await viserUnLien(page, rang, { modifiers: 2 });
   assert.deepEqual(await page.evaluer('ouverts'), [
     ['https://exemple.test/a?b=1', '_blank', 'noopener'], ['mailto:moi@exemple.test', '_blank', 'noopener'],
   ]);
+});
+
+essai('une adresse de courrier s’ouvre aussi ; un dépôt ou un chemin qui lui ressemble, non', async (page) => {
+  await lancerUneLigne(page, String.raw`clear; printf '日本 🎉 <moi.meme+a@exemple.test>, fin\ngit@exemple.test:depot x@y https://u@exemple.test/\n'`);
+  await page.attendreLeTexte('/^git@/m');
+  await viserUnLien(page, 0, { colonne: 10, modifiers: 2 });
+  await page.attendre('document.querySelector(".lien").textContent === "Ctrl+clic pour ouvrir mailto:moi.meme+a@exemple.test"');
+  await viserUnLien(page, 1, { colonne: 36, modifiers: 2 });
+  assert.deepEqual((await page.evaluer('ouverts')).map(([adresse]) => adresse), ['mailto:moi.meme+a@exemple.test', 'https://u@exemple.test/']);
+  await assert.rejects(viserUnLien(page, 1, { colonne: 2, modifiers: 2 }), /ne se voit pas/);
 });
 
 essai('la taille du texte et le lecteur d’écran se règlent, et restent', async (page) => {

@@ -7,6 +7,8 @@ import { apparenceDuTerminal, TROUVAILLES } from '/themes.js';
 
 // Un message trop gros serait refusé par le serveur ; un grand collage part donc en plusieurs.
 const TAILLE_D_UN_ENVOI = 64 * 1024;
+// Ni « git@hote.test:depot », ni « hote.test/~moi@ici.test/page » : ce sont des chemins.
+const COURRIEL = /(?<![\w.+/:-])[\w.+-]+@[\w-]+(\.[\w-]+)+(?![\w/-]|:\S)/g;
 const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
 
 Terminal.strings.promptLabel = 'Saisie du terminal';
@@ -44,6 +46,7 @@ export class VueTerminal {
     for (const ajout of [this.#ajustement, this.#recherche, new Unicode11Addon(), new WebLinksAddon(ouvrirLeLien, survol)]) {
       this.#terminal.loadAddon(ajout);
     }
+    this.#terminal.registerLinkProvider({ provideLinks: (y, rendre) => rendre(this.#trouverLesCourriels(y, survol)) });
     // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
     this.#terminal.unicode.activeVersion = '11';
     this.#terminal.onData((texte) => this.#saisir(texte));
@@ -145,6 +148,19 @@ export class VueTerminal {
     let fin = tampon.length - 1;
     while (fin > 0 && tampon.getLine(fin).translateToString(true) === '') fin -= 1;
     this.#terminal.selectLines(0, fin);
+  }
+
+  // L’ajout des liens ne prend que des adresses avec « :// ». Une lettre par case : le rang y est alors la colonne.
+  #trouverLesCourriels(y, survol) {
+    const ligne = this.#terminal.buffer.active.getLine(y - 1);
+    const cases = Array.from({ length: ligne?.length ?? 0 }, (_, x) => ligne.getCell(x).getChars());
+    const texte = cases.map((signe) => (signe.length === 1 ? signe : ' ')).join('');
+    return [...texte.matchAll(COURRIEL)].map(({ 0: adresse, index }) => ({
+      range: { start: { x: index + 1, y }, end: { x: index + adresse.length, y } },
+      text: `mailto:${adresse}`,
+      activate: ouvrirLeLien,
+      ...survol,
+    }));
   }
 
   #saisir(texte) {
