@@ -4,9 +4,8 @@ import { test } from 'node:test';
 import { Annonces } from '../lib/Annonces.mjs';
 
 function lire(...morceaux) {
-  const annonces = new Annonces();
   const dossiers = [];
-  annonces.quandDossier = (chemin) => dossiers.push(chemin);
+  const annonces = new Annonces((chemin) => dossiers.push(chemin));
   for (const morceau of morceaux) annonces.lire(morceau);
   return { titre: annonces.titre, dossiers };
 }

@@ -116,7 +116,7 @@ test('les lignes lues dans la liste ne commandent pas au terminal', async (t) =>
 
 test('une liste qu’on ne peut ni lire ni écarter n’est jamais écrasée', () => {
   const phrases = [];
-  const carnet = new Carnet({ chemin: '/proc/version', version: '1', decrire: () => assert.fail('écrit'), signaler: (phrase) => phrases.push(phrase) });
+  const carnet = new Carnet('/proc/version', '1', { decrire: () => assert.fail('écrit'), signaler: (phrase) => phrases.push(phrase) });
   assert.deepEqual(carnet.lire(), { terminaux: [] });
   carnet.noter();
   return carnet.clore().then(() => assert.equal(phrases.length, 1));

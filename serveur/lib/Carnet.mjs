@@ -1,39 +1,43 @@
-import { readFileSync, renameSync } from 'node:fs';
+import { renameSync } from 'node:fs';
 import { basename } from 'node:path';
-import { ecrireAtomiquement, rendrePrive } from './fichiers.mjs';
+import { essayer } from '../page/essayer.js';
+import { ecrireAtomiquement, lirePrive } from './reglages.mjs';
 
 const DELAI_D_ECRITURE = 500;
 
 // La liste des terminaux, gardée d’un lancement à l’autre : noms, ordre, dossiers, voisinages et dernières lignes.
+// Les call-backs donnés : decrire(), quandEcrit(), signaler(phrase).
 export class Carnet {
-  quandEcrit = () => {};
   #chemin;
   #version;
-  #decrire;
-  #signaler;
+  #quand;
   #minuteur = null;
   #ecriture = Promise.resolve();
   #dernierTexte = null;
   #enPanne = false;
   #clos = false;
 
-  constructor({ chemin, version, decrire, signaler }) {
+  constructor(chemin, version, quand) {
     this.#chemin = chemin;
     this.#version = version;
-    this.#decrire = decrire;
-    this.#signaler = signaler;
+    this.#quand = quand;
   }
 
-  // Les terminaux gardés, et la version du serveur qui les a écrits quand elle est connue.
+  // Les terminaux gardés, et la version du serveur qui les a écrits quand elle est connue. Une liste abîmée peut encore
+  // servir à son propriétaire : elle est écartée, jamais écrasée.
   lire() {
-    let texte;
+    const texte = essayer(() => lirePrive(this.#chemin), '');
+    const garde = texte === null ? { terminaux: [] } : essayer(() => JSON.parse(texte));
+    if (Array.isArray(garde?.terminaux) && garde.terminaux.every(estUneEntree)) return garde;
+    const ecarte = `${this.#chemin}.abime-${new Date().toISOString().replace(/[:.]/g, '-')}`;
     try {
-      texte = readFileSync(this.#chemin, 'utf8');
-      rendrePrive(this.#chemin);
+      renameSync(this.#chemin, ecarte);
+      this.#quand.signaler(`La liste des terminaux était abîmée : elle est mise de côté dans « ${basename(ecarte)} ».`);
     } catch (erreur) {
-      return erreur.code === 'ENOENT' ? { terminaux: [] } : this.#mettreDeCote();
+      this.#clos = true;
+      this.#quand.signaler(`La liste des terminaux est abîmée et ne peut pas être mise de côté : ${erreur.message}`);
     }
-    return comprendre(texte) ?? this.#mettreDeCote();
+    return { terminaux: [] };
   }
 
   // Des changements rapprochés ne font qu’une écriture.
@@ -56,7 +60,7 @@ export class Carnet {
   }
 
   async #ecrireUneFois() {
-    const contenu = { version: 1, serveur: this.#version, terminaux: await this.#decrire() };
+    const contenu = { version: 1, serveur: this.#version, terminaux: await this.#quand.decrire() };
     const texte = `${JSON.stringify(contenu, null, 1)}\n`;
     if (texte === this.#dernierTexte) return;
     try {
@@ -64,32 +68,10 @@ export class Carnet {
       this.#dernierTexte = texte;
       this.#enPanne = false;
     } catch (erreur) {
-      if (!this.#enPanne) this.#signaler(`La liste des terminaux n’a pas pu être écrite : ${erreur.message}`);
+      if (!this.#enPanne) this.#quand.signaler(`La liste des terminaux n’a pas pu être écrite : ${erreur.message}`);
       this.#enPanne = true;
     }
-    this.quandEcrit();
-  }
-
-  // Une liste abîmée peut encore servir à son propriétaire : elle est écartée, jamais écrasée.
-  #mettreDeCote() {
-    const ecarte = `${this.#chemin}.abime-${new Date().toISOString().replace(/[:.]/g, '-')}`;
-    try {
-      renameSync(this.#chemin, ecarte);
-      this.#signaler(`La liste des terminaux était abîmée : elle est mise de côté dans « ${basename(ecarte)} ».`);
-    } catch (erreur) {
-      this.#clos = true;
-      this.#signaler(`La liste des terminaux est abîmée et ne peut pas être mise de côté : ${erreur.message}`);
-    }
-    return { terminaux: [] };
-  }
-}
-
-function comprendre(texte) {
-  try {
-    const { serveur, terminaux } = JSON.parse(texte);
-    return Array.isArray(terminaux) && terminaux.every(estUneEntree) ? { serveur, terminaux } : null;
-  } catch {
-    return null;
+    this.#quand.quandEcrit();
   }
 }
 

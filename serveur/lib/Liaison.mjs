@@ -1,8 +1,7 @@
 import { WebSocketServer } from 'ws';
+import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
-import { PageReliee } from './PageReliee.mjs';
 
-const ROUTE = '/terminaux';
 const TAILLE_MAXIMALE = 1024 * 1024;
 const DELAI_DU_JETON = 5000;
 // En caractères envoyés à une page et dont elle n’a pas encore accusé réception.
@@ -17,24 +16,18 @@ const CODE_JETON = 4401;
 
 // Relie les pages ouvertes aux terminaux, et retient un terminal bavard tant qu’aucune page ne suit.
 export class Liaison {
-  #portier = new WebSocketServer({ noServer: true, maxPayload: TAILLE_MAXIMALE });
-  #pages = new Set();
+  #portier;
   #terminaux;
   #jeton;
+  #pages = new Set();
   #listeDite = '';
   #avis = [];
 
-  constructor({ terminaux, jeton }) {
+  constructor({ serveur, terminaux, jeton }) {
     this.#terminaux = terminaux;
     this.#jeton = jeton;
-  }
-
-  accueillir(requete, prise, tete) {
-    prise.on('error', () => prise.destroy());
-    const raison = raisonDuRefus(requete, { origineExigee: true });
-    if (raison) return refuser(prise, '403 Forbidden', raison);
-    if (requete.url !== ROUTE) return refuser(prise, '404 Not Found', 'Rien à cette adresse.');
-    this.#portier.handleUpgrade(requete, prise, tete, (socket) => this.#attendreLeJeton(socket));
+    this.#portier = new WebSocketServer({ server: serveur, maxPayload: TAILLE_MAXIMALE, verifyClient: verifier });
+    this.#portier.on('connection', (socket) => this.#attendreLeJeton(socket));
   }
 
   // Un titre ou un dossier change sans bruit : on compare.
@@ -55,8 +48,9 @@ export class Liaison {
   diffuserLaSortie(id, texte) {
     for (const page of this.#pages) {
       page.envoyerDuTexte('sortie', id, texte);
-      // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte.
-      if (page.enAttente > RETARD_ABANDON) page.couper();
+      // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte. Sans
+      // adieu : un adieu attendrait derrière tout ce que la page n’a pas encore lu.
+      if (page.socket.bufferedAmount - page.reprise > RETARD_ABANDON) page.socket.terminate();
     }
     this.#reglerLeDebit(id);
   }
@@ -74,49 +68,94 @@ export class Liaison {
       clearTimeout(minuteur);
       const message = lireMessage(donnees);
       if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, this.#jeton)) return socket.close(CODE_JETON);
-      this.#recevoir(socket);
+      this.#recevoir(new Page(socket));
     });
   }
 
-  #recevoir(socket) {
-    const page = new PageReliee(socket, this.#terminaux);
-    page.quandAvance = (id) => this.#reglerLeDebit(id);
-    socket.on('message', (donnees) => {
+  #recevoir(page) {
+    page.socket.on('message', (donnees) => {
       const message = lireMessage(donnees);
-      if (message) page.traiter(message);
-      else socket.close(CODE_ILLISIBLE);
+      if (!message) return page.socket.close(CODE_ILLISIBLE);
+      // Un type inconnu est ignoré : une page d’une autre version ne doit pas être coupée pour autant.
+      if (Object.hasOwn(this.#demandes, message.type)) this.#demandes[message.type](message, page);
     });
-    socket.on('close', () => this.#quitter(page));
-    page.presenter();
+    page.socket.on('close', () => {
+      this.#pages.delete(page);
+      for (const { id } of this.#terminaux.liste) this.#reglerLeDebit(id);
+    });
+    page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage() });
+    for (const { id, tampon } of this.#terminaux.liste) page.envoyerDuTexte('reprise', id, tampon.rejouer());
+    page.reprise = page.socket.bufferedAmount;
     this.#pages.add(page);
     for (const texte of this.#avis.splice(0)) this.aviser(texte);
   }
 
-  #quitter(page) {
-    this.#pages.delete(page);
-    for (const { id } of this.#terminaux.tous()) this.#reglerLeDebit(id);
-  }
+  #demandes = {
+    // Un terminal neuf s’ouvre dans le dossier de celui d’où on le demande, et à côté de lui si on le veut.
+    ouvrir: ({ colonnes, lignes, depuis, aCote }, page) => {
+      const voisin = this.#terminaux.trouver(depuis);
+      const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe } : {};
+      const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
+      if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
+      else page.envoyer({ type: 'avis', texte: 'Impossible d’ouvrir un terminal de plus.' });
+    },
+    fermer: ({ id, certain }, page) => {
+      const programme = certain === true ? null : this.#terminaux.trouver(id)?.programme;
+      if (programme) page.envoyer({ type: 'occupe', id, programme });
+      else this.#terminaux.fermer(id);
+    },
+    saisie: ({ id, texte }) => typeof texte === 'string' && this.#terminaux.trouver(id)?.saisir(texte),
+    taille: ({ id, colonnes, lignes }) => this.#terminaux.trouver(id)?.dimensionner(colonnes, lignes),
+    renommer: ({ id, nom }) => this.#terminaux.renommer(id, nom),
+    deplacer: ({ id, rang }) => this.#terminaux.deplacer(id, rang),
+    accoler: ({ id }) => this.#terminaux.accoler(id),
+    recu: ({ id, nombre }, page) => {
+      if (!page.retards.has(id) || !Number.isInteger(nombre) || nombre < 0) return;
+      page.retards.set(id, Math.max(0, page.retard(id) - nombre));
+      this.#reglerLeDebit(id);
+    },
+  };
 
   // La page la plus rapide donne l’allure ; sans page, le terminal avance et seul son tampon borné est gardé.
   #reglerLeDebit(id) {
-    const terminal = this.#terminaux.trouver(id);
-    if (!terminal) return;
     const retard = this.#pages.size === 0 ? 0 : Math.min(...[...this.#pages].map((page) => page.retard(id)));
-    if (retard > RETARD_HAUT) terminal.suspendre(true);
-    else if (retard < RETARD_BAS) terminal.suspendre(false);
+    if (retard > RETARD_HAUT) this.#terminaux.trouver(id)?.suspendre(true);
+    else if (retard < RETARD_BAS) this.#terminaux.trouver(id)?.suspendre(false);
   }
 }
 
-function refuser(prise, statut, raison) {
-  const entetes = `Connection: close\r\nContent-Type: text/plain; charset=utf-8`;
-  prise.end(`HTTP/1.1 ${statut}\r\n${entetes}\r\n\r\n${raison}\n`);
+// Une page connectée, et ce qu’elle n’a pas encore fini d’afficher de chaque terminal.
+class Page {
+  retards = new Map();
+  // Ce que la reprise lui laisse à lire, en octets.
+  reprise = 0;
+
+  constructor(socket) {
+    this.socket = socket;
+  }
+
+  envoyer(message) {
+    this.socket.send(JSON.stringify(message), () => {});
+  }
+
+  envoyerDuTexte(type, id, texte) {
+    this.retards.set(id, this.retard(id) + texte.length);
+    this.envoyer({ type, id, texte });
+  }
+
+  retard(id) {
+    return this.retards.get(id) ?? 0;
+  }
+}
+
+function verifier({ req }, rendre) {
+  const raison = raisonDuRefus(req, { origineExigee: true });
+  const entetes = { 'Content-Type': 'text/plain; charset=utf-8' };
+  if (raison) rendre(false, 403, `${raison}\n`, entetes);
+  else rendre(req.url === '/terminaux', 404, 'Rien à cette adresse.\n', entetes);
 }
 
 function lireMessage(donnees) {
-  try {
-    const message = JSON.parse(donnees);
-    return typeof message?.type === 'string' ? message : null;
-  } catch {
-    return null;
-  }
+  const message = essayer(() => JSON.parse(donnees));
+  return typeof message?.type === 'string' ? message : null;
 }

@@ -1,7 +1,7 @@
 const BORNE = 500_000;
 const MARGE = 50_000;
 
-// Ce qu’il faut rejouer à une page qui s’ouvre : la fin de la sortie et, de ce qui a été oublié, les modes encore en vigueur.
+// Ce qu’on rejoue à une page qui s’ouvre : la fin de la sortie et, de ce qui a été oublié, les modes encore en vigueur.
 export class Tampon {
   #texte = '';
   #modes = new Map();

@@ -1,66 +1,51 @@
 import { spawn } from '@lydell/node-pty';
-import { readFileSync, readlinkSync, statSync } from 'node:fs';
+import { accessSync, constants, readFileSync, readlinkSync, statSync } from 'node:fs';
 import { basename } from 'node:path';
+import { essayer } from '../page/essayer.js';
 import { Annonces } from './Annonces.mjs';
 import { lireLesDernieresLignes, rejouerLesLignes } from './dernieresLignes.mjs';
-import { argumentsDeLInterpreteur, environnement, interpreteur } from './interpreteur.mjs';
 import { maison } from './reglages.mjs';
 import { Tampon } from './Tampon.mjs';
 
 // Bien plus que les lignes gardées : des lignes longues, ou très colorées, y tiennent encore.
 const SORTIE_RELUE = 40_000;
+// Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé, ou le serveur lui-même.
+const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
 
 // Un interpréteur de commandes dans son pseudo-terminal, et de quoi le montrer de nouveau à une page qui se recharge.
 export class Terminal {
-  id;
-  nom;
-  groupe;
   quandSortie = () => {};
   quandFin = () => {};
+  annonces = new Annonces((chemin) => this.#noterLeDossier(chemin));
+  tampon = new Tampon();
+  #interpreteur = [process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
   #pty;
-  #interpreteur = interpreteur();
   #dossier;
   #dossierLu = null;
-  #annonces = new Annonces();
-  #tampon = new Tampon();
   #dernieresLignes = [];
   #lignesPerimees = true;
   #aParle = false;
   #fini = false;
-  #suspendu = false;
 
   // Lève une exception quand le système ne donne plus de pseudo-terminal.
   constructor({ id, nom, groupe, dossier, colonnes, lignes, lignesPassees }) {
-    this.id = id;
-    this.nom = nom;
-    this.groupe = groupe;
+    Object.assign(this, { id, nom, groupe, colonnes: borner(colonnes, 2, 80), lignes: borner(lignes, 1, 24) });
     this.#dossier = estUnDossier(dossier) ? dossier : maison();
-    this.#tampon.ajouter(rejouerLesLignes(lignesPassees));
-    this.#pty = spawn(this.#interpreteur, argumentsDeLInterpreteur(), {
+    this.tampon.ajouter(rejouerLesLignes(lignesPassees));
+    const gardees = Object.entries(process.env).filter(([variable]) => !OTEES.test(variable));
+    // Chaque système a son usage : sous macOS un terminal ouvre une session, ailleurs la session a déjà tout préparé.
+    this.#pty = spawn(this.#interpreteur, process.platform === 'darwin' ? ['-l'] : [], {
       name: 'xterm-256color',
-      cols: borner(colonnes, 2, 80),
-      rows: borner(lignes, 1, 24),
+      cols: this.colonnes,
+      rows: this.lignes,
       cwd: this.#dossier,
-      env: environnement(),
+      env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor' },
     });
-    this.#annonces.quandDossier = (chemin) => this.#noterLeDossier(chemin);
     this.#pty.onData((texte) => this.#quandTexte(texte));
     this.#pty.onExit(() => {
       this.#fini = true;
       this.quandFin();
     });
-  }
-
-  get colonnes() {
-    return this.#pty.cols;
-  }
-
-  get lignes() {
-    return this.#pty.rows;
-  }
-
-  get titre() {
-    return this.#annonces.titre;
   }
 
   // Le dernier dossier connu : celui qu’un programme annonce, ou celui où l’interpréteur vient d’aller.
@@ -81,12 +66,8 @@ export class Terminal {
   async dernieresLignes() {
     if (!this.#lignesPerimees) return this.#dernieresLignes;
     this.#lignesPerimees = false;
-    const lues = await lireLesDernieresLignes(this.#tampon.rejouer(SORTIE_RELUE), this);
+    const lues = await lireLesDernieresLignes(this.tampon.rejouer(SORTIE_RELUE), this);
     return (this.#dernieresLignes = lues ?? this.#dernieresLignes);
-  }
-
-  rejouer() {
-    return this.#tampon.rejouer();
   }
 
   saisir(texte) {
@@ -95,16 +76,13 @@ export class Terminal {
 
   dimensionner(colonnes, lignes) {
     if (this.#fini) return;
-    try {
-      this.#pty.resize(borner(colonnes, 2, this.colonnes), borner(lignes, 1, this.lignes));
-    } catch {
-      // Le pseudo-terminal se ferme et sa fin n’est pas encore annoncée : sa taille n’importe plus.
-    }
+    this.colonnes = borner(colonnes, 2, this.colonnes);
+    this.lignes = borner(lignes, 1, this.lignes);
+    // Si le pseudo-terminal se ferme et que sa fin n’est pas encore annoncée, sa taille n’importe plus.
+    essayer(() => this.#pty.resize(this.colonnes, this.lignes));
   }
 
   suspendre(oui) {
-    if (this.#fini || oui === this.#suspendu) return;
-    this.#suspendu = oui;
     if (oui) this.#pty.pause();
     else this.#pty.resume();
   }
@@ -119,8 +97,8 @@ export class Terminal {
   #quandTexte(texte) {
     this.#aParle = true;
     this.#lignesPerimees = true;
-    this.#tampon.ajouter(texte);
-    this.#annonces.lire(texte);
+    this.tampon.ajouter(texte);
+    this.annonces.lire(texte);
     this.quandSortie(texte);
   }
 
@@ -130,26 +108,18 @@ export class Terminal {
     this.#dossier = chemin;
   }
 
-  // Avant sa première parole, l’interpréteur n’est peut-être pas encore dans son dossier.
+  // Avant sa première parole, l’interpréteur n’est peut-être pas encore dans son dossier. Hors de Linux, ou quand il
+  // vient de finir, le système ne dit rien.
   #lireLeDossier() {
     if (this.#fini || !this.#aParle) return this.#dossierLu;
-    return lireProc(() => readlinkSync(`/proc/${this.#pty.pid}/cwd`), this.#dossierLu);
+    return essayer(() => readlinkSync(`/proc/${this.#pty.pid}/cwd`), this.#dossierLu);
   }
 
   #tientLePremierPlan() {
     // Après le nom, qui peut contenir n’importe quoi : état, père, groupe, session, terminal, groupe au premier plan.
-    const etat = lireProc(() => readFileSync(`/proc/${this.#pty.pid}/stat`, 'utf8'), '');
+    const etat = essayer(() => readFileSync(`/proc/${this.#pty.pid}/stat`, 'utf8'), '');
     const champs = etat.slice(etat.lastIndexOf(')') + 2).split(' ');
     return champs.length < 6 || champs[2] === champs[5];
-  }
-}
-
-// Hors de Linux, ou quand l’interpréteur vient de finir, le système ne dit rien.
-function lireProc(lire, defaut) {
-  try {
-    return lire();
-  } catch {
-    return defaut;
   }
 }
 
@@ -158,9 +128,9 @@ function borner(valeur, minimum, defaut) {
 }
 
 function estUnDossier(chemin) {
-  try {
-    return statSync(chemin).isDirectory();
-  } catch {
-    return false;
-  }
+  return essayer(() => statSync(chemin).isDirectory(), false);
+}
+
+function estExecutable(chemin) {
+  return essayer(() => accessSync(chemin, constants.X_OK) === undefined, false);
 }

@@ -3,8 +3,8 @@ import { estDUnAutreCompte } from './clients.mjs';
 
 const NOMS_DE_LA_MACHINE = ['localhost', '127.0.0.1', '[::1]'];
 
-// Ce qui ferme la porte, en une phrase ; rien quand elle est ouverte. Un navigateur dit l’origine d’une page qui demande
-// une liaison, toujours, et de celle qui demande un fichier, quand elle est d’ailleurs.
+// Ce qui ferme la porte, en une phrase ; rien quand elle est ouverte. De la page qui demande une liaison, un navigateur
+// dit toujours l’origine ; de celle qui demande un fichier, seulement quand elle est d’ailleurs.
 export function raisonDuRefus({ socket, headers: { host, origin } }, { origineExigee = false } = {}) {
   if (estDUnAutreCompte(socket)) return 'Cette page appartient à un autre compte de cette machine.';
   if (!hoteAdmis(host, socket.localPort)) return 'Adresse refusée.';

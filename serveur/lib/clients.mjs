@@ -22,7 +22,8 @@ function lireLeCompte(prise) {
 // Qui tient l’autre bout de la prise, d’après une table du noyau, où son adresse peut être écrite en IPv6.
 export function trouverLeCompte(table, { remoteAddress, remotePort, localAddress, localPort }) {
   const bouts = [enHexa(remoteAddress, remotePort), enHexa(localAddress, localPort)];
-  const [, uid] = new RegExp(`: ${bouts.map((bout) => `(?:[0F]{24})?${bout} +`).join('')}(?:\\S+ +){4}(\\d+) `).exec(table) ?? [];
+  const [sien, notre] = bouts.map((bout) => `(?:[0F]{24})?${bout} +`);
+  const uid = new RegExp(`: ${sien}${notre}(?:\\S+ +){4}(\\d+) `).exec(table)?.[1];
   return uid && Number(uid);
 }
 

@@ -1,58 +1,80 @@
+import { once } from 'node:events';
 import { readFileSync } from 'node:fs';
 import { createServer } from 'node:http';
-import { join } from 'node:path';
-import { Accueil } from './Accueil.mjs';
+import { creerLAccueil } from './accueil.mjs';
 import { Carnet } from './Carnet.mjs';
-import { prendreUnPort } from './ecoute.mjs';
-import { balayerLesProvisoires } from './fichiers.mjs';
 import { Liaison } from './Liaison.mjs';
-import { creerDossierCache, dossierCache, lireOuCreerJeton, portSouhaite } from './reglages.mjs';
+import { auDossierCache, lireOuCreerJeton, portSouhaite, preparerLeDossierCache } from './reglages.mjs';
 import { Terminaux } from './Terminaux.mjs';
 
+const ADRESSE = '127.0.0.1';
+const DELAI_DE_RECONNAISSANCE = 1500;
 const DELAI_DES_ADIEUX = 1000;
 
 const { version } = JSON.parse(readFileSync(new URL('../package.json', import.meta.url), 'utf8'));
+const serveur = createServer();
 
 function dire(phrase) {
   process.stdout.write(`${phrase}\n`);
 }
 
 export async function demarrer() {
-  let allume = null;
-  for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) process.on(signal, () => eteindre(allume));
+  let eteindre = () => process.exit(0);
+  for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) process.on(signal, () => eteindre());
 
-  const serveur = createServer();
   const souhaite = portSouhaite();
-  const { issue, port } = await prendreUnPort(serveur, souhaite);
-  if (issue === 'dejaLa') {
-    dire(`keltrove tourne déjà sur http://127.0.0.1:${port}/ : rien à allumer.`);
+  const port = await prendreUnPort(souhaite);
+  if (!port) {
+    dire(`keltrove tourne déjà sur http://${ADRESSE}:${souhaite}/ : rien à allumer.`);
     process.exit(0);
   }
   // Jeton et liste ne sont touchés qu’une fois le port obtenu : un second serveur lancé par mégarde ne les abîme pas.
   // Rien n’attend plus d’ici à la fin : aucune requête ne peut donc arriver avant que tout soit branché.
-  allume = allumer(serveur);
-  if (issue === 'libre') dire(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
-  dire(`keltrove ${version} écoute sur http://127.0.0.1:${port}/`);
+  eteindre = allumer();
+  if (port !== souhaite) dire(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
+  dire(`keltrove ${version} écoute sur http://${ADRESSE}:${port}/`);
 }
 
-function allumer(serveur) {
-  creerDossierCache();
-  balayerLesProvisoires(dossierCache());
+// Le port souhaité, sinon un autre, choisi par le système ; aucun quand un des nôtres répond déjà sur le premier.
+async function prendreUnPort(souhaite) {
+  try {
+    return await ecouter(souhaite);
+  } catch (erreur) {
+    // EACCES : les petits ports sont réservés ; mieux vaut une page ailleurs que pas de page.
+    if (erreur.code !== 'EADDRINUSE' && erreur.code !== 'EACCES') throw erreur;
+  }
+  return (await estDesNotres(souhaite)) ? null : ecouter(0);
+}
+
+async function ecouter(port) {
+  serveur.listen({ host: ADRESSE, port, exclusive: true });
+  await once(serveur, 'listening');
+  return serveur.address().port;
+}
+
+async function estDesNotres(port) {
+  try {
+    const reponse = await fetch(`http://${ADRESSE}:${port}/`, { signal: AbortSignal.timeout(DELAI_DE_RECONNAISSANCE) });
+    return reponse.status === 200 && (await reponse.text()).includes('keltrove-jeton');
+  } catch {
+    return false;
+  }
+}
+
+// Rend de quoi tout éteindre.
+function allumer() {
+  preparerLeDossierCache();
   const jeton = lireOuCreerJeton();
   const terminaux = new Terminaux();
-  const liaison = new Liaison({ terminaux, jeton });
-  const accueil = new Accueil({ jeton, version, compterLesTerminaux: () => terminaux.nombre });
-
-  const carnet = new Carnet({
-    chemin: join(dossierCache(), 'keltrove-carnet.json'),
-    version,
+  const liaison = new Liaison({ serveur, terminaux, jeton });
+  const carnet = new Carnet(auDossierCache('keltrove-carnet.json'), version, {
     decrire: () => terminaux.pourLeCarnet(),
+    quandEcrit: () => liaison.diffuserLaListe(),
     signaler(phrase) {
       dire(phrase);
       liaison.aviser(phrase);
     },
   });
-
   terminaux.quandSortie = (id, texte) => {
     liaison.diffuserLaSortie(id, texte);
     carnet.noter();
@@ -61,30 +83,25 @@ function allumer(serveur) {
     carnet.noter();
     liaison.diffuserLaListe();
   };
-  carnet.quandEcrit = () => liaison.diffuserLaListe();
   const garde = carnet.lire();
   if (estPlusRecente(version, garde.serveur)) dire(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
   terminaux.restaurer(garde.terminaux);
+  const direLaSante = () => ({ version, carnet: { terminaux: terminaux.liste.length } });
+  serveur.on('request', creerLAccueil({ jeton, direLaSante }));
 
-  serveur.on('request', (requete, reponse) => accueil.repondre(requete, reponse));
-  serveur.on('upgrade', (requete, prise, tete) => liaison.accueillir(requete, prise, tete));
-  return { serveur, terminaux, carnet, liaison, enArret: false };
-}
-
-async function eteindre(allume) {
-  if (!allume) process.exit(0);
-  if (allume.enArret) return;
-  allume.enArret = true;
-  // La liste d’abord : dès que les interpréteurs raccrochent, leurs dossiers de travail ne se lisent plus ; et le
-  // serveur qui prendrait le port aussitôt libre doit la trouver entière.
-  await allume.carnet.clore();
-  allume.serveur.close();
-  allume.liaison.fermer();
-  await Promise.race([
-    allume.terminaux.raccrocher(),
-    new Promise((suite) => setTimeout(suite, DELAI_DES_ADIEUX)),
-  ]);
-  process.exit(0);
+  let enArret = false;
+  return async () => {
+    if (enArret) return;
+    enArret = true;
+    // La liste d’abord : dès que les interpréteurs raccrochent, leurs dossiers de travail ne se lisent plus ; et le
+    // serveur qui prendrait le port aussitôt libre doit la trouver entière.
+    await carnet.clore();
+    serveur.close();
+    liaison.fermer();
+    setTimeout(() => process.exit(0), DELAI_DES_ADIEUX);
+    await terminaux.raccrocher();
+    process.exit(0);
+  };
 }
 
 function estPlusRecente(version, ancienne) {

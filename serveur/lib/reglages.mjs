@@ -1,49 +1,64 @@
 import { randomBytes } from 'node:crypto';
-import { mkdirSync, readFileSync } from 'node:fs';
+import { chmodSync, mkdirSync, readdirSync, readFileSync, renameSync, rmSync, writeFileSync } from 'node:fs';
+import { open, rename, rm } from 'node:fs/promises';
 import { userInfo } from 'node:os';
 import { join } from 'node:path';
-import { ecrireToutDeSuite, rendrePrive } from './fichiers.mjs';
+import { essayer } from '../page/essayer.js';
 
 const PORT_PAR_DEFAUT = 7777;
+const PROVISOIRE = /^keltrove-(carnet\.json|jeton)\.[0-9a-f]{8}\.tmp$/;
 
 // L’application et le serveur doivent tomber sur le même dossier : un HOME vide ne compte pas.
-export function maison() {
-  return process.env.HOME || userInfo().homedir;
-}
+export const maison = () => process.env.HOME || userInfo().homedir;
+export const auDossierCache = (nom = '') => join(maison(), '.zelcor', nom);
 
-export function dossierCache() {
-  return join(maison(), '.zelcor');
-}
+const nommerUnProvisoire = (chemin) => `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
 
-export function creerDossierCache() {
-  mkdirSync(dossierCache(), { recursive: true, mode: 0o700 });
+// Prêt à servir, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
+export function preparerLeDossierCache() {
+  mkdirSync(auDossierCache(), { recursive: true, mode: 0o700 });
+  const provisoires = readdirSync(auDossierCache()).filter((nom) => PROVISOIRE.test(nom));
+  for (const nom of provisoires) rmSync(auDossierCache(nom), { force: true });
 }
 
 // Mêmes règles que l’application, qui attend le serveur sur le port qu’elle lit elle-même dans ce fichier.
 export function portSouhaite() {
-  try {
-    const { port } = JSON.parse(readFileSync(join(dossierCache(), 'keltrove.json'), 'utf8'));
-    return Number.isInteger(port) && port >= 1 && port <= 65535 ? port : PORT_PAR_DEFAUT;
-  } catch {
-    return PORT_PAR_DEFAUT;
-  }
+  const port = essayer(() => JSON.parse(readFileSync(auDossierCache('keltrove.json'), 'utf8')).port);
+  return Number.isInteger(port) && port >= 1 && port <= 65535 ? port : PORT_PAR_DEFAUT;
 }
 
 export function lireOuCreerJeton() {
-  const chemin = join(dossierCache(), 'keltrove-jeton');
-  const connu = lireJeton(chemin);
+  const chemin = auDossierCache('keltrove-jeton');
+  const connu = lirePrive(chemin)?.trim();
   if (connu) return connu;
   const neuf = randomBytes(32).toString('hex');
-  ecrireToutDeSuite(chemin, `${neuf}\n`);
+  const provisoire = nommerUnProvisoire(chemin);
+  writeFileSync(provisoire, `${neuf}\n`, { flag: 'wx', mode: 0o600 });
+  renameSync(provisoire, chemin);
   return neuf;
 }
 
-function lireJeton(chemin) {
+// Copié ou restauré, un fichier peut revenir lisible de tous : il redevient privé. Rien s’il n’existe pas.
+export function lirePrive(chemin) {
   try {
-    rendrePrive(chemin);
-    return readFileSync(chemin, 'utf8').trim();
+    chmodSync(chemin, 0o600);
+    return readFileSync(chemin, 'utf8');
   } catch (erreur) {
-    if (erreur.code === 'ENOENT') return '';
+    if (erreur.code === 'ENOENT') return null;
+    throw erreur;
+  }
+}
+
+// Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu. Attendre le disque
+// ne doit pas retarder une touche : cette écriture-là se répète tant qu’un terminal parle.
+export async function ecrireAtomiquement(chemin, texte) {
+  const provisoire = nommerUnProvisoire(chemin);
+  try {
+    const fichier = await open(provisoire, 'wx', 0o600);
+    await fichier.writeFile(texte).then(() => fichier.sync()).finally(() => fichier.close());
+    await rename(provisoire, chemin);
+  } catch (erreur) {
+    await rm(provisoire, { force: true });
     throw erreur;
   }
 }

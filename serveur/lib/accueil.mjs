@@ -1,0 +1,77 @@
+import { readdirSync, readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { extname } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { jetonJuste, raisonDuRefus } from './acces.mjs';
+
+const PAGE = fileURLToPath(new URL('../page/', import.meta.url));
+const trouverModule = createRequire(import.meta.url).resolve;
+
+// Liste fermée au démarrage : aucun chemin demandé ne devient jamais un chemin de fichier.
+const CHEMINS = [
+  ...readdirSync(PAGE).map((nom) => [nom === 'index.html' ? '/' : `/${nom}`, PAGE + nom]),
+  ['/xterm/xterm.css', trouverModule('@xterm/xterm/css/xterm.css')],
+  ['/xterm/xterm.mjs', trouverModule('@xterm/xterm/lib/xterm.mjs')],
+  ...['fit', 'search', 'unicode11', 'web-links'].map((nom) => (
+    [`/xterm/addon-${nom}.mjs`, trouverModule(`@xterm/addon-${nom}/lib/addon-${nom}.mjs`)]
+  )),
+];
+const TYPES = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript' };
+
+// Répond aux demandes de page, de fichiers et de santé.
+export function creerLAccueil({ jeton, direLaSante }) {
+  // Lus une fois pour toutes : la page reste d’accord avec le serveur même si le dossier est remplacé en route.
+  const fichiers = new Map(CHEMINS.map(([route, chemin]) => {
+    const texte = readFileSync(chemin, 'utf8');
+    const corps = route === '/' ? texte.replace('__JETON__', () => enAttribut(jeton)) : texte;
+    return [route, { corps: Buffer.from(corps), type: TYPES[extname(chemin)] }];
+  }));
+
+  return (requete, reponse) => {
+    const raison = raisonDuRefus(requete);
+    if (raison) return envoyer(reponse, 403, `${raison}\n`);
+    const methodes = ['GET', 'HEAD'];
+    if (!methodes.includes(requete.method)) return envoyer(reponse, 405, 'Méthode refusée.\n', { Allow: methodes.join() });
+    const route = requete.url.split('?')[0];
+    const { corps, type } = fichiers.get(route) ?? {};
+    const entetes = route === '/' ? { 'Content-Security-Policy': politique(requete.headers.host) } : {};
+    if (corps) return envoyer(reponse, 200, corps, entetes, type);
+    const connu = jetonJuste(requete.headers['x-keltrove-jeton'], jeton);
+    if (!connu) return envoyer(reponse, 401, 'Jeton absent ou faux.\n');
+    if (route !== '/api/sante') return envoyer(reponse, 404, 'Rien à cette adresse.\n');
+    envoyer(reponse, 200, JSON.stringify(direLaSante()), {}, 'application/json');
+  };
+}
+
+function envoyer(reponse, statut, corps, entetes = {}, type = 'text/plain') {
+  reponse.writeHead(statut, {
+    'Cache-Control': 'no-store',
+    'Cross-Origin-Resource-Policy': 'same-origin',
+    'Referrer-Policy': 'no-referrer',
+    'X-Content-Type-Options': 'nosniff',
+    'Content-Type': `${type}; charset=utf-8`,
+    'Content-Length': Buffer.byteLength(corps),
+    ...entetes,
+  });
+  reponse.end(corps);
+}
+
+function politique(hote) {
+  return [
+    "default-src 'none'",
+    "script-src 'self'",
+    // Le terminal pose ses couleurs et ses mesures dans des feuilles de style qu’il crée lui-même.
+    "style-src 'self' 'unsafe-inline'",
+    // Tous les moteurs ne comptent pas ws: dans 'self'.
+    `connect-src 'self' ws://${hote}`,
+    "img-src 'self' data:",
+    "font-src 'self' data:",
+    "base-uri 'none'",
+    "form-action 'none'",
+    "frame-ancestors 'none'",
+  ].join('; ');
+}
+
+function enAttribut(texte) {
+  return texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
+}
