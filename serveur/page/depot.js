@@ -1,19 +1,20 @@
 import { citerTous } from '/citation.js';
+import { choisie, choisir } from '/terminaux.js';
 
 // Les fichiers que l’application laisse tomber dans la page : leurs chemins s’écrivent dans le terminal visé.
-// `terminaux` donne idChoisi() et coller(id, texte).
-export function recevoirLesDepots(terminaux) {
-  if (window.keltroveApp?.depotChemins !== true) return;
-  window.keltroveSurvolChemins = (x, y) => marquer(x === null ? null : viser(x, y) ?? terminaux.idChoisi());
+if (window.keltroveApp?.depotChemins === true) {
+  window.keltroveSurvolChemins = (x, y) => marquer(x === null ? null : viser(x, y));
   window.keltroveDeposerChemins = (chemins, x, y) => {
     marquer(null);
     const absolus = chemins.filter((chemin) => typeof chemin === 'string' && chemin.startsWith('/'));
-    if (absolus.length > 0) terminaux.coller(viser(x, y) ?? terminaux.idChoisi(), citerTous(absolus));
+    if (absolus.length === 0) return;
+    choisir(viser(x, y));
+    choisie().coller(citerTous(absolus));
   };
 }
 
 function viser(x, y) {
-  return document.elementFromPoint(x, y)?.closest('[data-terminal]')?.dataset.terminal;
+  return document.elementFromPoint(x, y)?.closest('[data-terminal]')?.dataset.terminal ?? choisie()?.id;
 }
 
 // L’onglet et le panneau d’un même terminal se marquent ensemble.

@@ -1,88 +1,59 @@
-import { SILENCE, Veille } from '/veille.js';
+import { valeurs } from '/reglages.js';
+import { choisir, vues } from '/terminaux.js';
+import { SILENCE } from '/veille.js';
 
 const APPEL = 'Ce terminal vous appelle.';
 const ATTENTE = 'Ce terminal s’est tu et semble vous attendre.';
+const ETATS = {
+  accorde: 'Les notifications sont autorisées.',
+  refuse: 'Les notifications sont refusées dans les réglages du système.',
+  attente: 'Le système n’a pas encore demandé votre accord.',
+  absent: 'Aucun service de notification ne répond sur ce bureau.',
+  sansPont: 'Les notifications demandent l’application Keltrove : cette page est ouverte dans un navigateur.',
+};
 
 // Prévient, par l’application, qu’un terminal attend ; et le marque, avec ou sans elle.
-// `terminaux` donne nommer(id), estRegarde(id), marquer(id, oui) et choisir(id).
-export class Notifications {
-  quandEtat = () => {};
-  prevenir = true;
-  #terminaux;
-  #veilles = new Map();
-  #minuteur = null;
-  #pont = window.webkit?.messageHandlers?.keltroveNotifications;
+const pont = window.webkit?.messageHandlers?.keltroveNotifications;
+const systeme = document.querySelector('.systeme');
+let minuteur = null;
 
-  constructor(terminaux) {
-    this.#terminaux = terminaux;
-    window.keltrovePont = {
-      etat: (etat) => this.quandEtat(etat),
-      ouvrir: (id) => terminaux.choisir(id),
-    };
-    for (const nom of ['focus', 'blur', 'visibilitychange']) window.addEventListener(nom, () => this.relire(), true);
-  }
+window.keltrovePont = { etat: direLEtat, ouvrir: choisir };
+systeme.addEventListener('click', () => pont.postMessage({ action: 'reglages' }));
+if (pont) pont.postMessage({ action: 'etat' });
+else direLEtat('sansPont');
 
-  get reliees() {
-    return this.#pont !== undefined;
-  }
+// Quels terminaux sont sous les yeux de l’utilisateur : à redire dès que cela change.
+for (const nom of ['focus', 'blur', 'visibilitychange', 'choix']) addEventListener(nom, relire, true);
+addEventListener('sonnerie', ({ target }) => appeler(vues.get(target.dataset.terminal), APPEL));
 
-  demanderLEtat() {
-    this.#pont?.postMessage({ action: 'etat' });
-  }
+export function noterLaSortie(id, nombre) {
+  vues.get(id)?.veille.sortir(nombre, performance.now());
+  minuteur ??= setTimeout(verifier, SILENCE);
+}
 
-  ouvrirLesReglages() {
-    this.#pont?.postMessage({ action: 'reglages' });
+function relire() {
+  for (const vue of vues.values()) {
+    const regarde = vue.montree && !document.hidden && document.hasFocus();
+    vue.veille.regarder(regarde);
+    if (regarde) vue.marquer(false);
   }
+}
 
-  // Quels terminaux sont sous les yeux de l’utilisateur : à redire dès que cela change.
-  relire() {
-    for (const [id, veille] of this.#veilles) {
-      const regarde = this.#terminaux.estRegarde(id);
-      veille.regarder(regarde);
-      if (regarde) this.#terminaux.marquer(id, false);
-    }
-  }
+function verifier() {
+  const maintenant = performance.now();
+  const attendues = [...vues.values()].filter(({ veille }) => veille.echeance !== null);
+  for (const vue of attendues) if (vue.veille.echeance <= maintenant) appeler(vue, ATTENTE);
+  const prochaine = Math.min(...attendues.map(({ veille }) => veille.echeance ?? Infinity));
+  minuteur = prochaine < Infinity ? setTimeout(verifier, prochaine - maintenant) : null;
+}
 
-  suivre(id) {
-    this.#veilles.set(id, new Veille());
-  }
+function appeler(vue, corps) {
+  if (!vue.veille.annoncer()) return;
+  vue.marquer(true);
+  if (valeurs.prevenir) pont?.postMessage({ action: 'notifier', id: vue.id, titre: vue.nom, corps });
+}
 
-  oublier(id) {
-    this.#veilles.delete(id);
-  }
-
-  saisie(id, texte) {
-    this.#veilles.get(id)?.saisir(texte, performance.now());
-  }
-
-  taille(id) {
-    this.#veilles.get(id)?.redimensionner(performance.now());
-  }
-
-  sortie(id, nombre) {
-    this.#veilles.get(id)?.sortir(nombre, performance.now());
-    this.#minuteur ??= setTimeout(() => this.#verifier(), SILENCE);
-  }
-
-  sonnerie(id) {
-    if (this.#veilles.get(id)?.annoncer()) this.#annoncer(id, APPEL);
-  }
-
-  #verifier() {
-    this.#minuteur = null;
-    const maintenant = performance.now();
-    let prochaine = Infinity;
-    for (const [id, veille] of this.#veilles) {
-      const { echeance } = veille;
-      if (echeance === null) continue;
-      if (echeance > maintenant) prochaine = Math.min(prochaine, echeance);
-      else if (veille.annoncer()) this.#annoncer(id, ATTENTE);
-    }
-    if (prochaine < Infinity) this.#minuteur = setTimeout(() => this.#verifier(), prochaine - maintenant);
-  }
-
-  #annoncer(id, corps) {
-    this.#terminaux.marquer(id, true);
-    if (this.prevenir) this.#pont?.postMessage({ action: 'notifier', id, titre: this.#terminaux.nommer(id), corps });
-  }
+function direLEtat(etat) {
+  document.querySelector('.etat').textContent = ETATS[etat] ?? '';
+  systeme.hidden = etat === 'absent' || etat === 'sansPont';
 }

@@ -1,57 +1,60 @@
+import { choisie, rendreLeFocus } from '/terminaux.js';
+import { TROUVAILLES } from '/themes.js';
+
 // La barre où l’on cherche dans le terminal choisi.
-export class Recherche {
-  #barre = document.querySelector('.recherche');
-  #champ = this.#barre.querySelector('input');
-  #compte = this.#barre.querySelector('output');
-  #vue = null;
+const barre = document.querySelector('.recherche');
+const champ = barre.querySelector('input');
+const compte = barre.querySelector('output');
+let vue = null;
+let comptage = null;
 
-  constructor(quandFerme) {
-    this.#champ.addEventListener('input', () => this.#chercher({ neuf: true }));
-    this.#barre.querySelector('.haut').addEventListener('click', () => this.#chercher());
-    this.#barre.querySelector('.bas').addEventListener('click', () => this.#chercher({ versLeBas: true }));
-    this.#barre.querySelector('.fermer').addEventListener('click', () => this.#fermer(quandFerme));
-    this.#barre.addEventListener('keydown', ({ key, shiftKey, target, isComposing }) => {
-      if (isComposing) return;
-      if (key === 'Enter' && target === this.#champ) this.#chercher({ versLeBas: shiftKey });
-      if (key === 'Escape') this.#fermer(quandFerme);
-    });
-  }
-
-  ouvrir(vue) {
-    this.#barre.hidden = false;
-    this.suivre(vue);
-    this.#champ.focus();
-    this.#champ.select();
-  }
-
-  // Le terminal choisi a changé : on cherche désormais dans celui-là.
-  suivre(vue) {
-    if (this.#barre.hidden) return;
-    if (vue !== this.#vue) this.#vue?.cesserDeChercher();
-    this.#vue = vue;
-    this.#chercher({ neuf: true });
-  }
-
-  oublier(vue) {
-    if (vue === this.#vue) this.#vue = null;
-  }
-
-  dire({ resultIndex, resultCount }) {
-    if (this.#champ.value === '') this.#compte.value = '';
-    else if (resultCount === 0) this.#compte.value = 'Aucun résultat';
-    else this.#compte.value = resultIndex < 0 ? `${resultCount} résultats` : `${resultIndex + 1} sur ${resultCount}`;
-  }
-
-  #chercher(comment) {
-    if (this.#champ.value !== '') return this.#vue?.chercher(this.#champ.value, comment);
-    this.#vue?.cesserDeChercher();
-    this.#compte.value = '';
-  }
-
-  #fermer(quandFerme) {
-    this.#barre.hidden = true;
-    this.#vue?.cesserDeChercher();
-    this.#vue = null;
-    quandFerme();
-  }
+export function ouvrirLaRecherche() {
+  barre.hidden = false;
+  suivre(choisie());
+  champ.focus();
+  champ.select();
 }
+
+function fermer() {
+  barre.hidden = true;
+  suivre(null);
+  rendreLeFocus();
+}
+
+// Le terminal choisi a changé : on cherche désormais dans celui-là.
+function suivre(neuve) {
+  if (vue) cesser();
+  comptage?.dispose();
+  vue = neuve;
+  comptage = vue?.recherche.onDidChangeResults(compter);
+  if (vue) chercher({ neuf: true });
+}
+
+// De bas en haut d’abord : ce que l’on cherche vient le plus souvent de passer.
+function chercher({ neuf = false, versLeBas = false } = {}) {
+  if (champ.value === '') return cesser();
+  if (neuf) vue.terminal.clearSelection();
+  vue.recherche[versLeBas ? 'findNext' : 'findPrevious'](champ.value, { decorations: TROUVAILLES });
+}
+
+function cesser() {
+  vue.recherche.clearDecorations();
+  compte.value = '';
+}
+
+function compter({ resultIndex, resultCount }) {
+  if (champ.value === '') compte.value = '';
+  else if (resultCount === 0) compte.value = 'Aucun résultat';
+  else compte.value = resultIndex < 0 ? `${resultCount} résultats` : `${resultIndex + 1} sur ${resultCount}`;
+}
+
+champ.addEventListener('input', () => chercher({ neuf: true }));
+barre.querySelector('.haut').addEventListener('click', () => chercher());
+barre.querySelector('.bas').addEventListener('click', () => chercher({ versLeBas: true }));
+barre.querySelector('.fermer').addEventListener('click', fermer);
+barre.addEventListener('keydown', ({ key, shiftKey, target, isComposing }) => {
+  if (isComposing) return;
+  if (key === 'Enter' && target === champ) chercher({ versLeBas: shiftKey });
+  if (key === 'Escape') fermer();
+});
+addEventListener('choix', () => !barre.hidden && vue !== choisie() && suivre(choisie()));

@@ -1,0 +1,46 @@
+import { WebLinksAddon } from '/xterm/addon-web-links.mjs';
+import { essayer } from '/essayer.js';
+
+const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
+// Ni « git@hote.test:depot », ni « hote.test/~moi@ici.test/page » : ce sont des chemins.
+const COURRIEL = /(?<![\w.+/:-])[\w.+-]+@[\w-]+(\.[\w-]+)+(?![\w/-]|:\S)/g;
+
+const indication = document.querySelector('.lien');
+const montrer = (adresse) => {
+  indication.textContent = adresse ? `Ctrl+clic pour ouvrir ${adresse}` : '';
+};
+const survol = { hover: (_, adresse) => montrer(lire(adresse)), leave: () => montrer(null) };
+
+// Les liens que des programmes déclarent eux-mêmes.
+export const liensDeclares = { activate: ouvrir, allowNonHttpProtocols: true, ...survol };
+
+// Les adresses écrites en clair.
+export function chercherLesLiens(terminal) {
+  terminal.loadAddon(new WebLinksAddon(ouvrir, survol));
+  terminal.registerLinkProvider({ provideLinks: (y, rendre) => rendre(trouverLesCourriels(terminal, y)) });
+}
+
+// L’ajout ne prend que des adresses avec « :// ». Une lettre par case : le rang y est alors la colonne.
+function trouverLesCourriels(terminal, y) {
+  const ligne = terminal.buffer.active.getLine(y - 1);
+  const cases = Array.from({ length: ligne?.length ?? 0 }, (_, x) => ligne.getCell(x).getChars());
+  const texte = cases.map((signe) => (signe.length === 1 ? signe : ' ')).join('');
+  return [...texte.matchAll(COURRIEL)].map(({ 0: adresse, index }) => ({
+    range: { start: { x: index + 1, y }, end: { x: index + adresse.length, y } },
+    text: `mailto:${adresse}`,
+    activate: ouvrir,
+    ...survol,
+  }));
+}
+
+// L’adresse vient d’un programme, et son texte peut en cacher une autre : la vraie se montre au survol, et un simple
+// clic, fait pour prendre le focus ou sélectionner, n’ouvre rien.
+function ouvrir(evenement, adresse) {
+  const lien = lire(adresse);
+  if (lien && (evenement.ctrlKey || evenement.metaKey)) open(lien, '_blank', 'noopener');
+}
+
+function lire(adresse) {
+  const { protocol, href } = essayer(() => new URL(adresse), {});
+  return PROTOCOLES_OUVERTS.includes(protocol) ? href : null;
+}
