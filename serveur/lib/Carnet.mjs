@@ -47,16 +47,16 @@ export class Carnet {
 
   // À l’arrêt, les terminaux finissent les uns après les autres : la liste ne doit plus les suivre.
   async clore() {
-    const derniere = this.#clos ? this.#ecriture : this.#ecrire();
+    if (!this.#clos) this.#ecrire();
     this.#clos = true;
-    await derniere;
+    await this.#ecriture;
   }
 
   // L’une après l’autre : une description plus ancienne ne doit pas remplacer une plus neuve.
   #ecrire() {
     clearTimeout(this.#minuteur);
     this.#minuteur = null;
-    return (this.#ecriture = this.#ecriture.then(() => this.#ecrireUneFois()));
+    this.#ecriture = this.#ecriture.then(() => this.#ecrireUneFois());
   }
 
   async #ecrireUneFois() {

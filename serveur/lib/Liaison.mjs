@@ -18,16 +18,14 @@ const CODE_JETON = 4401;
 export class Liaison {
   #portier;
   #terminaux;
-  #jeton;
   #pages = new Set();
   #listeDite = '';
   #avis = [];
 
   constructor({ serveur, terminaux, jeton }) {
     this.#terminaux = terminaux;
-    this.#jeton = jeton;
     this.#portier = new WebSocketServer({ server: serveur, maxPayload: TAILLE_MAXIMALE, verifyClient: verifier });
-    this.#portier.on('connection', (socket) => this.#attendreLeJeton(socket));
+    this.#portier.on('connection', (socket) => this.#attendreLeJeton(socket, jeton));
   }
 
   // Un titre ou un dossier change sans bruit : on compare.
@@ -60,14 +58,14 @@ export class Liaison {
   }
 
   // Le jeton vient en premier message : dans l’adresse, il finirait dans des journaux.
-  #attendreLeJeton(socket) {
+  #attendreLeJeton(socket, jeton) {
     const minuteur = setTimeout(() => socket.close(CODE_JETON), DELAI_DU_JETON);
     socket.on('error', () => socket.terminate());
     socket.on('close', () => clearTimeout(minuteur));
     socket.once('message', (donnees) => {
       clearTimeout(minuteur);
       const message = lireMessage(donnees);
-      if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, this.#jeton)) return socket.close(CODE_JETON);
+      if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return socket.close(CODE_JETON);
       this.#recevoir(new Page(socket));
     });
   }

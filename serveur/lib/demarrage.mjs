@@ -14,10 +14,6 @@ const DELAI_DES_ADIEUX = 1000;
 const { version } = JSON.parse(readFileSync(new URL('../package.json', import.meta.url), 'utf8'));
 const serveur = createServer();
 
-function dire(phrase) {
-  process.stdout.write(`${phrase}\n`);
-}
-
 export async function demarrer() {
   let eteindre = () => process.exit(0);
   for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) process.on(signal, () => eteindre());
@@ -25,14 +21,14 @@ export async function demarrer() {
   const souhaite = portSouhaite();
   const port = await prendreUnPort(souhaite);
   if (!port) {
-    dire(`keltrove tourne déjà sur http://${ADRESSE}:${souhaite}/ : rien à allumer.`);
+    console.log(`keltrove tourne déjà sur http://${ADRESSE}:${souhaite}/ : rien à allumer.`);
     process.exit(0);
   }
   // Jeton et liste ne sont touchés qu’une fois le port obtenu : un second serveur lancé par mégarde ne les abîme pas.
   // Rien n’attend plus d’ici à la fin : aucune requête ne peut donc arriver avant que tout soit branché.
   eteindre = allumer();
-  if (port !== souhaite) dire(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
-  dire(`keltrove ${version} écoute sur http://${ADRESSE}:${port}/`);
+  if (port !== souhaite) console.log(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${port}.`);
+  console.log(`keltrove ${version} écoute sur http://${ADRESSE}:${port}/`);
 }
 
 // Le port souhaité, sinon un autre, choisi par le système ; aucun quand un des nôtres répond déjà sur le premier.
@@ -71,7 +67,7 @@ function allumer() {
     decrire: () => terminaux.pourLeCarnet(),
     quandEcrit: () => liaison.diffuserLaListe(),
     signaler(phrase) {
-      dire(phrase);
+      console.log(phrase);
       liaison.aviser(phrase);
     },
   });
@@ -84,7 +80,7 @@ function allumer() {
     liaison.diffuserLaListe();
   };
   const garde = carnet.lire();
-  if (estPlusRecente(version, garde.serveur)) dire(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
+  if (estPlusAncienne(garde.serveur)) console.log(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
   terminaux.restaurer(garde.terminaux);
   const direLaSante = () => ({ version, carnet: { terminaux: terminaux.liste.length } });
   serveur.on('request', creerLAccueil({ jeton, direLaSante }));
@@ -104,7 +100,6 @@ function allumer() {
   };
 }
 
-function estPlusRecente(version, ancienne) {
-  if (!/^\d+(\.\d+)*$/.test(ancienne)) return false;
-  return version.localeCompare(ancienne, 'fr', { numeric: true }) > 0;
+function estPlusAncienne(autre) {
+  return /^\d+(\.\d+)*$/.test(autre) && version.localeCompare(autre, 'fr', { numeric: true }) > 0;
 }

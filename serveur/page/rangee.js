@@ -6,50 +6,48 @@ const SEUIL_DU_GLISSER = 6;
 // La rangée d’onglets : ce qu’on y fait à la souris et au clavier.
 const rangee = document.querySelector('.onglets');
 const rangDe = (onglet) => [...rangee.children].indexOf(onglet);
+const viser = (onglet) => onglet.querySelector('.choisir').focus();
 const fermer = ({ dataset: { terminal: id } }) => envoyer({ type: 'fermer', id });
 
-rangee.addEventListener('click', ({ target }) => {
-  const onglet = target.closest('.onglet');
-  if (target.closest('.fermer')) fermer(onglet);
-  else if (target.closest('.choisir')) choisir(onglet.dataset.terminal);
+export const prendreLeFocusDesOnglets = () => viser(rangee.querySelector('.choisi'));
+
+const GESTES = {
+  ArrowLeft: (onglet) => viser(onglet.previousElementSibling ?? rangee.lastElementChild),
+  ArrowRight: (onglet) => viser(onglet.nextElementSibling ?? rangee.firstElementChild),
+  Home: () => viser(rangee.firstElementChild),
+  End: () => viser(rangee.lastElementChild),
+  F2: renommer,
+  Delete: fermer,
+  Escape: rendreLeFocus,
+  'Ctrl+Maj+ArrowLeft': (onglet) => deplacer(onglet, rangDe(onglet) - 1),
+  'Ctrl+Maj+ArrowRight': (onglet) => deplacer(onglet, rangDe(onglet) + 1),
+};
+
+// Ce qui se passe sur un onglet, hors de sa croix et d’un nom en cours de saisie.
+const ecouter = (nom, faire) => rangee.addEventListener(nom, (evenement) => {
+  if (evenement.target.matches('.choisir')) faire(evenement.target.parentElement, evenement);
 });
 
-rangee.addEventListener('dblclick', ({ target }) => target.matches('.choisir') && renommer(target));
-
-rangee.addEventListener('keydown', (evenement) => {
-  const { target, key, ctrlKey, shiftKey, altKey, metaKey } = evenement;
-  if (!target.matches('.choisir') || altKey || metaKey) return;
-  const onglet = target.closest('.onglet');
-  const gestes = {
-    ArrowLeft: () => viser(onglet.previousElementSibling ?? rangee.lastElementChild),
-    ArrowRight: () => viser(onglet.nextElementSibling ?? rangee.firstElementChild),
-    Home: () => viser(rangee.firstElementChild),
-    End: () => viser(rangee.lastElementChild),
-    F2: () => renommer(target),
-    Delete: () => fermer(onglet),
-    Escape: rendreLeFocus,
-  };
-  const deplacements = {
-    ArrowLeft: () => deplacer(onglet, rangDe(onglet) - 1),
-    ArrowRight: () => deplacer(onglet, rangDe(onglet) + 1),
-  };
-  const geste = ctrlKey && shiftKey ? deplacements[key] : !ctrlKey && gestes[key];
-  if (!geste) return;
+ecouter('click', (onglet) => choisir(onglet.dataset.terminal));
+ecouter('dblclick', renommer);
+ecouter('keydown', (onglet, evenement) => {
+  const { key, ctrlKey, shiftKey, altKey, metaKey } = evenement;
+  const geste = GESTES[ctrlKey ? `Ctrl+${shiftKey ? 'Maj+' : ''}${key}` : key];
+  if (!geste || altKey || metaKey) return;
   evenement.preventDefault();
-  geste();
+  geste(onglet);
 });
 
 // L’onglet suit la souris dans la rangée ; le serveur n’apprend que la place où elle le laisse.
-rangee.addEventListener('pointerdown', ({ target, button, clientX: depart }) => {
-  if (button !== 0 || !target.matches('.choisir')) return;
-  const onglet = target.closest('.onglet');
+ecouter('pointerdown', (onglet, { button, clientX: depart }) => {
+  if (button !== 0) return;
   const ancien = rangDe(onglet);
   const ecoutes = new AbortController();
   const suivre = ({ clientX }) => {
     if (Math.abs(clientX - depart) > SEUIL_DU_GLISSER) onglet.classList.add('glisse');
     if (!onglet.classList.contains('glisse')) return;
     const autres = [...rangee.children].filter((autre) => autre !== onglet);
-    const suivant = autres.find((autre) => clientX < milieu(autre)) ?? null;
+    const suivant = autres.find((autre) => clientX < autre.getBoundingClientRect().left + autre.offsetWidth / 2) ?? null;
     if (suivant !== onglet.nextElementSibling) rangee.insertBefore(onglet, suivant);
   };
   const finir = () => {
@@ -61,27 +59,15 @@ rangee.addEventListener('pointerdown', ({ target, button, clientX: depart }) => 
   for (const nom of ['pointerup', 'pointercancel']) addEventListener(nom, finir, { signal: ecoutes.signal });
 });
 
-export function prendreLeFocusDesOnglets() {
-  rangee.querySelector('.choisi .choisir')?.focus();
-}
-
-function viser(onglet) {
-  onglet.querySelector('.choisir').focus();
-  onglet.scrollIntoView({ block: 'nearest', inline: 'nearest' });
-}
+rangee.addEventListener('click', ({ target }) => target.closest('.fermer') && fermer(target.closest('.onglet')));
 
 function deplacer({ dataset: { terminal: id } }, rang) {
   if (rang >= 0 && rang < rangee.children.length) envoyer({ type: 'deplacer', id, rang });
 }
 
-function milieu(onglet) {
-  const { left, width } = onglet.getBoundingClientRect();
-  return left + width / 2;
-}
-
 // Vide, le nom redevient celui que l’interpréteur donne ; inchangé, il ne doit pas s’y figer.
-function renommer(bouton) {
-  if (bouton.hidden) return;
+function renommer(onglet) {
+  const bouton = onglet.querySelector('.choisir');
   const champ = document.createElement('input');
   Object.assign(champ, { className: 'renommer', value: bouton.textContent, maxLength: 60, ariaLabel: 'Nom' });
   bouton.hidden = true;
@@ -89,7 +75,7 @@ function renommer(bouton) {
   champ.select();
   champ.focus();
   champ.addEventListener('blur', () => {
-    const [id, nom] = [champ.parentElement.dataset.terminal, champ.value.trim()];
+    const [id, nom] = [onglet.dataset.terminal, champ.value.trim()];
     champ.remove();
     bouton.hidden = false;
     if (nom !== bouton.textContent) envoyer({ type: 'renommer', id, nom });

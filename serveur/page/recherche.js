@@ -1,5 +1,4 @@
 import { choisie, rendreLeFocus } from '/terminaux.js';
-import { TROUVAILLES } from '/themes.js';
 
 // La barre où l’on cherche dans le terminal choisi.
 const barre = document.querySelector('.recherche');
@@ -7,6 +6,14 @@ const champ = barre.querySelector('input');
 const compte = barre.querySelector('output');
 let vue = null;
 let comptage = null;
+
+// Lisibles sous du texte clair comme sous du texte sombre.
+const decorations = {
+  matchBackground: '#8a6d1f',
+  activeMatchBackground: '#c8871a',
+  matchOverviewRuler: '#8a6d1f',
+  activeMatchColorOverviewRuler: '#c8871a',
+};
 
 export function ouvrirLaRecherche() {
   barre.hidden = false;
@@ -23,7 +30,7 @@ function fermer() {
 
 // Le terminal choisi a changé : on cherche désormais dans celui-là.
 function suivre(neuve) {
-  if (vue) cesser();
+  vue?.recherche.clearDecorations();
   comptage?.dispose();
   vue = neuve;
   comptage = vue?.recherche.onDidChangeResults(compter);
@@ -32,20 +39,16 @@ function suivre(neuve) {
 
 // De bas en haut d’abord : ce que l’on cherche vient le plus souvent de passer.
 function chercher({ neuf = false, versLeBas = false } = {}) {
-  if (champ.value === '') return cesser();
+  const texte = champ.value;
+  if (texte === '') return vue.recherche.clearDecorations();
   if (neuf) vue.terminal.clearSelection();
-  vue.recherche[versLeBas ? 'findNext' : 'findPrevious'](champ.value, { decorations: TROUVAILLES });
-}
-
-function cesser() {
-  vue.recherche.clearDecorations();
-  compte.value = '';
+  if (versLeBas) vue.recherche.findNext(texte, { decorations });
+  else vue.recherche.findPrevious(texte, { decorations });
 }
 
 function compter({ resultIndex, resultCount }) {
-  if (champ.value === '') compte.value = '';
-  else if (resultCount === 0) compte.value = 'Aucun résultat';
-  else compte.value = resultIndex < 0 ? `${resultCount} résultats` : `${resultIndex + 1} sur ${resultCount}`;
+  const trouves = resultIndex < 0 ? `${resultCount} résultats` : `${resultIndex + 1} sur ${resultCount}`;
+  compte.value = resultCount === 0 ? 'Aucun résultat' : trouves;
 }
 
 champ.addEventListener('input', () => chercher({ neuf: true }));

@@ -23,12 +23,23 @@ export class VueTerminal {
   recherche = new SearchAddon();
   #ajustement = new FitAddon();
   #rejoue;
+  #bouton;
 
   constructor({ id, colonnes, lignes }, rejoue) {
     this.id = id;
     this.#rejoue = rejoue;
     [this.onglet, this.panneau] = modele.cloneNode(true).children;
-    this.#preparerLesElements();
+    for (const element of [this.onglet, this.panneau]) element.dataset.terminal = id;
+    this.#bouton = this.onglet.querySelector('.choisir');
+    this.#bouton.id = `onglet-${id}`;
+    this.#bouton.setAttribute('aria-controls', `panneau-${id}`);
+    this.panneau.id = `panneau-${id}`;
+    this.panneau.setAttribute('aria-labelledby', `onglet-${id}`);
+    // Pour le navigateur rien n’est sélectionné : sans cela, son « Copier » resterait grisé.
+    this.panneau.addEventListener('beforecopy', (evenement) => {
+      if (this.terminal.hasSelection()) evenement.preventDefault();
+    });
+    new ResizeObserver(() => this.#ajuster()).observe(this.panneau);
     this.terminal = new Terminal({
       ...choixDeLUtilisateur(),
       cols: colonnes,
@@ -64,9 +75,7 @@ export class VueTerminal {
 
   decrire({ nom, groupe, dossier }) {
     Object.assign(this, { nom, groupe });
-    const choisir = this.onglet.querySelector('.choisir');
-    choisir.textContent = nom;
-    choisir.title = `${nom}\n${dossier}`;
+    Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
     this.marquer(this.onglet.classList.contains('attend'));
   }
@@ -74,7 +83,7 @@ export class VueTerminal {
   // Une marque discrète : ce terminal attend l’utilisateur.
   marquer(oui) {
     this.onglet.classList.toggle('attend', oui);
-    this.onglet.querySelector('.choisir').ariaLabel = this.nom + (oui ? ', vous attend' : '');
+    this.#bouton.ariaLabel = this.nom + (oui ? ', vous attend' : '');
   }
 
   // Un terminal caché n’a pas de mesures : il n’est posé dans la page, et ajusté, qu’une fois visible.
@@ -82,7 +91,7 @@ export class VueTerminal {
     this.panneau.hidden = !montree;
     this.panneau.classList.toggle('choisi', choisie && !seule);
     this.onglet.classList.toggle('choisi', choisie);
-    Object.assign(this.onglet.querySelector('.choisir'), { ariaSelected: choisie, tabIndex: choisie ? 0 : -1 });
+    Object.assign(this.#bouton, { ariaSelected: choisie, tabIndex: choisie ? 0 : -1 });
     if (!montree || this.terminal.element) return;
     this.terminal.open(this.panneau);
     // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
@@ -120,20 +129,6 @@ export class VueTerminal {
     this.terminal.dispose();
     this.panneau.remove();
     this.onglet.remove();
-  }
-
-  #preparerLesElements() {
-    const choisir = this.onglet.querySelector('.choisir');
-    choisir.id = `onglet-${this.id}`;
-    choisir.setAttribute('aria-controls', `panneau-${this.id}`);
-    this.panneau.id = `panneau-${this.id}`;
-    this.panneau.setAttribute('aria-labelledby', choisir.id);
-    for (const element of [this.onglet, this.panneau]) element.dataset.terminal = this.id;
-    // Pour le navigateur rien n’est sélectionné : sans cela, son « Copier » resterait grisé.
-    this.panneau.addEventListener('beforecopy', (evenement) => {
-      if (this.terminal.hasSelection()) evenement.preventDefault();
-    });
-    new ResizeObserver(() => this.#ajuster()).observe(this.panneau);
   }
 
   #ajuster() {
