@@ -43,14 +43,14 @@ export class Liaison {
     for (const page of this.#pages) page.envoyer({ type: 'avis', texte });
   }
 
-  diffuserLaSortie(id, texte) {
+  diffuserLaSortie(terminal, texte) {
     for (const page of this.#pages) {
-      page.envoyerDuTexte('sortie', id, texte);
+      page.envoyerDuTexte('sortie', terminal.id, texte);
       // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte. Sans
       // adieu : un adieu attendrait derrière tout ce que la page n’a pas encore lu.
       if (page.socket.bufferedAmount - page.reprise > RETARD_ABANDON) page.socket.terminate();
     }
-    this.#reglerLeDebit(id);
+    this.#reglerLeDebit(terminal);
   }
 
   fermer() {
@@ -74,12 +74,14 @@ export class Liaison {
     page.socket.on('message', (donnees) => {
       const message = lireMessage(donnees);
       if (!message) return page.socket.close(CODE_ILLISIBLE);
+      const terminal = this.#terminaux.trouver(message.id);
+      if (message.type === 'ouvrir') this.#ouvrir(message, page);
       // Un type inconnu est ignoré : une page d’une autre version ne doit pas être coupée pour autant.
-      if (Object.hasOwn(this.#demandes, message.type)) this.#demandes[message.type](message, page);
+      else if (terminal) this.#demandes.get(message.type)?.(terminal, message, page);
     });
     page.socket.on('close', () => {
       this.#pages.delete(page);
-      for (const { id } of this.#terminaux.liste) this.#reglerLeDebit(id);
+      for (const terminal of this.#terminaux.liste) this.#reglerLeDebit(terminal);
     });
     page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage() });
     for (const { id, tampon } of this.#terminaux.liste) page.envoyerDuTexte('reprise', id, tampon.rejouer());
@@ -88,37 +90,38 @@ export class Liaison {
     for (const texte of this.#avis.splice(0)) this.aviser(texte);
   }
 
-  #demandes = {
-    // Un terminal neuf s’ouvre dans le dossier de celui d’où on le demande, et à côté de lui si on le veut.
-    ouvrir: ({ colonnes, lignes, depuis, aCote }, page) => {
-      const voisin = this.#terminaux.trouver(depuis);
-      const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe } : {};
-      const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
-      if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
-      else page.envoyer({ type: 'avis', texte: 'Impossible d’ouvrir un terminal de plus.' });
-    },
-    fermer: ({ id, certain }, page) => {
-      const programme = certain === true ? null : this.#terminaux.trouver(id)?.programme;
+  // Un terminal neuf s’ouvre dans le dossier de celui d’où on le demande, et à côté de lui si on le veut.
+  #ouvrir({ colonnes, lignes, depuis, aCote }, page) {
+    const voisin = this.#terminaux.trouver(depuis);
+    const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe } : {};
+    const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
+    if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
+    else page.envoyer({ type: 'avis', texte: 'Impossible d’ouvrir un terminal de plus.' });
+  }
+
+  #demandes = new Map(Object.entries({
+    fermer: (terminal, { id, certain }, page) => {
+      const programme = certain === true ? null : terminal.programme;
       if (programme) page.envoyer({ type: 'occupe', id, programme });
-      else this.#terminaux.fermer(id);
+      else this.#terminaux.fermer(terminal);
     },
-    saisie: ({ id, texte }) => typeof texte === 'string' && this.#terminaux.trouver(id)?.saisir(texte),
-    taille: ({ id, colonnes, lignes }) => this.#terminaux.trouver(id)?.dimensionner(colonnes, lignes),
-    renommer: ({ id, nom }) => this.#terminaux.renommer(id, nom),
-    deplacer: ({ id, rang }) => this.#terminaux.deplacer(id, rang),
-    accoler: ({ id }) => this.#terminaux.accoler(id),
-    recu: ({ id, nombre }, page) => {
-      if (!page.retards.has(id) || !Number.isInteger(nombre) || nombre < 0) return;
-      page.retards.set(id, Math.max(0, page.retard(id) - nombre));
-      this.#reglerLeDebit(id);
+    saisie: (terminal, { texte }) => typeof texte === 'string' && terminal.saisir(texte),
+    taille: (terminal, { colonnes, lignes }) => terminal.dimensionner(colonnes, lignes),
+    renommer: (terminal, { nom }) => this.#terminaux.renommer(terminal, nom),
+    deplacer: (terminal, { rang }) => this.#terminaux.deplacer(terminal, rang),
+    accoler: (terminal) => this.#terminaux.accoler(terminal),
+    recu: (terminal, { id, nombre }, page) => {
+      if (Number.isInteger(nombre) && nombre > 0) page.retards.set(id, Math.max(0, page.retard(id) - nombre));
+      this.#reglerLeDebit(terminal);
     },
-  };
+  }));
 
   // La page la plus rapide donne l’allure ; sans page, le terminal avance et seul son tampon borné est gardé.
-  #reglerLeDebit(id) {
-    const retard = this.#pages.size === 0 ? 0 : Math.min(...[...this.#pages].map((page) => page.retard(id)));
-    if (retard > RETARD_HAUT) this.#terminaux.trouver(id)?.suspendre(true);
-    else if (retard < RETARD_BAS) this.#terminaux.trouver(id)?.suspendre(false);
+  #reglerLeDebit(terminal) {
+    const retards = [...this.#pages].map((page) => page.retard(terminal.id));
+    const retard = retards.length === 0 ? 0 : Math.min(...retards);
+    if (retard > RETARD_HAUT) terminal.suspendre(true);
+    else if (retard < RETARD_BAS) terminal.suspendre(false);
   }
 }
 

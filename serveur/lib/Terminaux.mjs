@@ -1,4 +1,5 @@
 import { randomBytes } from 'node:crypto';
+import { essayer } from '../page/essayer.js';
 import { Terminal } from './Terminal.mjs';
 
 const MAXIMUM = 50;
@@ -26,39 +27,32 @@ export class Terminaux {
     if (this.#enArret || this.liste.length >= MAXIMUM) return null;
     // Un identifiant gardé au carnet laisse la page retrouver son onglet après un redémarrage.
     const sien = estUnId(id) && !this.trouver(id) ? id : nouvelId();
-    let terminal;
-    try {
-      terminal = new Terminal({ ...reste, groupe, id: sien, nom: nettoyer(nom) || this.#choisirUnNom() });
-    } catch {
-      return null;
-    }
+    const identite = { id: sien, nom: nettoyer(nom) || this.#choisirUnNom(), groupe };
+    const terminal = essayer(() => new Terminal({ ...identite, ...reste }));
+    if (!terminal) return null;
     const naissance = performance.now();
-    terminal.quandSortie = (texte) => this.quandSortie(sien, texte);
+    terminal.quandSortie = (texte) => this.quandSortie(terminal, texte);
     terminal.quandFin = () => this.#quandTerminalFini(terminal, performance.now() - naissance);
     this.liste.splice(this.liste.indexOf(apres) + 1, 0, terminal);
     this.quandListeChange();
     return terminal;
   }
 
-  fermer(id) {
-    const terminal = this.trouver(id);
-    if (!terminal) return;
+  fermer(terminal) {
     this.#retirer(terminal);
     terminal.raccrocher();
     if (this.liste.length === 0) this.ouvrir();
   }
 
   // Un nom vide rend le terminal au titre que l’interpréteur lui donne.
-  renommer(id, nom) {
-    const terminal = this.trouver(id);
-    if (!terminal || typeof nom !== 'string') return;
+  renommer(terminal, nom) {
+    if (typeof nom !== 'string') return;
     terminal.nom = nettoyer(nom) || this.#choisirUnNom();
     this.quandListeChange();
   }
 
-  deplacer(id, rang) {
-    const terminal = this.trouver(id);
-    if (!terminal || !Number.isInteger(rang) || rang < 0 || rang >= this.liste.length) return;
+  deplacer(terminal, rang) {
+    if (!Number.isInteger(rang) || rang < 0 || rang >= this.liste.length) return;
     const autres = this.liste.filter((autre) => autre !== terminal);
     const [avant, apres] = [autres[rang - 1]?.groupe, autres[rang]?.groupe];
     // Posé au milieu d’un groupe, il en est ; loin du sien, il le quitte.
@@ -70,9 +64,7 @@ export class Terminaux {
   }
 
   // Seul, le terminal se range à côté de son voisin ; déjà à côté d’un autre, il reprend toute la place.
-  accoler(id) {
-    const terminal = this.trouver(id);
-    if (!terminal) return;
+  accoler(terminal) {
     const rang = this.liste.indexOf(terminal);
     const voisins = [this.liste[rang - 1], this.liste[rang + 1]].filter(Boolean);
     const accole = voisins.some(({ groupe }) => groupe === terminal.groupe);

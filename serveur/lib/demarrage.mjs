@@ -71,8 +71,8 @@ function allumer() {
       liaison.aviser(phrase);
     },
   });
-  terminaux.quandSortie = (id, texte) => {
-    liaison.diffuserLaSortie(id, texte);
+  terminaux.quandSortie = (terminal, texte) => {
+    liaison.diffuserLaSortie(terminal, texte);
     carnet.noter();
   };
   terminaux.quandListeChange = () => {

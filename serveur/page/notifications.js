@@ -15,7 +15,7 @@ const ETATS = {
 // Prévient, par l’application, qu’un terminal attend ; et le marque, avec ou sans elle.
 const pont = window.webkit?.messageHandlers?.keltroveNotifications;
 const systeme = document.querySelector('.systeme');
-let minuteur = null;
+const minuteurs = new Map();
 
 window.keltrovePont = { etat: direLEtat, ouvrir: choisir };
 systeme.addEventListener('click', () => pont.postMessage({ action: 'reglages' }));
@@ -28,7 +28,8 @@ addEventListener('sonnerie', ({ target }) => appeler(vues.get(target.dataset.ter
 
 export function noterLaSortie(id, nombre) {
   vues.get(id)?.veille.sortir(nombre, performance.now());
-  minuteur ??= setTimeout(verifier, SILENCE);
+  clearTimeout(minuteurs.get(id));
+  minuteurs.set(id, setTimeout(() => vues.get(id)?.veille.echeance && appeler(vues.get(id), ATTENTE), SILENCE));
 }
 
 function relire() {
@@ -37,14 +38,6 @@ function relire() {
     vue.veille.regarder(regarde);
     if (regarde) vue.marquer(false);
   }
-}
-
-function verifier() {
-  const maintenant = performance.now();
-  const attendues = [...vues.values()].filter(({ veille }) => veille.echeance !== null);
-  for (const vue of attendues) if (vue.veille.echeance <= maintenant) appeler(vue, ATTENTE);
-  const prochaine = Math.min(...attendues.map(({ veille }) => veille.echeance ?? Infinity));
-  minuteur = prochaine < Infinity ? setTimeout(verifier, prochaine - maintenant) : null;
 }
 
 function appeler(vue, corps) {

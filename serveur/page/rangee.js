@@ -47,7 +47,8 @@ ecouter('pointerdown', (onglet, { button, clientX: depart }) => {
     if (Math.abs(clientX - depart) > SEUIL_DU_GLISSER) onglet.classList.add('glisse');
     if (!onglet.classList.contains('glisse')) return;
     const autres = [...rangee.children].filter((autre) => autre !== onglet);
-    const suivant = autres.find((autre) => clientX < autre.getBoundingClientRect().left + autre.offsetWidth / 2) ?? null;
+    const milieu = (autre) => autre.getBoundingClientRect().left + autre.offsetWidth / 2;
+    const suivant = autres.find((autre) => clientX < milieu(autre)) ?? null;
     if (suivant !== onglet.nextElementSibling) rangee.insertBefore(onglet, suivant);
   };
   const finir = () => {
