@@ -1,4 +1,4 @@
-import { WebSocketServer } from 'ws';
+import { WebSocket, WebSocketServer } from 'ws';
 import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
 
@@ -10,9 +10,7 @@ const RETARD_BAS = 64 * 1024;
 // En octets, tous terminaux ensemble.
 const RETARD_ABANDON = 32 * 1024 * 1024;
 
-const CODE_ARRET = 1001;
-const CODE_ILLISIBLE = 4400;
-const CODE_JETON = 4401;
+const CODES = { arret: 1001, illisible: 4400, jeton: 4401 };
 
 // Relie les pages ouvertes aux terminaux, et retient un terminal bavard tant qu’aucune page ne suit.
 export class Liaison {
@@ -24,8 +22,8 @@ export class Liaison {
 
   constructor({ serveur, terminaux, jeton }) {
     this.#terminaux = terminaux;
-    this.#portier = new WebSocketServer({ server: serveur, maxPayload: TAILLE_MAXIMALE, verifyClient: verifier });
-    this.#portier.on('connection', (socket) => this.#attendreLeJeton(socket, jeton));
+    const portier = { server: serveur, maxPayload: TAILLE_MAXIMALE, verifyClient: verifier, WebSocket: Page };
+    this.#portier = new WebSocketServer(portier).on('connection', (page) => this.#attendreLeJeton(page, jeton));
   }
 
   // Un titre ou un dossier change sans bruit : on compare.
@@ -48,44 +46,44 @@ export class Liaison {
       page.envoyerDuTexte('sortie', terminal.id, texte);
       // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte. Sans
       // adieu : un adieu attendrait derrière tout ce que la page n’a pas encore lu.
-      if (page.socket.bufferedAmount - page.reprise > RETARD_ABANDON) page.socket.terminate();
+      if (page.bufferedAmount - page.reprise > RETARD_ABANDON) page.terminate();
     }
     this.#reglerLeDebit(terminal);
   }
 
   fermer() {
-    for (const socket of this.#portier.clients) socket.close(CODE_ARRET);
+    for (const page of this.#portier.clients) page.close(CODES.arret);
   }
 
   // Le jeton vient en premier message : dans l’adresse, il finirait dans des journaux.
-  #attendreLeJeton(socket, jeton) {
-    const minuteur = setTimeout(() => socket.close(CODE_JETON), DELAI_DU_JETON);
-    socket.on('error', () => socket.terminate());
-    socket.on('close', () => clearTimeout(minuteur));
-    socket.once('message', (donnees) => {
+  #attendreLeJeton(page, jeton) {
+    const minuteur = setTimeout(() => page.close(CODES.jeton), DELAI_DU_JETON);
+    page.on('error', () => page.terminate());
+    page.on('close', () => clearTimeout(minuteur));
+    page.once('message', (donnees) => {
       clearTimeout(minuteur);
       const message = lireMessage(donnees);
-      if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return socket.close(CODE_JETON);
-      this.#recevoir(new Page(socket));
+      if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return page.close(CODES.jeton);
+      this.#recevoir(page);
     });
   }
 
   #recevoir(page) {
-    page.socket.on('message', (donnees) => {
+    page.on('message', (donnees) => {
       const message = lireMessage(donnees);
-      if (!message) return page.socket.close(CODE_ILLISIBLE);
+      if (!message) return page.close(CODES.illisible);
       const terminal = this.#terminaux.trouver(message.id);
       if (message.type === 'ouvrir') this.#ouvrir(message, page);
       // Un type inconnu est ignoré : une page d’une autre version ne doit pas être coupée pour autant.
       else if (terminal) this.#demandes.get(message.type)?.(terminal, message, page);
     });
-    page.socket.on('close', () => {
+    page.on('close', () => {
       this.#pages.delete(page);
       for (const terminal of this.#terminaux.liste) this.#reglerLeDebit(terminal);
     });
     page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage() });
     for (const { id, tampon } of this.#terminaux.liste) page.envoyerDuTexte('reprise', id, tampon.rejouer());
-    page.reprise = page.socket.bufferedAmount;
+    page.reprise = page.bufferedAmount;
     this.#pages.add(page);
     for (const texte of this.#avis.splice(0)) this.aviser(texte);
   }
@@ -126,26 +124,22 @@ export class Liaison {
 }
 
 // Une page connectée, et ce qu’elle n’a pas encore fini d’afficher de chaque terminal.
-class Page {
+class Page extends WebSocket {
   retards = new Map();
   // Ce que la reprise lui laisse à lire, en octets.
   reprise = 0;
 
-  constructor(socket) {
-    this.socket = socket;
+  retard(id) {
+    return this.retards.get(id) ?? 0;
   }
 
   envoyer(message) {
-    this.socket.send(JSON.stringify(message), () => {});
+    this.send(JSON.stringify(message), () => {});
   }
 
   envoyerDuTexte(type, id, texte) {
     this.retards.set(id, this.retard(id) + texte.length);
     this.envoyer({ type, id, texte });
-  }
-
-  retard(id) {
-    return this.retards.get(id) ?? 0;
   }
 }
 

@@ -30,9 +30,8 @@ export function creerLAccueil({ jeton, direLaSante }) {
   return (requete, reponse) => {
     const raison = raisonDuRefus(requete);
     if (raison) return envoyer(reponse, 403, `${raison}\n`);
-    const permises = ['GET', 'HEAD'];
-    const permise = permises.includes(requete.method);
-    if (!permise) return envoyer(reponse, 405, 'Méthode refusée.\n', { Allow: permises.join(', ') });
+    const lecture = ['GET', 'HEAD'].includes(requete.method);
+    if (!lecture) return envoyer(reponse, 405, 'Méthode refusée.\n', { Allow: 'GET, HEAD' });
     const route = requete.url.split('?')[0];
     const { corps, type } = fichiers.get(route) ?? {};
     const entetes = route === '/' ? { 'Content-Security-Policy': politique(requete.headers.host) } : {};

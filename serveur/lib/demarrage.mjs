@@ -48,13 +48,9 @@ async function ecouter(port) {
   return serveur.address().port;
 }
 
-async function estDesNotres(port) {
-  try {
-    const reponse = await fetch(`http://${ADRESSE}:${port}/`, { signal: AbortSignal.timeout(DELAI_DE_RECONNAISSANCE) });
-    return reponse.status === 200 && (await reponse.text()).includes('keltrove-jeton');
-  } catch {
-    return false;
-  }
+function estDesNotres(port) {
+  const page = fetch(`http://${ADRESSE}:${port}/`, { signal: AbortSignal.timeout(DELAI_DE_RECONNAISSANCE) });
+  return page.then((reponse) => reponse.text()).then((texte) => texte.includes('keltrove-jeton'), () => false);
 }
 
 // Rend de quoi tout éteindre.
