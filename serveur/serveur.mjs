@@ -1,8 +1,7 @@
 // Le reste est importé plus tard, exprès : ainsi même un module absent donne une phrase, pas une pile d’appels.
 
 // L’application peut mourir avant le serveur et fermer le tuyau où il écrit ; il doit vivre assez pour ranger sa liste.
-process.stdout.on('error', () => {});
-process.stderr.on('error', () => {});
+for (const tuyau of [process.stdout, process.stderr]) tuyau.on('error', () => {});
 
 process.on('uncaughtException', (erreur) => {
   const raison = String(erreur?.message ?? erreur).split('\n')[0];

@@ -4,6 +4,8 @@ import { essayer } from '../page/essayer.js';
 import { ecrireAtomiquement, lirePrive } from './reglages.mjs';
 
 const DELAI_D_ECRITURE = 500;
+const estEcrit = (texte) => typeof texte === 'string' && texte !== '';
+const estUneEntree = (entree) => [entree?.id, entree?.nom, entree?.dossier].every(estEcrit);
 
 // La liste des terminaux, gardée d’un lancement à l’autre : noms, ordre, dossiers, voisinages et dernières lignes.
 // Les call-backs donnés : decrire(), quandEcrit(), signaler(phrase).
@@ -73,8 +75,4 @@ export class Carnet {
     }
     this.#quand.quandEcrit();
   }
-}
-
-function estUneEntree(entree) {
-  return ['id', 'nom', 'dossier'].every((cle) => typeof entree?.[cle] === 'string' && entree[cle] !== '');
 }

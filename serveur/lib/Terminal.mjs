@@ -12,6 +12,12 @@ const SORTIE_RELUE = 40_000;
 // Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé, ou le serveur lui-même.
 const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
 
+const estUnDossier = (chemin) => essayer(() => statSync(chemin).isDirectory(), false);
+const estExecutable = (chemin) => essayer(() => accessSync(chemin, constants.X_OK) ?? true, false);
+const borner = (valeur, minimum, defaut) => (
+  Number.isInteger(valeur) && valeur >= minimum && valeur <= 1000 ? valeur : defaut
+);
+
 // Un interpréteur de commandes dans son pseudo-terminal, et de quoi le montrer de nouveau à une page qui se recharge.
 export class Terminal {
   quandSortie = () => {};
@@ -121,16 +127,4 @@ export class Terminal {
     const champs = etat.slice(etat.lastIndexOf(')') + 2).split(' ');
     return champs.length < 6 || champs[2] === champs[5];
   }
-}
-
-function borner(valeur, minimum, defaut) {
-  return Number.isInteger(valeur) && valeur >= minimum && valeur <= 1000 ? valeur : defaut;
-}
-
-function estUnDossier(chemin) {
-  return essayer(() => statSync(chemin).isDirectory(), false);
-}
-
-function estExecutable(chemin) {
-  return essayer(() => accessSync(chemin, constants.X_OK) === undefined, false);
 }

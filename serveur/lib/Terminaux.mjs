@@ -7,6 +7,9 @@ const LONGUEUR_DES_NOMS = 60;
 const DUREE_D_UN_VRAI_USAGE = 1000;
 const NOM_D_OFFICE = /^Terminal \d+$/;
 
+const nouvelId = () => randomBytes(6).toString('hex');
+const estUnId = (valeur) => typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
+
 // Les terminaux ouverts, dans l’ordre des onglets. Il en reste toujours un, sauf pendant l’arrêt.
 // Ceux qui se suivent et sont du même groupe se montrent côte à côte.
 export class Terminaux {
@@ -115,14 +118,6 @@ export class Terminaux {
     const noms = Array.from({ length: MAXIMUM + 1 }, (_, rang) => `Terminal ${rang + 1}`);
     return noms.find((nom) => this.liste.every((terminal) => terminal.nom !== nom));
   }
-}
-
-function nouvelId() {
-  return randomBytes(6).toString('hex');
-}
-
-function estUnId(valeur) {
-  return typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
 }
 
 function nettoyer(nom) {

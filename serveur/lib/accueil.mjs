@@ -16,6 +16,7 @@ const CHEMINS = [
     [`/xterm/addon-${nom}.mjs`, trouverModule(`@xterm/addon-${nom}/lib/addon-${nom}.mjs`)]
   )),
 ];
+const enAttribut = (texte) => texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
 const TYPES = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript' };
 
 // Répond aux demandes de page, de fichiers et de santé.
@@ -70,8 +71,4 @@ function politique(hote) {
     "form-action 'none'",
     "frame-ancestors 'none'",
   ].join('; ');
-}
-
-function enAttribut(texte) {
-  return texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
 }

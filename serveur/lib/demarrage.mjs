@@ -12,6 +12,7 @@ const DELAI_DE_RECONNAISSANCE = 1500;
 const DELAI_DES_ADIEUX = 1000;
 
 const { version } = JSON.parse(readFileSync(new URL('../package.json', import.meta.url), 'utf8'));
+const estAncienne = (autre) => /^\d+(\.\d+)*$/.test(autre) && version.localeCompare(autre, 'fr', { numeric: true }) > 0;
 const serveur = createServer();
 
 export async function demarrer() {
@@ -76,7 +77,7 @@ function allumer() {
     liaison.diffuserLaListe();
   };
   const garde = carnet.lire();
-  if (estPlusAncienne(garde.serveur)) console.log(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
+  if (estAncienne(garde.serveur)) console.log(`MESSAGE=Keltrove a été mis à jour : voici la version ${version}.`);
   terminaux.restaurer(garde.terminaux);
   const direLaSante = () => ({ version, carnet: { terminaux: terminaux.liste.length } });
   serveur.on('request', creerLAccueil({ jeton, direLaSante }));
@@ -94,8 +95,4 @@ function allumer() {
     await terminaux.raccrocher();
     process.exit(0);
   };
-}
-
-function estPlusAncienne(autre) {
-  return /^\d+(\.\d+)*$/.test(autre) && version.localeCompare(autre, 'fr', { numeric: true }) > 0;
 }

@@ -10,10 +10,8 @@ export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
   const lues = [];
   for (let rang = 0; rang < tampon.length; rang += 1) {
     const ligne = tampon.getLine(rang);
-    const suivante = tampon.getLine(rang + 1)?.isWrapped;
-    const texte = ligne.translateToString(!suivante);
-    if (ligne.isWrapped && lues.length > 0) lues.push(lues.pop() + texte);
-    else lues.push(texte);
+    const texte = ligne.translateToString(!tampon.getLine(rang + 1)?.isWrapped);
+    lues.push(ligne.isWrapped ? (lues.pop() ?? '') + texte : texte);
   }
   const rempli = tampon.type === 'normal';
   terminal.dispose();

@@ -2,26 +2,20 @@
 
 const SANS_DANGER = /^[A-Za-z0-9_./@%+:,-]+$/;
 
+export const citerTous = (chemins) => chemins.map((chemin) => `${citer(chemin)} `).join('');
+
 export function citer(chemin) {
   if (SANS_DANGER.test(chemin)) return chemin;
-  return chemin.split(/(['\\!\p{Cc}])/u).map(citerUnMorceau).join('') || "''";
-}
-
-export function citerTous(chemins) {
-  return chemins.map((chemin) => `${citer(chemin)} `).join('');
+  return chemin.split(/(['\\!\p{Cc}])/u).filter(Boolean).map(citerUnMorceau).join('') || "''";
 }
 
 function citerUnMorceau(morceau) {
-  if (morceau === '') return '';
   // Dans fish, la barre garde un sens entre apostrophes. Bash, lui, cherche ses rappels d’historique sans bien
   // suivre les apostrophes après une barre : un point d’exclamation porte donc toujours la sienne.
   if (/^['\\!]$/.test(morceau)) return `\\${morceau}`;
-  // Brut, un caractère de commande agirait comme la touche : valider la ligne, l’interrompre, l’effacer.
-  if (/^\p{Cc}$/u.test(morceau)) return `$'${enOctets(morceau)}'`;
-  return `'${morceau}'`;
-}
-
-// Un seul caractère par morceau : le chiffre qui suit ne peut pas être pris pour la suite de l’octet.
-function enOctets(commande) {
-  return [...new TextEncoder().encode(commande)].map((octet) => `\\x${octet.toString(16).padStart(2, '0')}`).join('');
+  if (!/^\p{Cc}$/u.test(morceau)) return `'${morceau}'`;
+  // Brut, un caractère de commande agirait comme la touche : valider la ligne, l’interrompre, l’effacer. Seul dans son
+  // morceau : le chiffre qui suit ne peut pas être pris pour la suite de l’octet.
+  const octets = [...new TextEncoder().encode(morceau)];
+  return `$'${octets.map((octet) => `\\x${octet.toString(16).padStart(2, '0')}`).join('')}'`;
 }

@@ -17,9 +17,8 @@ export function changer(nom, valeur = PAR_DEFAUT[nom]) {
 
 export function ouvrirLesReglages() {
   for (const [nom, valeur] of Object.entries(valeurs)) {
-    const champ = formulaire.elements[nom];
-    if (champ.type === 'checkbox') champ.checked = valeur;
-    else champ.value = valeur;
+    // Une case ne se coche que par « checked », un nombre ne s’écrit que dans « value ».
+    Object.assign(formulaire.elements[nom], { checked: valeur, value: valeur });
   }
   if (!panneau.open) panneau.showModal();
 }

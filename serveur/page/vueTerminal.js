@@ -14,6 +14,7 @@ const ENVOIS = /[^]{1,65536}/gu;
 Terminal.strings.promptLabel = 'Saisie du terminal';
 Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne à ligne';
 
+const preferences = () => ({ ...apparenceDuTerminal(), fontSize: valeurs.corps, screenReaderMode: valeurs.lecteur });
 const modele = document.querySelector('#modele-terminal').content;
 
 // Un terminal de la page : son onglet, son panneau, et ce qui veille à prévenir l’utilisateur. Une sonnerie s’annonce
@@ -21,6 +22,7 @@ const modele = document.querySelector('#modele-terminal').content;
 export class VueTerminal {
   veille = new Veille();
   recherche = new SearchAddon();
+  montree = false;
   #ajustement = new FitAddon();
   #rejoue;
   #bouton;
@@ -41,7 +43,7 @@ export class VueTerminal {
     });
     new ResizeObserver(() => this.#ajuster()).observe(this.panneau);
     this.terminal = new Terminal({
-      ...choixDeLUtilisateur(),
+      ...preferences(),
       cols: colonnes,
       rows: lignes,
       fontFamily: '"DejaVu Sans Mono", "Liberation Mono", Menlo, monospace',
@@ -69,10 +71,6 @@ export class VueTerminal {
     return { colonnes: this.terminal.cols, lignes: this.terminal.rows };
   }
 
-  get montree() {
-    return !this.panneau.hidden;
-  }
-
   decrire({ nom, groupe, dossier }) {
     Object.assign(this, { nom, groupe });
     Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
@@ -88,6 +86,7 @@ export class VueTerminal {
 
   // Un terminal caché n’a pas de mesures : il n’est posé dans la page, et ajusté, qu’une fois visible.
   montrer({ montree, choisie, seule }) {
+    this.montree = montree;
     this.panneau.hidden = !montree;
     this.panneau.classList.toggle('choisi', choisie && !seule);
     this.onglet.classList.toggle('choisi', choisie);
@@ -121,7 +120,7 @@ export class VueTerminal {
   }
 
   regler() {
-    Object.assign(this.terminal.options, choixDeLUtilisateur());
+    Object.assign(this.terminal.options, preferences());
     this.#ajuster();
   }
 
@@ -148,8 +147,4 @@ export class VueTerminal {
     this.veille.saisir(texte, performance.now());
     for (const morceau of texte.match(ENVOIS) ?? []) envoyer({ type: 'saisie', id: this.id, texte: morceau });
   }
-}
-
-function choixDeLUtilisateur() {
-  return { ...apparenceDuTerminal(), fontSize: valeurs.corps, screenReaderMode: valeurs.lecteur };
 }
