@@ -5,8 +5,8 @@ import { jetonJuste, raisonDuRefus } from './acces.mjs';
 const TAILLE_MAXIMALE = 1024 * 1024;
 const DELAI_DU_JETON = 5000;
 // En caractères envoyés à une page et dont elle n’a pas encore accusé réception.
-const RETARD_HAUT = 256 * 1024;
-const RETARD_BAS = 64 * 1024;
+const RETARD_HAUT = 512 * 1024;
+const RETARD_BAS = 256 * 1024;
 // En octets, tous terminaux ensemble.
 const RETARD_ABANDON = 32 * 1024 * 1024;
 

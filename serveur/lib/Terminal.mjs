@@ -9,6 +9,9 @@ import { Tampon } from './Tampon.mjs';
 
 // Bien plus que les lignes gardées : des lignes longues, ou très colorées, y tiennent encore.
 const SORTIE_RELUE = 40_000;
+// Un bavard parle par morceaux de 4 Kio, qui feraient autant de messages : le premier part tout de suite, puis ce qui
+// s’amasse pendant un répit, en millisecondes, part d’un trait.
+const REPIT = 5;
 // Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé, ou le serveur lui-même.
 const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
 
@@ -30,6 +33,8 @@ export class Terminal {
   #dossierLu = null;
   #dernieresLignes = [];
   #lignesPerimees = true;
+  #aDire = '';
+  #repit = null;
   #aParle = false;
   #fini = false;
 
@@ -47,7 +52,10 @@ export class Terminal {
       cwd: this.#dossier,
       env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor' },
     });
-    this.#pty.onData((texte) => this.#quandTexte(texte));
+    this.#pty.onData((morceau) => {
+      this.#aDire += morceau;
+      this.#repit ??= this.#dire();
+    });
     this.#pty.onExit(() => {
       this.#fini = true;
       this.quandFin();
@@ -100,12 +108,15 @@ export class Terminal {
     this.#pty.destroy();
   }
 
-  #quandTexte(texte) {
+  #dire() {
+    const texte = this.#aDire;
+    this.#aDire = '';
     this.#aParle = true;
     this.#lignesPerimees = true;
     this.tampon.ajouter(texte);
     this.annonces.lire(texte);
     this.quandSortie(texte);
+    return setTimeout(() => (this.#repit = this.#aDire === '' ? null : this.#dire()), REPIT);
   }
 
   #noterLeDossier(chemin) {
