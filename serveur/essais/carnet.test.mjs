@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { chmodSync, existsSync, mkdirSync, readdirSync, readFileSync, statSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { test } from 'node:test';
-import { Carnet } from '../lib/Carnet.mjs';
+import { ouvrirLeCarnet } from '../lib/carnet.mjs';
 import { arreter, attendreLeFichier, lancer, Page, preparerMaison } from './outils.mjs';
 
 async function lancerAvecUnePage(t, maison) {
@@ -116,7 +116,7 @@ test('les lignes lues dans la liste ne commandent pas au terminal', async (t) =>
 
 test('une liste qu’on ne peut ni lire ni écarter n’est jamais écrasée', () => {
   const phrases = [];
-  const carnet = new Carnet('/proc/version', '1', { decrire: () => assert.fail('écrit'), signaler: (phrase) => phrases.push(phrase) });
+  const carnet = ouvrirLeCarnet({ chemin: '/proc/version', version: '1', decrire: () => assert.fail('écrit'), signaler: (phrase) => phrases.push(phrase) });
   assert.deepEqual(carnet.lire(), { terminaux: [] });
   carnet.noter();
   return carnet.clore().then(() => assert.equal(phrases.length, 1));

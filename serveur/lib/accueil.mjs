@@ -5,16 +5,14 @@ import { fileURLToPath } from 'node:url';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
 
 const PAGE = fileURLToPath(new URL('../page/', import.meta.url));
+const MODULES = ['xterm', 'addon-fit', 'addon-search', 'addon-unicode11', 'addon-web-links'];
 const trouverModule = createRequire(import.meta.url).resolve;
 
 // Liste fermée au démarrage : aucun chemin demandé ne devient jamais un chemin de fichier.
 const CHEMINS = [
   ...readdirSync(PAGE).map((nom) => [nom === 'index.html' ? '/' : `/${nom}`, PAGE + nom]),
+  ...MODULES.map((nom) => [`/xterm/${nom}.mjs`, trouverModule(`@xterm/${nom}/lib/${nom}.mjs`)]),
   ['/xterm/xterm.css', trouverModule('@xterm/xterm/css/xterm.css')],
-  ['/xterm/xterm.mjs', trouverModule('@xterm/xterm/lib/xterm.mjs')],
-  ...['fit', 'search', 'unicode11', 'web-links'].map((nom) => (
-    [`/xterm/addon-${nom}.mjs`, trouverModule(`@xterm/addon-${nom}/lib/addon-${nom}.mjs`)]
-  )),
 ];
 const enAttribut = (texte) => texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
 const TYPES = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript' };

@@ -2,7 +2,7 @@ import { once } from 'node:events';
 import { readFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { creerLAccueil } from './accueil.mjs';
-import { Carnet } from './Carnet.mjs';
+import { ouvrirLeCarnet } from './carnet.mjs';
 import { Liaison } from './Liaison.mjs';
 import { auDossierCache, lireOuCreerJeton, portSouhaite, preparerLeDossierCache } from './reglages.mjs';
 import { Terminaux } from './Terminaux.mjs';
@@ -60,7 +60,9 @@ function allumer() {
   const jeton = lireOuCreerJeton();
   const terminaux = new Terminaux();
   const liaison = new Liaison({ serveur, terminaux, jeton });
-  const carnet = new Carnet(auDossierCache('keltrove-carnet.json'), version, {
+  const carnet = ouvrirLeCarnet({
+    chemin: auDossierCache('keltrove-carnet.json'),
+    version,
     decrire: () => terminaux.pourLeCarnet(),
     quandEcrit: () => liaison.diffuserLaListe(),
     signaler(phrase) {

@@ -3,7 +3,7 @@ import { essayer } from '/essayer.js';
 
 const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
 // Ni « git@hote.test:depot », ni « hote.test/~moi@ici.test/page » : ce sont des chemins.
-const COURRIEL = /(?<![\w.+/:-])[\w.+-]+@[\w-]+(\.[\w-]+)+(?![\w/-]|:\S)/g;
+const COURRIEL = /(^|[^\w.+/:-])([\w.+-]+@[\w-]+(?:\.[\w-]+)+)(?![\w/-]|:\S)/g;
 
 const indication = document.querySelector('.lien');
 const montrer = (lien) => (indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien}` : '');
@@ -23,8 +23,8 @@ function trouverLesCourriels(terminal, y) {
   const ligne = terminal.buffer.active.getLine(y - 1);
   const cases = Array.from({ length: ligne?.length ?? 0 }, (_, x) => ligne.getCell(x).getChars());
   const texte = cases.map((signe) => (signe.length === 1 ? signe : ' ')).join('');
-  return [...texte.matchAll(COURRIEL)].map(({ 0: adresse, index }) => ({
-    range: { start: { x: index + 1, y }, end: { x: index + adresse.length, y } },
+  return [...texte.matchAll(COURRIEL)].map(({ 1: avant, 2: adresse, index }) => ({
+    range: { start: { x: index + avant.length + 1, y }, end: { x: index + avant.length + adresse.length, y } },
     text: `mailto:${adresse}`,
     activate: ouvrir,
     ...survol,

@@ -11,8 +11,6 @@ let comptage = null;
 const decorations = {
   matchBackground: '#8a6d1f',
   activeMatchBackground: '#c8871a',
-  matchOverviewRuler: '#8a6d1f',
-  activeMatchColorOverviewRuler: '#c8871a',
 };
 
 export function ouvrirLaRecherche() {
