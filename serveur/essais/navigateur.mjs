@@ -19,9 +19,9 @@ export class Navigateur {
   #demandes = new Map();
   #ecoutes = new Map();
 
-  static async lancer() {
+  static async lancer(options = []) {
     const navigateur = new Navigateur();
-    await navigateur.#demarrer();
+    await navigateur.#demarrer(options);
     return navigateur;
   }
 
@@ -42,10 +42,10 @@ export class Navigateur {
     this.#ecoutes.set(sessionId, quand);
   }
 
-  async #demarrer() {
+  async #demarrer(options) {
     this.#processus = spawn(programme, [
       '--headless=new', '--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking',
-      '--remote-debugging-port=0', `--user-data-dir=${this.#profil}`, '--window-size=1000,600', 'about:blank',
+      '--remote-debugging-port=0', `--user-data-dir=${this.#profil}`, '--window-size=1000,600', ...options, 'about:blank',
     ], { stdio: ['ignore', 'ignore', 'pipe'] });
     let dit = '';
     const adresse = await borner(new Promise((suite) => {
@@ -67,13 +67,16 @@ export class Navigateur {
   }
 }
 
-// La page servie par un vrai serveur, dans le navigateur ; `avant` y joue le rôle de l’application.
+const PRETE = 'document.querySelector(".panneau:not([hidden]) .xterm-rows")?.textContent.includes("$")';
+
+// La page servie par un vrai serveur, dans le navigateur ; `avant` y joue le rôle de l’application. Les bancs mesurent
+// aussi celle d’un autre : elle est à `adresse`, et prête quand l’expression `prete` est vraie.
 export class PageVue {
   fautes = [];
   #navigateur;
   #session;
 
-  static async ouvrir(t, navigateur, { avant = '', maison, serveur, hote = 'localhost' } = {}) {
+  static async ouvrir(t, navigateur, { avant = '', maison, serveur, hote = 'localhost', adresse, prete = PRETE } = {}) {
     const page = new PageVue();
     page.maison = maison ?? (await preparerMaison(t));
     writeFileSync(join(page.maison.maison, '.bashrc'), "PS1='$ '\n");
@@ -89,8 +92,8 @@ export class PageVue {
     await page.demander('Page.enable');
     await page.demander('Emulation.setFocusEmulationEnabled', { enabled: true });
     await page.demander('Page.addScriptToEvaluateOnNewDocument', { source: avant });
-    await page.demander('Page.navigate', { url: `http://${hote}:${page.serveur.port}/` });
-    await page.attendre('document.querySelector(".panneau:not([hidden]) .xterm-rows")?.textContent.includes("$")');
+    await page.demander('Page.navigate', { url: adresse ?? `http://${hote}:${page.serveur.port}/` });
+    await page.attendre(prete);
     return page;
   }
 
@@ -165,7 +168,7 @@ export class PageVue {
   async recharger() {
     await this.evaluer('window.ancienne = true');
     await this.demander('Page.reload');
-    await this.attendre('!window.ancienne && document.querySelector(".panneau:not([hidden]) .xterm-rows")?.textContent.includes("$")');
+    await this.attendre(`!window.ancienne && ${PRETE}`);
   }
 
   #noter(methode, { type, args, exceptionDetails } = {}) {
