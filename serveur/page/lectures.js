@@ -25,8 +25,7 @@ export class Lectures {
 
   #suivre() {
     if (this.#enCours || this.#attente.length === 0) return;
-    const suivante = this.#attente.shift();
-    this.#enCours = suivante;
+    const suivante = (this.#enCours = this.#attente.shift());
     suivante.lecture(() => {
       if (this.#enCours !== suivante) return;
       this.#enCours = null;
