@@ -200,6 +200,20 @@ class Machine(Cas):
         self.assertEqual(len(application.lignes), 1)
         self.assertIn("libkeltrove-bureau.so manque", application.lignes[0])
 
+    def test_sans_entree_ni_sorties_l_application_tourne(self):
+        """Nos propres fichiers ne doivent pas prendre la place des sorties absentes."""
+        import json
+
+        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "2"})
+        application.avoir_un_bus().preparer()
+        fermer = "exec 0<&- 1>&- 2>&-; exec \"$0\""
+        fini = subprocess.run(["sh", "-c", fermer, application.executable], env=application.environnement(), timeout=30)
+        self.assertEqual(fini.returncode, 0)
+        with open(os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")) as fichier:
+            etapes = [etape["etape"] for etape in json.load(fichier)["etapes"]]
+        self.assertIn("page-contenu", etapes)
+        self.assertEqual(etapes[-1], "arret-fini")
+
     def test_sans_bus_de_session_l_application_tourne(self):
         application = self.application(code=ORDINAIRE, variables={
             "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nulle/part"}).lancer()

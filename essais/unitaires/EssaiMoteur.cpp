@@ -193,6 +193,12 @@ TEST_F(EssaiMoteur, UnAutrePortSeTrouveAuHuitiemeTourAuPlusTotEnIPv4CommeEnIPv6)
   }
 }
 
+TEST_F(EssaiMoteur, UnAutrePortQuiNeRepondPasEnNotreNomNEstPasPris) {
+  const int autre = essais::portLibre();
+  poser("http.createServer((_, r) => r.end('bonjour')).listen(" + std::to_string(autre) + ", '127.0.0.1');");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+}
+
 TEST_F(EssaiMoteur, LePetitEnfantQuiSertEstArreteAvecSonScript) {
   poser("servir(PORT); process.on('SIGTERM', () => { fs.writeFileSync('recu', 'TERM'); process.exit(0); });");
   poserLaPorte("cd keltrove; sh -c 'node serveur.mjs; :' ; true");

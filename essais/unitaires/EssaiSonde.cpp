@@ -179,6 +179,9 @@ TEST_F(EssaiSonde, LaSanteSeLitSansSEtonner) {
   EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":"5"}})"), (Sante{"1", 0}));
   EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":5.5}})"), (Sante{"1", 0}));
   EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":1e300}})"), (Sante{"1", 0}));
+  EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":2147483647}})"), (Sante{"1", 2147483647}));
+  EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":-2147483647}})"), (Sante{"1", -2147483647}));
+  EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":2147483648}})"), (Sante{"1", 0}));
   EXPECT_EQ(santePour(R"({"version":"1","carnet":{"terminaux":true}})"), (Sante{"1", 0}));
   EXPECT_EQ(santePour("[]"), std::nullopt);
   EXPECT_EQ(santePour(""), std::nullopt);

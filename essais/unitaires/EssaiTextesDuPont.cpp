@@ -111,6 +111,13 @@ TEST(EssaiMessageDeLaPage, UneMoitieDeCaractereEstRemplacee) {
   EXPECT_EQ(lireLeMessage(R"({"a":"\ud83d"})"), json({{"a", "\ufffd"}}));
 }
 
+TEST(EssaiMessageDeLaPage, LaPremiereEtLaDerniereDeChaqueMoitieEnSont) {
+  for (const char* moitie : {"\\ud800", "\\udbff", "\\udc00", "\\udfff"})
+    EXPECT_EQ(lireLeMessage("{\"a\":\"" + std::string(moitie) + "\"}"), json({{"a", "\ufffd"}})) << moitie;
+  EXPECT_EQ(lireLeMessage(R"({"a":"\ud800\udc00\udbff\udfff"})"), json({{"a", "\U00010000\U0010ffff"}}));
+  EXPECT_EQ(lireLeMessage(R"({"a":"\ud7ff\ue000"})"), json({{"a", "\ud7ff\ue000"}}));
+}
+
 TEST(EssaiMessageDeLaPage, DesLettresQuiRessemblentAUneMoitieRestent) {
   EXPECT_EQ(lireLeMessage(R"({"a":"xxd83d et xxde00"})"), json({{"a", "xxd83d et xxde00"}}));
 }

@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -168,20 +170,24 @@ void ecrireAuFond(const std::string& dossier, int niveaux, const std::string& no
 }
 
 TEST_F(EssaiHostile, UnCheminPlusLongQueLeSystemeNEnPrendNeCacheRien) {
-  for (const int niveaux : {19, 60}) {
+  // Le deuxième fait tout juste la longueur que le système refuse, sa fin comprise.
+  const std::pair<int, std::string> fonds[] = {
+      {19, "f"}, {20, std::string(PATH_MAX - 20 * 201, 'f')}, {60, "f"}};
+  for (const auto& [niveaux, nom] : fonds) {
     std::string chemin;
     for (int i = 0; i < niveaux; ++i)
       chemin += std::string(200, 'e') + "/";
-    ecrireAuFond(code.dossier(), niveaux, "f");
+    ecrireAuFond(code.dossier(), niveaux, nom);
+    chemin += nom;
     code.signer();
-    EXPECT_EQ(verdict(), "fichier ajouté, non prévu : " + chemin + "f");
-    code.pretendre(chemin + "f", essais::empreinteDe("fond"));
+    EXPECT_EQ(verdict(), "fichier ajouté, non prévu : " + chemin);
+    code.pretendre(chemin, essais::empreinteDe("fond"));
     code.signer();
     EXPECT_EQ(verdict(), "");
-    code.pretendre(chemin + "f", essais::empreinteDe("autre"));
+    code.pretendre(chemin, essais::empreinteDe("autre"));
     code.signer();
-    EXPECT_EQ(verdict(), "fichier modifié : " + chemin + "f");
-    code.pretendre(chemin + "f", essais::empreinteDe("fond"));
+    EXPECT_EQ(verdict(), "fichier modifié : " + chemin);
+    code.pretendre(chemin, essais::empreinteDe("fond"));
   }
 }
 
@@ -270,6 +276,22 @@ TEST(EssaiMemoire, UnFichierRaccourciSousLaLectureEstUnEchec) {
     return true;
   }));
   ::close(fichier);
+}
+
+TEST(EssaiMemoire, UnFichierLuNeTientPlusDePlace) {
+  const essais::DossierSigne code;
+  code.ecrire("f", std::string(8 * 1024 * 1024, 'x'));
+  const auto place = [] {
+    std::ifstream mesures("/proc/self/statm");
+    std::size_t pages = 0;
+    mesures >> pages;
+    return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  };
+  Empreintes(code.dossier()).calculer("f");
+  const auto avant = place();
+  for (int i = 0; i < 20; ++i)
+    Empreintes(code.dossier()).calculer("f");
+  EXPECT_LT(place(), avant + 80UL * 1024 * 1024);
 }
 
 TEST(EssaiEmpreintes, CeQuiVientApresLaTailleAnnonceeEstVu) {
