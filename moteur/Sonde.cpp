@@ -36,7 +36,8 @@ int entierDuCarnet(const nlohmann::json& sante) {
 } // namespace
 
 bool cEstBienKeltrove(int port) {
-  const auto reponse = socle::obtenir({.url = adresse(port, "/"), .inactiviteMaximale = 1.5, .dureeMaximale = 2.5});
+  const auto reponse =
+      socle::obtenir({.url = adresse(port, "/"), .inactiviteMaximale = 1.5, .dureeMaximale = 2.5});
   return reponse && reponse->statut == 200 && reponse->corps.contains("keltrove-jeton") &&
          socle::estUTF8(reponse->corps);
 }
