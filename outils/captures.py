@@ -65,12 +65,39 @@ def probleme(nom, deplier=False, **options):
     avec(Application(**options), jouer)
 
 
+BASHRC = r"PS1='\[\e[1;32m\]ana@poste\[\e[0m\]:\[\e[1;34m\]\w\[\e[0m\]$ '; alias ls='ls --color'; cd ~/projet" + "\n"
+CONSTRUIRE = r"""printf '\e[1mConstruction du jardin\e[0m\n'
+for pas in 'lire le plan' 'tracer les allées' 'semer les haricots' 'arroser'; do
+  printf '  \e[32m✓\e[0m %s\n' "$pas"
+done
+printf '  \e[33m!\e[0m les limaces n’ont pas signé le contrat\n'
+printf '\e[32mTerminé\e[0m en 4 pas, 1 avertissement.\n'
+"""
+
+
+def meubler(application):
+    """De quoi montrer un usage : une invite, un projet, un programme."""
+    for nom in ("plan.md", "haricots.txt", "allées.svg"):
+        os.makedirs(os.path.join(application.maison, "projet/semis"), exist_ok=True)
+        open(os.path.join(application.maison, "projet", nom), "w").close()
+    for nom, contenu in ((".bashrc", BASHRC), ("projet/construire", CONSTRUIRE)):
+        with open(os.path.join(application.maison, nom), "w") as fichier:
+            fichier.write(contenu)
+    os.chmod(os.path.join(application.maison, "projet/construire"), 0o755)
+
+
+def taper(commande):
+    subprocess.run(["xdotool", "type", "--delay", "12", commande + "\n"], check=True)
+
+
 def page_et_bandeau(application):
     application.attendre("page-affichee")
     photographier("bandeau", "#FBFBFC")
     application.attendre("page-contenu")
-    subprocess.run(["xdotool", "type", "--delay", "12", "printf 'Bonjour\\n'; seq -s ' ' 1 12; date +%F\n"],
-                   check=True)
+    taper("ls")
+    touches("ctrl+shift+d")
+    attendre(lambda: len({couleur(x, 500) for x in range(660, 700)}) > 1, quoi="le second terminal, à côté")
+    taper("./construire")
     # Le bandeau dure quatre secondes : c’est la page sans lui que l’on veut.
     attendre(lambda: couleur(600, 825) == couleur(100, 800), quoi="la fin du bandeau")
     photographier("page", "#FBFBFC")
@@ -113,7 +140,9 @@ def attente_et_pas_de_reponse(application):
 def main():
     porte = ('#!/bin/sh\necho "MESSAGE=Le serveur a été mis à jour : version 0.1.0."\n'
              'exec node "$(dirname "$0")/keltrove/serveur.mjs"\n')
-    avec(Application(porte=porte, vrai_serveur=True), page_et_bandeau)
+    application = Application(porte=porte, vrai_serveur=True)
+    meubler(application)
+    avec(application, page_et_bandeau)
     probleme("code-introuvable")
     probleme("lancement-impossible", porte="#!/nulle/part/interprete\n")
     probleme("mort-au-demarrage", deplier=True, code=MORT)
