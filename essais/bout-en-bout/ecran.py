@@ -1,5 +1,6 @@
 """L’écran vu par un lecteur d’écran : ce qui se lit, ce qui se presse."""
 
+import contextlib
 import subprocess
 
 import gi
@@ -21,9 +22,11 @@ def _parcourir(objet):
 def _application(pid):
     bureau = Atspi.get_desktop(0)
     for i in range(bureau.get_child_count()):
-        application = bureau.get_child_at_index(i)
-        if application is not None and application.get_process_id() == pid:
-            return application
+        # Une autre application peut partir pendant la lecture.
+        with contextlib.suppress(gi.repository.GLib.Error):
+            application = bureau.get_child_at_index(i)
+            if application is not None and application.get_process_id() == pid:
+                return application
     return None
 
 

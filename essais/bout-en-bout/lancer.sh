@@ -5,15 +5,15 @@ set -euo pipefail
 ici=$(cd "$(dirname "$0")" && pwd)
 
 if [ -z "${KELTROVE_BUS_D_ESSAI:-}" ]; then
-  export KELTROVE_BUS_D_ESSAI=1
+  # Le dossier personnel d’abord : le bus d’accessibilité y pose sa prise, et deux essais à la fois s’y gêneraient.
+  export KELTROVE_BUS_D_ESSAI=1 HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_CONFIG_HOME
+  HOME=$(mktemp -d)
+  XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache XDG_CONFIG_HOME=$HOME/config
   exec dbus-run-session -- "$0" "$@"
 fi
 
 . "$ici/../../outils/commun.sh"
 export KELTROVE_CONSTRUCTION="${KELTROVE_CONSTRUCTION:-$racine/build/release}"
-export HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_CONFIG_HOME
-HOME=$(mktemp -d)
-XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache XDG_CONFIG_HOME=$HOME/config
 export LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWRITEBYTECODE=1
 # Une construction assainie : les erreurs d’adresse comptent. Les fuites se cherchent dans les essais unitaires : le
 # ramasse-miettes de la page arrête le chercheur de fuites.
