@@ -69,7 +69,7 @@ if [ $rapide = non ]; then
     -essai_endurance -serveur_bavard -CopieInstallee
   dire "Essais de bout en bout de la version livrée…"
   KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" \
-    essai_endurance essai_installation essai_inventaire essai_demarrage essai_vie
+    essai_endurance essai_installation essai_inventaire essai_demarrage essai_vie essai_machine
   dire "Le paquet, contrôlé par l’outil de chacune de ses parties…"
   "$racine/outils/paquet.sh"
   exit
