@@ -56,16 +56,16 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();
   bureau::retirerF7AuxTextes();
-  if (sansBacASable)
-    std::fputs(
-        "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
-        stderr);
-
   const auto boucle = contexte.boucle;
   const auto environnement = contexte.environnement;
   auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));
   bureau::ApplicationGtk application(std::move(moteur), boucle, environnement);
   application.sInscrire();
+  // Une relance qui ne fait que ramener la fenêtre n’a rien à dire.
+  if (sansBacASable && !application.is_remote())
+    std::fputs(
+        "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
+        stderr);
   // Aucun argument n’est pour GTK.
   const int etat = application.run();
   if (application.aRouvrir()) bureau::rouvrir(appel.executable, environnement);

@@ -57,6 +57,12 @@ class Instance(Cas):
         attendre(lambda: active() == str(fenetre), quoi="la fenêtre revenue")
         application.quitter()
 
+    def test_sans_bac_a_sable_la_relancer_ne_le_redit_pas(self):
+        application = self.ouvrir(variables={"PATH": "/nulle/part"})
+        self.assertTrue(any("bac à sable" in ligne for ligne in application.lignes))
+        self.assertEqual(self.relancer(application), (0, ""))
+        application.quitter()
+
     def test_depuis_une_icone_elle_s_ouvre_puis_revient(self):
         """Ni terminal, ni PATH, ni dossier de travail ; le bus est à sa place convenue."""
         application = self.application(code=ORDINAIRE).avoir_un_bus()

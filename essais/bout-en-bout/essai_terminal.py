@@ -92,10 +92,11 @@ class Edition(Terminal):
             return ecran.presse_papiers() == "mot-copie-du-terminal"
 
         attendre(copier, quoi="le mot copié")
-        taper("printf %s ")
+        taper("stty -icanon; cat > recu\n")
+        self.attendre_le_fichier(application, "recu")
         touches("ctrl+shift+v")
-        taper(" > recu\n")
         self.contenu(application, "recu", "mot-copie-du-terminal")
+        touches("ctrl+c")
         application.quitter()
 
 
