@@ -135,16 +135,11 @@ def silence_puis_mort(banc):
 
 # La page.
 def ratee_puis_page(banc):
-    """La page ne s’affiche pas ; une fois la panne réparée, « Réessayer » la rend."""
+    """La page ne s’affiche pas ; une fois la panne réparée, s’il se peut, « Réessayer » la rend."""
     banc.attendre("page-ratee")
     banc.attendre_le_texte("La page de keltrove ne s’affiche pas")
     banc.liberer()
     _la_page_revient(banc)
-
-
-def ratee(banc):
-    """Le programme réseau de WebKit part avec le bus, et avec lui ce qui se chargeait ; l’écran ne se lit plus."""
-    banc.attendre("page-ratee")
 
 
 def refusee_puis_page(banc):
@@ -168,7 +163,7 @@ def rien(banc):
     banc.liberer()
     banc.attendre("page-contenu")
     banc.attendre_les_sondes(1)
-    if "bus" not in vars(banc):  # son écran ne se lit que sur le bus commun
+    if banc.moment != "avant" or "bus" not in vars(banc):  # sans bus au départ, l’écran ne se lit pas
         guetter(lambda: banc.ecran().boutons() == [], quoi="un écran sans problème")
     for mauvaise in MAUVAISES:
         banc.verifier.assertNotIn(mauvaise, banc.application.etapes())

@@ -52,7 +52,7 @@ LANCE = """
     horloge-avance     .saut        rien          rien          rien          rien          fermee
     horloge-recule     .saut        rien          rien          rien          rien          fermee
     page-tuee          .page        .page         .page         ratee>page    ratee>page    fermee
-    bus-parti          rien         rien          rien          ratee         rien          fermee
+    bus-parti          rien         rien          rien          ratee>page    rien          fermee
     ecran-parti        sans-ecran   arret         arret         arret         arret         sans-arret
     compositeur-parti  sans-ecran   arret         arret         arret         arret         sans-arret
     application-tuee   .partie      rattachee     rattachee     rattachee     rattachee     rallumee
@@ -72,7 +72,7 @@ RATTACHE = """
     horloge-avance     .saut        .deja      rien          rien          rien          quittee
     horloge-recule     .saut        .deja      rien          rien          rien          quittee
     page-tuee          .page        .deja      .page         ratee>page    ratee>page    quittee
-    bus-parti          rien         .deja      rien          ratee         rien          quittee
+    bus-parti          rien         .deja      rien          ratee>page    rien          quittee
     ecran-parti        sans-ecran   .deja      sans-toucher  sans-toucher  sans-toucher  .usage
     compositeur-parti  sans-ecran   .deja      sans-toucher  sans-toucher  sans-toucher  .usage
     application-tuee   .partie      .deja      rattachee     rattachee     rattachee     .usage
