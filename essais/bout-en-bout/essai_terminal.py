@@ -31,6 +31,13 @@ class Terminal(Cas):
     def attendre_le_fichier(self, application, nom):
         attendre(lambda: os.path.exists(self.chemin(application, nom)), quoi=f"le fichier {nom}")
 
+    def taper_jusqu_a(self, application, texte, fichier):
+        """Le terminal prend le clavier un peu après la page : on retape jusqu’à ce qu’il réponde."""
+        def essai():
+            taper(texte)
+            return os.path.exists(self.chemin(application, fichier))
+        attendre(essai, quoi=f"le fichier {fichier}")
+
     def contenu(self, application, nom, voulu):
         def lu():
             with open(self.chemin(application, nom)) as fichier:
@@ -105,9 +112,11 @@ class Notifications(Terminal):
         bus = Bus(self)
         service = Service(self, bus)
         application = self.ouvrir(variables=bus.variables)
-        taper("QUI=premier; sleep 2; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
+        taper("QUI=premier; until [ -e qui-second ]; do sleep .1; done; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
         touches("ctrl+shift+t")
-        taper("QUI=second; touch qui-$QUI\n")
+        carnet = self.chemin(application, ".zelcor/keltrove-carnet.json")
+        attendre(lambda: b"Terminal 2" in lire(carnet), quoi="le second terminal ouvert")
+        self.taper_jusqu_a(application, "QUI=second; touch qui-$QUI\n", "qui-second")
         self.attendre_le_fichier(application, "qui-second")
         appel = service.attendre_les_appels(1)
         self.assertEqual(appel[3], "Terminal 1")
@@ -145,10 +154,3 @@ class Retour(Terminal):
         application.attendre("page-contenu", fois=2)
         self.taper_jusqu_a(application, "touch revenu\n", "un dossier/revenu")
         application.quitter()
-
-    def taper_jusqu_a(self, application, texte, fichier):
-        """Le terminal prend le clavier un peu après la page : on retape jusqu’à ce qu’il réponde."""
-        def essai():
-            taper(texte)
-            return os.path.exists(self.chemin(application, fichier))
-        attendre(essai, quoi=f"le fichier {fichier}")
