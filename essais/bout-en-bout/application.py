@@ -38,13 +38,13 @@ def port_libre():
         return prise.getsockname()[1]
 
 
-def attendre(condition, secondes=15, quoi="la condition"):
-    """Pour ce qui n’a pas d’événement à écouter : un pixel, un processus, un fichier."""
+def attendre(condition, secondes=15, quoi="la condition", pas=0.02):
+    """Pour ce qui n’a pas d’événement à écouter : un pixel, un processus, un fichier. « quoi » se dit, ou se calcule."""
     limite = time.monotonic() + secondes
     while not condition():
         if time.monotonic() > limite:
-            raise AssertionError(f"{quoi} : toujours rien au bout de {secondes} s")
-        time.sleep(0.02)
+            raise AssertionError(f"{quoi() if callable(quoi) else quoi} : toujours rien au bout de {secondes} s")
+        time.sleep(pas)
 
 
 def lire(chemin):

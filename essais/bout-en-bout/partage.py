@@ -1,10 +1,11 @@
 """Ce que plusieurs essais menés ensemble se partagent : les places, et la lecture de l’écran."""
 
 import contextlib
+import functools
 import threading
-import time
 
 import ecran
+from application import attendre
 from ecran import Atspi, gi
 
 
@@ -81,10 +82,5 @@ class Lecteur:
         return self._lire(premier)
 
 
-def guetter(condition, secondes=15, quoi="la condition"):
-    """Pour ce qui se lit lentement : l’écran, la liste des processus."""
-    limite = time.monotonic() + secondes
-    while not condition():
-        if time.monotonic() > limite:
-            raise AssertionError(f"{quoi() if callable(quoi) else quoi} : toujours rien au bout de {secondes} s")
-        time.sleep(0.1)
+# Pour ce qui se lit lentement : l’écran, la liste des processus.
+guetter = functools.partial(attendre, pas=0.1)
