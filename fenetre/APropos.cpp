@@ -20,8 +20,9 @@ std::string decrire(Journal::Details etape) {
 
 void masquer(std::string& texte, const std::string& secret) {
   if (secret.empty()) return;
-  for (auto ou = texte.find(secret); ou != std::string::npos; ou = texte.find(secret, ou))
-    texte.replace(ou, secret.size(), "…");
+  const std::string marque = "…";
+  for (auto ou = texte.find(secret); ou != std::string::npos; ou = texte.find(secret, ou + marque.size()))
+    texte.replace(ou, secret.size(), marque);
 }
 
 } // namespace

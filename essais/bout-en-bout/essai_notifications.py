@@ -5,8 +5,9 @@ import subprocess
 import tempfile
 
 from application import SERVEUR, VERT, attendre, couleur, fenetres, lire, touches
+from bus import Bus
 from cas import Cas
-from notifications import PAGE, Bus, Service
+from notifications import PAGE, Service
 from page_notee import attendre_la_note, notes
 
 FICHIER_DES_REGLAGES = "glib-2.0/settings/keyfile"

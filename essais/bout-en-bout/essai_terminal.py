@@ -7,9 +7,10 @@ import tempfile
 
 import ecran
 from application import attendre, fenetres, lire, touches
+from bus import Bus
 from cas import Cas
 from glissement import Source, souris
-from notifications import Bus, Service
+from notifications import Service
 
 
 def taper(texte):

@@ -52,20 +52,26 @@ class Paquet(unittest.TestCase):
         (seule,) = trouvees.stdout.split()
         return seule
 
+    def active(self):
+        return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True).stdout.strip()
+
     def test_elle_ouvre_un_vrai_terminal_et_previent(self):
         self.application.lancer().attendre("page-contenu")
-        subprocess.run(["xdotool", "windowactivate", "--sync", self.fenetre()], check=True)
-        subprocess.run(["xdotool", "type", "echo bonjour > preuve; sleep 2; printf '\\a'"], check=True)
+        keltrove = self.fenetre()
+        subprocess.run(["xdotool", "windowactivate", "--sync", keltrove], check=True)
+        subprocess.run(["xdotool", "type", "echo bonjour > preuve; until [ -e sonner ]; do sleep .1; done; printf '\\a'"], check=True)
         touches("Return")
         attendre(lambda: os.path.exists(os.path.join(MAISON, "preuve")), quoi="ce que le shell a écrit")
-        subprocess.run(["import", "-window", "root", os.environ.get("KELTROVE_IMAGE", "/dev/null")], check=False)
         autre = subprocess.Popen(["xmessage", "-geometry", "900x600+0+0", "devant"])
         self.addCleanup(autre.wait)
         self.addCleanup(autre.kill)
+        attendre(lambda: self.active() not in ("", keltrove), quoi="une autre fenêtre au clavier")
+        open(os.path.join(MAISON, "sonner"), "w").close()
         self.service.attendre_les_appels(1)
         self.assertEqual(self.application.quitter(), 0)
         self.assertIn("Serveur fermé proprement", self.application.details("arret-fini")[0])
-        os.remove(os.path.join(MAISON, "preuve"))
+        for nom in ("preuve", "sonner"):
+            os.remove(os.path.join(MAISON, nom))
 
     def test_un_octet_change_elle_refuse_de_demarrer(self):
         with open(SERVEUR, "r+b") as fichier:

@@ -7,7 +7,6 @@ import threading
 
 import page_notee
 from application import attendre
-from bus import Bus  # noqa: F401 : les essais le prennent d’ici
 
 ICI = os.path.dirname(os.path.abspath(__file__))
 

@@ -12,7 +12,7 @@ from collections.abc import Callable
 
 from application import commande, port_libre
 from banc_de_fautes import CADRE
-from notifications import Bus
+from bus import Bus
 from partage import guetter
 
 

@@ -36,6 +36,11 @@ TEST(EssaiAPropos, LeJetonNeParaitJamais) {
   EXPECT_TRUE(texte.contains("titre=voici …, et ……\n")) << texte;
 }
 
+TEST(EssaiAPropos, UnJetonQuiRessembleASonMasqueNArretePasLaLecture) {
+  const std::vector<Details> etapes{{{"etape", "page-contenu"}, {"seconde", 1.0}, {"titre", "voici…"}}};
+  EXPECT_TRUE(APropos::journal("", etapes, "…").ends_with("titre=voici…\n"));
+}
+
 TEST(EssaiAPropos, UnJetonVideNeMasqueRien) {
   const std::vector<Details> etapes{{{"etape", "allume"}, {"seconde", 1.0}}};
   EXPECT_EQ(APropos::journal("", etapes, ""), APropos::journal("", etapes, std::nullopt));
