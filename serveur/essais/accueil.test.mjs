@@ -1,5 +1,6 @@
 import assert from 'node:assert/strict';
-import { mkdirSync, readFileSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { readFileSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { test } from 'node:test';
 import WebSocket from 'ws';
 import { arreter, demander, lancer, Page, preparerMaison, unEvenement } from './outils.mjs';
@@ -46,17 +47,21 @@ test('le jeton est créé une fois, privé, puis repris', async (t) => {
   assert.equal(lireJeton(maison), jeton);
 });
 
-test('un jeton blanc est remplacé, un jeton donné est repris sans ses blancs', async (t) => {
+test('un jeton donné est repris sans ses blancs ; trop court ou mal écrit, il est remplacé', async (t) => {
   const maison = await preparerMaison(t);
-  writeFileSync(maison.cheminJeton, ' \n');
-  const premier = await lancer(t, maison);
-  assert.match(lireJeton(maison), /^[0-9a-f]{64}$/);
-  await arreter(premier);
-  writeFileSync(maison.cheminJeton, '\n  a"b  \n');
-  const { port } = await lancer(t, maison);
+  const donner = async (jeton) => {
+    writeFileSync(maison.cheminJeton, jeton, { mode: 0o600 });
+    return lancer(t, maison);
+  };
+  for (const mauvais of [' \n', 'x'.repeat(31), `${'x'.repeat(40)} y`, `${'x'.repeat(40)}\u00e9`]) {
+    await arreter(await donner(mauvais));
+    assert.match(lireJeton(maison), /^[0-9a-f]{64}$/, mauvais);
+  }
+  const bon = `a"b${'c'.repeat(29)}`;
+  const { port } = await donner(`\n  ${bon}  \n`);
   const { corps } = await demander(port, '/');
-  assert.ok(corps.includes('content="a&#34;b"'));
-  assert.equal((await demander(port, '/api/sante', { entetes: { 'x-keltrove-jeton': 'a"b' } })).statut, 200);
+  assert.ok(corps.includes(`content="a&#34;b${'c'.repeat(29)}"`));
+  assert.equal((await demander(port, '/api/sante', { entetes: { 'x-keltrove-jeton': bon } })).statut, 200);
 });
 
 test('la santé ne se dit qu’avec le jeton', async (t) => {
@@ -102,9 +107,9 @@ test('la liaison refuse une origine d’ailleurs, ou absente, et un jeton faux',
 
 test('une erreur imprévue se dit en une phrase', async (t) => {
   const maison = await preparerMaison(t);
-  // Un dossier à la place du jeton ne se lit pas et ne se remplace pas.
-  mkdirSync(maison.cheminJeton);
-  const serveur = await lancer(t, maison);
+  const faute = join(maison.maison, 'faute.cjs');
+  writeFileSync(faute, "setTimeout(() => { throw new Error('pas de chance\\nni de suite'); }, 1);");
+  const serveur = await lancer(t, maison, { env: { NODE_OPTIONS: `--require "${faute}"` } });
   assert.deepEqual(await serveur.fin, { code: 1, signal: null });
   assert.match(serveur.sortie, /^keltrove s’arrête sur une erreur imprévue : [^\n]+\n$/);
 });

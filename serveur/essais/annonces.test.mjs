@@ -5,7 +5,7 @@ import { Annonces } from '../lib/Annonces.mjs';
 
 function lire(...morceaux) {
   const dossiers = [];
-  const annonces = new Annonces((chemin) => dossiers.push(chemin));
+  const annonces = new Annonces({ quandDossier: (chemin) => dossiers.push(chemin) });
   for (const morceau of morceaux) annonces.lire(morceau);
   return { titre: annonces.titre, dossiers };
 }

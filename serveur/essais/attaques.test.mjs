@@ -33,12 +33,12 @@ async function essayerUnePrise(t, port, entetes, premier) {
   return { fin: await new Promise((suite) => socket.once('close', suite)), recus };
 }
 
-test('le serveur n’écoute que sur 127.0.0.1', { skip: !existsSync('/proc/net/tcp') && 'seul Linux le dit' }, async (t) => {
+test('le serveur n’écoute que sur les deux adresses de localhost', { skip: !existsSync('/proc/net/tcp') && 'seul Linux le dit' }, async (t) => {
   const { port } = await lancerUneCible(t);
   const hexa = port.toString(16).toUpperCase().padStart(4, '0');
   const ecoutes = ['/proc/net/tcp', '/proc/net/tcp6'].filter(existsSync).flatMap((chemin) => readFileSync(chemin, 'utf8').split('\n'))
     .map((ligne) => ligne.trim().split(/\s+/)).filter(([, local, , etat]) => etat === '0A' && local.endsWith(`:${hexa}`));
-  assert.deepEqual(ecoutes.map(([, local]) => local), [`0100007F:${hexa}`]);
+  assert.deepEqual(ecoutes.map(([, local]) => local), [`0100007F:${hexa}`, `${'0'.repeat(24)}01000000:${hexa}`]);
 });
 
 test('un nom étranger ramené sur cette machine n’obtient rien, surtout pas le jeton', async (t) => {

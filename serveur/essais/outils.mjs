@@ -45,12 +45,14 @@ export async function trouverUnPort() {
   return port;
 }
 
-// Le vrai serveur, prêt : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
-export async function lancer(t, { maison, serveurs }) {
-  const processus = spawn(process.execPath, ['serveur.mjs'], {
+// Le vrai serveur, prêt, sous un autre compte ou précédé d’une autre commande si on le veut : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
+export async function lancer(t, { maison, serveurs }, { env = {}, uid, avant = [] } = {}) {
+  const [programme, ...arguments_] = [...avant, process.execPath, 'serveur.mjs'];
+  const processus = spawn(programme, arguments_, {
+    uid,
     cwd: DOSSIER_DU_SERVEUR,
     // Un interpréteur qui finit après son serveur ne doit plus rien écrire dans la maison.
-    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null' },
+    env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null', ...env },
     stdio: ['ignore', 'pipe', 'pipe'],
   });
   const serveur = { processus, sortie: '', port: null };

@@ -255,6 +255,7 @@ essai('une reprise se relit à la taille où elle fut écrite, puis se replie', 
   await lancerUneLigne(page, "clear; printf 'a\\r\\e[99Cfin\\n'");
   await page.attendreLeTexte('/^a {98}fin *$/m');
   await page.demander('Page.navigate', { url: 'about:blank' });
+  await page.attendre("location.href === 'about:blank'");
   await page.demander('Emulation.setDeviceMetricsOverride', { width: 500, height: 400, deviceScaleFactor: 1, mobile: false });
   await page.demander('Page.navigate', { url: `http://localhost:${page.serveur.port}/` });
   // Relu trop étroit, le mot aurait buté sur le bord : « f », puis « in » à la ligne.

@@ -10,6 +10,7 @@ const RETARD_BAS = 256 * 1024;
 // En octets, tous terminaux ensemble.
 const RETARD_ABANDON = 32 * 1024 * 1024;
 
+const SANS_PLACE = 'Le système n’a pas de quoi ouvrir un terminal de plus. Fermez des programmes, puis réessayez.';
 const CODES = { arret: 1001, illisible: 4400, jeton: 4401 };
 
 // Relie les pages ouvertes aux terminaux, et retient un terminal bavard tant qu’aucune page ne suit.
@@ -17,28 +18,36 @@ export class Liaison {
   #portier;
   #terminaux;
   #pages = new Set();
-  #listeDite = '';
+  // La page où l’on a agi en dernier : elle seule répond aux questions que des programmes posent au terminal.
+  #interlocutrice = null;
   #avis = [];
+  #alerte = null;
 
-  constructor({ serveur, terminaux, jeton }) {
+  // `quandReconnue(prise)` : une page y a montré le jeton.
+  constructor({ serveur, terminaux, jeton, quandReconnue }) {
     this.#terminaux = terminaux;
     const portier = { server: serveur, maxPayload: TAILLE_MAXIMALE, verifyClient: verifier, WebSocket: Page };
-    this.#portier = new WebSocketServer(portier).on('connection', (page) => this.#attendreLeJeton(page, jeton));
+    this.#portier = new WebSocketServer(portier).on('connection', (page, { socket }) => {
+      this.#attendreLeJeton(page, jeton, () => quandReconnue(socket));
+    });
   }
 
-  // Un titre ou un dossier change sans bruit : on compare.
   diffuserLaListe() {
-    const liste = { type: 'liste', terminaux: this.#terminaux.pourLaPage() };
-    const dite = JSON.stringify(liste);
-    if (dite === this.#listeDite) return;
-    this.#listeDite = dite;
-    for (const page of this.#pages) page.envoyer(liste);
+    this.#diffuser({ type: 'liste', terminaux: this.#terminaux.pourLaPage() });
+  }
+
+  // Ce qui ne va pas et dure : aux pages ouvertes et à venir, jusqu’à ce que l’on rappelle sans texte. Vrai si c’est neuf.
+  alerter(texte) {
+    if (texte === this.#alerte) return false;
+    this.#alerte = texte;
+    this.#diffuser({ type: 'alerte', texte });
+    return true;
   }
 
   // Une seule fois : aux pages ouvertes, sinon à la première qui viendra.
   aviser(texte) {
     if (this.#pages.size === 0) this.#avis.push(texte);
-    for (const page of this.#pages) page.envoyer({ type: 'avis', texte });
+    this.#diffuser({ type: 'avis', texte });
   }
 
   diffuserLaSortie(terminal, texte) {
@@ -55,8 +64,12 @@ export class Liaison {
     for (const page of this.#portier.clients) page.close(CODES.arret);
   }
 
+  #diffuser(message) {
+    for (const page of this.#pages) page.envoyer(message);
+  }
+
   // Le jeton vient en premier message : dans l’adresse, il finirait dans des journaux.
-  #attendreLeJeton(page, jeton) {
+  #attendreLeJeton(page, jeton, quandReconnue) {
     const minuteur = setTimeout(() => page.close(CODES.jeton), DELAI_DU_JETON);
     page.on('error', () => page.terminate());
     page.on('close', () => clearTimeout(minuteur));
@@ -64,6 +77,7 @@ export class Liaison {
       clearTimeout(minuteur);
       const message = lireMessage(donnees);
       if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return page.close(CODES.jeton);
+      quandReconnue();
       this.#recevoir(page);
     });
   }
@@ -79,9 +93,11 @@ export class Liaison {
     });
     page.on('close', () => {
       this.#pages.delete(page);
+      if (this.#interlocutrice === page) this.#interlocutrice = null;
       for (const terminal of this.#terminaux.liste) this.#reglerLeDebit(terminal);
     });
-    page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage() });
+    this.#terminaux.relever();
+    page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage(), alerte: this.#alerte });
     for (const { id, tampon } of this.#terminaux.liste) page.envoyerDuTexte('reprise', id, tampon.rejouer());
     page.reprise = page.bufferedAmount;
     this.#pages.add(page);
@@ -94,7 +110,19 @@ export class Liaison {
     const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe } : {};
     const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
     if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
-    else page.envoyer({ type: 'avis', texte: 'Impossible d’ouvrir un terminal de plus.' });
+    else page.envoyer({ type: 'avis', texte: SANS_PLACE });
+  }
+
+  #saisir(terminal, { id, texte }, page) {
+    if (typeof texte !== 'string') return;
+    const gardee = terminal.saisir(texte, () => page.envoyer({ type: 'lu', id, nombre: texte.length }));
+    if (!gardee) this.#abandonner(terminal);
+  }
+
+  // Un programme qui ne lit plus : la moitié d’un collage lui ferait plus de mal que rien du tout.
+  #abandonner(terminal) {
+    terminal.oublierLaSaisie();
+    this.#diffuser({ type: 'sourd', id: terminal.id });
   }
 
   #demandes = new Map(Object.entries({
@@ -103,7 +131,17 @@ export class Liaison {
       if (programme) page.envoyer({ type: 'occupe', id, programme });
       else this.#terminaux.fermer(terminal);
     },
-    saisie: (terminal, { texte }) => typeof texte === 'string' && terminal.saisir(texte),
+    rouvrir: (terminal, _, page) => {
+      if (!this.#terminaux.rouvrir(terminal)) page.envoyer({ type: 'avis', texte: SANS_PLACE });
+    },
+    saisie: (terminal, message, page) => {
+      this.#interlocutrice = page;
+      this.#saisir(terminal, message, page);
+    },
+    reponse: (terminal, message, page) => {
+      if ((this.#interlocutrice ??= page) === page) this.#saisir(terminal, message, page);
+    },
+    abandon: (terminal) => this.#abandonner(terminal),
     taille: (terminal, { colonnes, lignes }) => terminal.dimensionner(colonnes, lignes),
     renommer: (terminal, { nom }) => this.#terminaux.renommer(terminal, nom),
     deplacer: (terminal, { rang }) => this.#terminaux.deplacer(terminal, rang),

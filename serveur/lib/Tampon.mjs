@@ -1,6 +1,11 @@
 const BORNE = 500_000;
 const MARGE = 50_000;
 
+// Les modes privés qu’un terminal connaît : tout autre numéro ne change rien à l’écran, et il y en a sans fin.
+const MODES_CONNUS = new Set([
+  1, 3, 6, 7, 9, 12, 25, 45, 47, 66, 67, 1000, 1002, 1003, 1004, 1005, 1006, 1015, 1016, 1047, 1048, 1049, 2004, 2026,
+].map(String));
+
 // Ce qu’on rejoue à une page qui s’ouvre : la fin de la sortie et, de ce qui a été oublié, les modes encore en vigueur.
 export class Tampon {
   #texte = '';
@@ -34,6 +39,6 @@ export class Tampon {
 // Écran de remplacement, souris, collage encadré… : sans eux, un éditeur ouvert reviendrait dans le mauvais écran.
 function retenirLesModes(modes, oublie) {
   for (const [, numeros, etat] of oublie.matchAll(/\x1b\[\?([\d;]+)([hl])/g)) {
-    for (const numero of numeros.split(';')) modes.set(numero, etat);
+    for (const numero of numeros.split(';')) if (MODES_CONNUS.has(numero)) modes.set(numero, etat);
   }
 }

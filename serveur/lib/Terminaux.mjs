@@ -5,53 +5,67 @@ import { Terminal } from './Terminal.mjs';
 const MAXIMUM = 50;
 const LONGUEUR_DES_NOMS = 60;
 const DUREE_D_UN_VRAI_USAGE = 1000;
+// En millisecondes.
+const DELAI_D_UN_RELEVE = 500;
+const DELAI_D_UNE_ANNONCE = 100;
 const NOM_D_OFFICE = /^Terminal \d+$/;
 
+const ranger = ({ id, nom, groupe, dossier }) => ({ id, nom, groupe, dossier });
 const nouvelId = () => randomBytes(6).toString('hex');
 const estUnId = (valeur) => typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
 
-// Les terminaux ouverts, dans l’ordre des onglets. Il en reste toujours un, sauf pendant l’arrêt.
-// Ceux qui se suivent et sont du même groupe se montrent côte à côte.
+// Les terminaux, dans l’ordre des onglets. Il en reste toujours un, sauf pendant l’arrêt ; éteint, quand le système n’a
+// pas de quoi l’ouvrir. Ceux qui se suivent et sont du même groupe se montrent côte à côte.
+//
+// `quandListeChange` : ce que montre une page. `quandRangementChange` : noms, dossiers et ordre, que garde le carnet.
 export class Terminaux {
   quandSortie = () => {};
   quandListeChange = () => {};
+  quandRangementChange = () => {};
   liste = [];
   #enArret = false;
+  #releve = null;
+  #heureDuReleve = Infinity;
+  #listeRelevee = '';
+  #rangementReleve = '';
 
+  // Ce qui ne peut pas s’ouvrir reste, éteint, tel que le carnet l’a gardé.
   restaurer(entrees) {
     for (const { id, nom, dossier, groupe, lignes } of entrees) {
-      this.ouvrir({ id, nom, dossier, groupe: estUnId(groupe) ? groupe : nouvelId(), lignesPassees: lignes });
+      this.#allumer(this.#creer({ id, nom, dossier, groupe: estUnId(groupe) ? groupe : nouvelId(), lignesPassees: lignes }));
     }
-    if (this.liste.length === 0) this.ouvrir();
+    this.#garderUnTerminal();
+    this.relever();
   }
 
   // Rend le terminal, ou rien quand il n’y a plus de place ici ou dans le système.
-  ouvrir({ id, nom, groupe = nouvelId(), apres = this.liste.at(-1), ...reste } = {}) {
-    if (this.#enArret || this.liste.length >= MAXIMUM) return null;
-    // Un identifiant gardé au carnet laisse la page retrouver son onglet après un redémarrage.
-    const sien = estUnId(id) && !this.trouver(id) ? id : nouvelId();
-    const identite = { id: sien, nom: nettoyer(nom) || this.#choisirUnNom(), groupe };
-    const terminal = essayer(() => new Terminal({ ...identite, ...reste }));
-    if (!terminal) return null;
-    const naissance = performance.now();
-    terminal.quandSortie = (texte) => this.quandSortie(terminal, texte);
-    terminal.quandFin = () => this.#quandTerminalFini(terminal, performance.now() - naissance);
-    this.liste.splice(this.liste.indexOf(apres) + 1, 0, terminal);
-    this.quandListeChange();
-    return terminal;
+  ouvrir({ apres, ...description } = {}) {
+    const terminal = this.#creer(description, apres);
+    const allume = this.#allumer(terminal);
+    if (allume) this.relever();
+    else this.#oter(terminal);
+    return allume ? terminal : null;
+  }
+
+  // Faux quand il n’y a toujours pas de place.
+  rouvrir(terminal) {
+    const allume = this.#allumer(terminal);
+    this.relever();
+    return allume;
   }
 
   fermer(terminal) {
-    this.#retirer(terminal);
+    this.#oter(terminal);
     terminal.raccrocher();
-    if (this.liste.length === 0) this.ouvrir();
+    this.#garderUnTerminal();
+    this.relever();
   }
 
   // Un nom vide rend le terminal au titre que l’interpréteur lui donne.
   renommer(terminal, nom) {
     if (typeof nom !== 'string') return;
     terminal.nom = nettoyer(nom) || this.#choisirUnNom();
-    this.quandListeChange();
+    this.relever();
   }
 
   deplacer(terminal, rang) {
@@ -63,7 +77,7 @@ export class Terminaux {
     else if (terminal.groupe !== avant && terminal.groupe !== apres) terminal.groupe = nouvelId();
     autres.splice(rang, 0, terminal);
     this.liste = autres;
-    this.quandListeChange();
+    this.relever();
   }
 
   // Seul, le terminal se range à côté de son voisin ; déjà à côté d’un autre, il reprend toute la place.
@@ -72,7 +86,7 @@ export class Terminaux {
     const voisins = [this.liste[rang - 1], this.liste[rang + 1]].filter(Boolean);
     const accole = voisins.some(({ groupe }) => groupe === terminal.groupe);
     terminal.groupe = accole ? nouvelId() : voisins[0]?.groupe ?? terminal.groupe;
-    this.quandListeChange();
+    this.relever();
   }
 
   trouver(id) {
@@ -80,38 +94,91 @@ export class Terminaux {
   }
 
   pourLaPage() {
-    return this.liste.map(({ id, nom, annonces: { titre }, groupe, dossier, colonnes, lignes }) => (
-      { id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes }
+    return this.liste.map(({ id, nom, annonces: { titre }, groupe, dossier, colonnes, lignes, ouvert }) => (
+      { id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes, ouvert }
     ));
   }
 
-  pourLeCarnet() {
-    return Promise.all(this.liste.map(async (terminal) => {
-      const { id, nom, groupe, dossier } = terminal;
-      return { id, nom, groupe, dossier, lignes: await terminal.dernieresLignes() };
-    }));
+  // L’un après l’autre : relire vingt terminaux d’un trait retarderait les touches.
+  async pourLeCarnet({ relireLesLignes }) {
+    const entrees = [];
+    for (const terminal of this.liste) {
+      entrees.push({ ...ranger(terminal), lignes: await terminal.dernieresLignes({ relire: relireLesLignes }) });
+    }
+    return entrees;
   }
 
   // Tenue quand tous les interpréteurs ont fini ; l’appelant décide combien de temps il attend.
   raccrocher() {
     this.#enArret = true;
-    return Promise.all(this.liste.map((terminal) => new Promise((suite) => {
+    clearTimeout(this.#releve);
+    return Promise.all(this.liste.filter(({ ouvert }) => ouvert).map((terminal) => new Promise((suite) => {
       terminal.quandFin = suite;
       terminal.raccrocher();
     })));
   }
 
-  #quandTerminalFini(terminal, duree) {
-    if (!this.liste.includes(terminal)) return;
-    this.#retirer(terminal);
-    // Un interpréteur qui refuse de démarrer ne doit pas être relancé sans répit.
-    const patience = Math.max(0, DUREE_D_UN_VRAI_USAGE - duree);
-    setTimeout(() => this.liste.length === 0 && this.ouvrir(), patience);
+  #creer({ id, nom, groupe = nouvelId(), ...reste }, apres = this.liste.at(-1)) {
+    // Un identifiant gardé au carnet laisse la page retrouver son onglet après un redémarrage.
+    const sien = estUnId(id) && !this.trouver(id) ? id : nouvelId();
+    const terminal = new Terminal({ id: sien, nom: nettoyer(nom) || this.#choisirUnNom(), groupe, ...reste });
+    terminal.quandAnnonce = () => this.#prevoirUnReleve(DELAI_D_UNE_ANNONCE);
+    terminal.quandSortie = (texte) => {
+      // L’interpréteur a pu changer de dossier, ce qu’il n’annonce pas.
+      this.#prevoirUnReleve(DELAI_D_UN_RELEVE);
+      this.quandSortie(terminal, texte);
+    };
+    this.liste.splice(this.liste.indexOf(apres) + 1, 0, terminal);
+    return terminal;
   }
 
-  #retirer(terminal) {
+  #garderUnTerminal() {
+    if (this.liste.length === 0 && !this.#enArret) this.#allumer(this.#creer({}));
+  }
+
+  #allumer(terminal) {
+    if (terminal.ouvert) return true;
+    if (this.#enArret || this.liste.filter(({ ouvert }) => ouvert).length >= MAXIMUM) return false;
+    const naissance = performance.now();
+    terminal.quandFin = () => this.#quandTerminalFini(terminal, performance.now() - naissance);
+    return essayer(() => terminal.ouvrir() ?? true, false);
+  }
+
+  #quandTerminalFini(terminal, duree) {
+    if (!this.liste.includes(terminal)) return;
+    this.#oter(terminal);
+    this.relever();
+    // Un interpréteur qui refuse de démarrer ne doit pas être relancé sans répit.
+    const patience = Math.max(0, DUREE_D_UN_VRAI_USAGE - duree);
+    setTimeout(() => {
+      this.#garderUnTerminal();
+      this.relever();
+    }, patience);
+  }
+
+  #oter(terminal) {
     this.liste = this.liste.filter((autre) => autre !== terminal);
-    this.quandListeChange();
+  }
+
+  #prevoirUnReleve(delai) {
+    const heure = performance.now() + delai;
+    if (this.#enArret || heure >= this.#heureDuReleve) return;
+    clearTimeout(this.#releve);
+    this.#heureDuReleve = heure;
+    this.#releve = setTimeout(() => this.relever(), delai);
+  }
+
+  // Dit à chacun ce qui a changé pour lui, et rien d’autre : un titre n’est pas gardé, une ligne ne se montre pas ici.
+  // Une page qui vient se fait décrire la liste juste après : les autres et elle en sont alors au même point.
+  relever() {
+    clearTimeout(this.#releve);
+    this.#heureDuReleve = Infinity;
+    const [liste, rangement] = [this.pourLaPage(), this.liste.map(ranger)].map((valeur) => JSON.stringify(valeur));
+    const [listeChange, rangementChange] = [liste !== this.#listeRelevee, rangement !== this.#rangementReleve];
+    this.#listeRelevee = liste;
+    this.#rangementReleve = rangement;
+    if (listeChange) this.quandListeChange();
+    if (rangementChange) this.quandRangementChange();
   }
 
   #choisirUnNom() {

@@ -1,14 +1,15 @@
 import { timingSafeEqual } from 'node:crypto';
-import { estDUnAutreCompte } from './clients.mjs';
 
 const NOMS_DE_LA_MACHINE = ['localhost', '127.0.0.1', '[::1]'];
 
 // Ce qui ferme la porte, en une phrase ; rien quand elle est ouverte. De la page qui demande une liaison, un navigateur
 // dit toujours l’origine ; de celle qui demande un fichier, seulement quand elle est d’ailleurs.
-export function raisonDuRefus({ socket, headers: { host, origin } }, { origineExigee = false } = {}) {
-  if (estDUnAutreCompte(socket)) return 'Cette page appartient à un autre compte de cette machine.';
+export function raisonDuRefus({ socket, headers }, { origineExigee = false } = {}) {
+  const { host, origin } = headers;
   // Un nom étranger qui pointerait sur cette machine ne doit pas faire lire la page, et donc le jeton, à un autre site.
   if (!estDIci(`http://${host}`, socket.localPort)) return 'Adresse refusée.';
+  // Un autre site ne fait ni lire ni même ouvrir cette page : ni cadre, ni image, ni lien.
+  if (headers['sec-fetch-site'] === 'cross-site') return 'Demande venue d’un autre site : refusée.';
   const admise = origin === undefined ? !origineExigee : estDIci(origin, socket.localPort);
   return admise ? null : 'Origine refusée.';
 }

@@ -15,6 +15,11 @@ const CHEMINS = [
   ['/xterm/xterm.css', trouverModule('@xterm/xterm/css/xterm.css')],
 ];
 const enAttribut = (texte) => texte.replace(/[&<>"']/g, (signe) => `&#${signe.charCodeAt(0)};`);
+// Ce que la page ne demandera jamais, et que rien de ce qui s’y glisserait n’obtiendra.
+const SANS_USAGE = [
+  'accelerometer', 'bluetooth', 'camera', 'display-capture', 'geolocation', 'gyroscope', 'hid', 'magnetometer', 'microphone',
+  'midi', 'payment', 'serial', 'usb', 'xr-spatial-tracking',
+];
 const TYPES = { '.css': 'text/css', '.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript' };
 
 // Répond aux demandes de page, de fichiers et de santé.
@@ -33,7 +38,7 @@ export function creerLAccueil({ jeton, direLaSante }) {
     if (!lecture) return envoyer(reponse, 405, 'Méthode refusée.\n', { Allow: 'GET, HEAD' });
     const route = requete.url.split('?')[0];
     const { corps, type } = fichiers.get(route) ?? {};
-    const entetes = route === '/' ? { 'Content-Security-Policy': politique(requete.headers.host) } : {};
+    const entetes = route === '/' ? entetesDeLaPage(requete.headers.host) : {};
     if (corps) return envoyer(reponse, 200, corps, entetes, type);
     const connu = jetonJuste(requete.headers['x-keltrove-jeton'], jeton);
     if (!connu) return envoyer(reponse, 401, 'Jeton absent ou faux.\n');
@@ -53,6 +58,15 @@ function envoyer(reponse, statut, corps, entetes = {}, type = 'text/plain') {
     ...entetes,
   });
   reponse.end(corps);
+}
+
+function entetesDeLaPage(hote) {
+  return {
+    'Content-Security-Policy': politique(hote),
+    'Cross-Origin-Opener-Policy': 'same-origin',
+    'Permissions-Policy': SANS_USAGE.map((nom) => `${nom}=()`).join(', '),
+    'X-Frame-Options': 'DENY',
+  };
 }
 
 function politique(hote) {

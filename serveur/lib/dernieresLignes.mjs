@@ -1,11 +1,21 @@
+import { bornerLesRepetitions } from '../page/bornes.js';
+
 export const NOMBRE_DE_LIGNES = 200;
+// Relue d’un trait, une longue sortie retarderait les touches de tous les terminaux.
+const MORCEAU = 4096;
+
+// Dès le lancement : le jour où les descripteurs manqueraient, il serait trop tard.
+const bibliotheque = import('@xterm/headless');
 
 // Le texte, sans couleurs ni curseur, que cette sortie laisse à l’écran ; rien tant qu’un programme occupe l’écran de
 // remplacement, qui disparaîtra avec lui. Seul un vrai terminal sait ce que deviennent les lignes éditées.
 export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
-  const { default: { Terminal } } = await import('@xterm/headless');
+  const { default: { Terminal } } = await bibliotheque;
   const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
-  await new Promise((suite) => terminal.write(sortie, suite));
+  bornerLesRepetitions(terminal);
+  for (let debut = 0; debut < sortie.length; debut += MORCEAU) {
+    await new Promise((suite) => terminal.write(sortie.slice(debut, debut + MORCEAU), suite));
+  }
   const tampon = terminal.buffer.active;
   const lues = [];
   for (let rang = 0; rang < tampon.length; rang += 1) {

@@ -1,48 +1,89 @@
 import { randomBytes } from 'node:crypto';
-import { chmodSync, mkdirSync, readdirSync, readFileSync, renameSync, rmSync, writeFileSync } from 'node:fs';
+import {
+  chmodSync, closeSync, constants, fchmodSync, fstatSync, mkdirSync, openSync, readdirSync, readFileSync, readlinkSync, renameSync, rmSync,
+  statSync, writeFileSync,
+} from 'node:fs';
 import { open, rename, rm } from 'node:fs/promises';
 import { userInfo } from 'node:os';
-import { join } from 'node:path';
+import { basename, dirname, join, resolve } from 'node:path';
 import { essayer } from '../page/essayer.js';
 
 const PORT_PAR_DEFAUT = 7777;
-const PROVISOIRE = /^keltrove-(carnet\.json|jeton)\.[0-9a-f]{8}\.tmp$/;
+const LIENS_MAXIMUM = 40;
+const POUR_LES_AUTRES = 0o077;
+// Ce que ce serveur crée lui-même en fait le double.
+const JETON = /^[!-~]{32,4096}$/;
+const MARQUE_DE_PROVISOIRE = /\.[0-9a-f]{8}\.tmp$/;
 
 // L’application et le serveur doivent tomber sur le même dossier : un HOME vide ne compte pas.
 export const maison = () => process.env.HOME || userInfo().homedir;
 export const auDossierCache = (nom = '') => join(maison(), '.zelcor', nom);
 
 const nommerUnProvisoire = (chemin) => `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
+const estANous = ({ uid }) => process.getuid === undefined || uid === process.getuid();
 
-// Prêt à servir, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
+// Le fichier au bout d’un lien, même s’il n’existe pas encore : écrire doit laisser le lien en place.
+export function suivreLesLiens(chemin, reste = LIENS_MAXIMUM) {
+  const cible = reste > 0 ? essayer(() => readlinkSync(chemin)) : null;
+  return cible === null ? chemin : suivreLesLiens(resolve(dirname(chemin), cible), reste - 1);
+}
+
+// Prêt à servir, s’il peut l’être, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
 export function preparerLeDossierCache() {
-  mkdirSync(auDossierCache(), { recursive: true, mode: 0o700 });
-  const provisoires = readdirSync(auDossierCache()).filter((nom) => PROVISOIRE.test(nom));
-  for (const nom of provisoires) rmSync(auDossierCache(nom), { force: true });
+  essayer(() => mkdirSync(auDossierCache(), { recursive: true, mode: 0o700 }));
+  const etat = essayer(() => statSync(auDossierCache()));
+  if (etat && estANous(etat) && (etat.mode & POUR_LES_AUTRES) !== 0) essayer(() => chmodSync(auDossierCache(), 0o700));
+  for (const nom of ['keltrove-carnet.json', 'keltrove-jeton']) balayer(suivreLesLiens(auDossierCache(nom)));
+}
+
+function balayer(chemin) {
+  const noms = essayer(() => readdirSync(dirname(chemin)), []);
+  const estSonProvisoire = (nom) => nom.replace(MARQUE_DE_PROVISOIRE, '') === basename(chemin) && nom !== basename(chemin);
+  for (const nom of noms.filter(estSonProvisoire)) essayer(() => rmSync(join(dirname(chemin), nom), { force: true }));
 }
 
 // Mêmes règles que l’application, qui attend le serveur sur le port qu’elle lit elle-même dans ce fichier.
 export function portSouhaite() {
-  const port = essayer(() => JSON.parse(readFileSync(auDossierCache('keltrove.json'), 'utf8')).port);
+  const port = essayer(() => JSON.parse(lireUnFichier(auDossierCache('keltrove.json')).texte).port);
   return Number.isInteger(port) && port >= 1 && port <= 65535 ? port : PORT_PAR_DEFAUT;
 }
 
+// Un jeton que d’autres ont pu lire, ou choisir, ne protège plus rien : il est remplacé. Celui qui ne peut pas s’écrire
+// sert quand même, à ce seul serveur.
 export function lireOuCreerJeton() {
   const chemin = auDossierCache('keltrove-jeton');
-  const connu = lirePrive(chemin)?.trim();
-  if (connu) return connu;
+  const garde = essayer(() => lireUnFichier(chemin));
+  const connu = garde && estANous(garde) && (garde.mode & POUR_LES_AUTRES) === 0 ? garde.texte.trim() : '';
+  if (JETON.test(connu)) return { jeton: connu, faute: null };
   const neuf = randomBytes(32).toString('hex');
   const provisoire = nommerUnProvisoire(chemin);
-  writeFileSync(provisoire, `${neuf}\n`, { flag: 'wx', mode: 0o600 });
-  renameSync(provisoire, chemin);
-  return neuf;
+  try {
+    writeFileSync(provisoire, `${neuf}\n`, { flag: 'wx', mode: 0o600 });
+    renameSync(provisoire, chemin);
+    return { jeton: neuf, faute: null };
+  } catch (faute) {
+    essayer(() => rmSync(provisoire, { force: true }));
+    return { jeton: neuf, faute };
+  }
 }
 
 // Copié ou restauré, un fichier peut revenir lisible de tous : il redevient privé. Rien s’il n’existe pas.
 export function lirePrive(chemin) {
+  return lireUnFichier(chemin, (fichier) => essayer(() => fchmodSync(fichier, 0o600)))?.texte ?? null;
+}
+
+// Un tube ou un périphérique mis à la place d’un fichier ferait attendre son ouverture, ou n’aurait pas de fin.
+function lireUnFichier(chemin, preparer = () => {}) {
   try {
-    chmodSync(chemin, 0o600);
-    return readFileSync(chemin, 'utf8');
+    const fichier = openSync(chemin, constants.O_RDONLY | constants.O_NONBLOCK | constants.O_NOCTTY);
+    try {
+      const etat = fstatSync(fichier);
+      if (!etat.isFile()) throw new Error('ce n’est pas un fichier');
+      preparer(fichier);
+      return { texte: readFileSync(fichier, 'utf8'), uid: etat.uid, mode: etat.mode };
+    } finally {
+      closeSync(fichier);
+    }
   } catch (erreur) {
     if (erreur.code === 'ENOENT') return null;
     throw erreur;
@@ -58,7 +99,7 @@ export async function ecrireAtomiquement(chemin, texte) {
     await fichier.writeFile(texte).then(() => fichier.sync()).finally(() => fichier.close());
     await rename(provisoire, chemin);
   } catch (erreur) {
-    await rm(provisoire, { force: true });
+    await rm(provisoire, { force: true }).catch(() => {});
     throw erreur;
   }
 }

@@ -11,13 +11,16 @@ const DUREE_D_UN_AVIS = 4000;
 const DUREE_D_UN_SIGNE = 70;
 
 const avis = document.querySelector('.avis');
+const alerte = document.querySelector('.alerte');
 const question = document.querySelector('.question');
 
 relier({
-  accueil({ terminaux }) {
+  accueil({ terminaux, alerte: texte }) {
     avis.textContent = '';
+    alerter({ texte });
     recommencer(terminaux);
   },
+  alerte: alerter,
   liste: ({ terminaux }) => suivre(terminaux),
   ouvert: ({ id }) => choisir(id),
   reprise: ({ id, texte }) => ecrire(id, texte),
@@ -32,16 +35,29 @@ relier({
     question.querySelector('p').textContent = phrase;
     if (!question.open) question.showModal();
   },
-  avis({ texte }) {
-    avis.textContent = texte;
-    setTimeout(() => {
-      if (avis.textContent === texte) avis.textContent = '';
-    }, DUREE_D_UN_AVIS + texte.length * DUREE_D_UN_SIGNE);
+  lu: ({ id, nombre }) => vues.get(id)?.lu(nombre),
+  sourd({ id }) {
+    vues.get(id)?.sourd();
+    aviser({ texte: `Le programme de « ${vues.get(id)?.nom} » ne lit pas ce qu’on lui envoie : le reste n’est pas envoyé.` });
   },
+  avis: aviser,
   coupure() {
     avis.textContent = 'Connexion au serveur perdue';
   },
 });
+
+function aviser({ texte }) {
+  avis.textContent = texte;
+  setTimeout(() => {
+    if (avis.textContent === texte) avis.textContent = '';
+  }, DUREE_D_UN_AVIS + texte.length * DUREE_D_UN_SIGNE);
+}
+
+// Ce qui ne va pas et dure, jusqu’à ce que le serveur dise que c’est passé.
+function alerter({ texte }) {
+  alerte.hidden = texte === null;
+  alerte.textContent = texte ?? '';
+}
 
 function ouvrir(aCote = false) {
   envoyer({ type: 'ouvrir', depuis: choisie()?.id, aCote, ...(aCote ? {} : choisie()?.taille) });

@@ -70,7 +70,9 @@ function deplacer({ dataset: { terminal: id } }, rang) {
 function renommer(onglet) {
   const bouton = onglet.querySelector('.choisir');
   const champ = document.createElement('input');
-  Object.assign(champ, { className: 'renommer', value: bouton.textContent, maxLength: 60, ariaLabel: 'Nom' });
+  // Le titre peut changer pendant la saisie : c’est avec ce que l’on a vu au départ que l’on compare.
+  const ancien = bouton.textContent;
+  Object.assign(champ, { className: 'renommer', value: ancien, maxLength: 60, ariaLabel: 'Nom' });
   bouton.hidden = true;
   bouton.before(champ);
   champ.select();
@@ -79,11 +81,11 @@ function renommer(onglet) {
     const [id, nom] = [onglet.dataset.terminal, champ.value.trim()];
     champ.remove();
     bouton.hidden = false;
-    if (nom !== bouton.textContent) envoyer({ type: 'renommer', id, nom });
+    if (nom !== ancien.trim()) envoyer({ type: 'renommer', id, nom });
   }, { once: true });
   champ.addEventListener('keydown', ({ key, isComposing }) => {
     if (isComposing || (key !== 'Enter' && key !== 'Escape')) return;
-    if (key === 'Escape') champ.value = bouton.textContent;
+    if (key === 'Escape') champ.value = ancien;
     // Le focus perdu finit la saisie.
     rendreLeFocus();
   });

@@ -1,7 +1,7 @@
 import { essayer } from '/essayer.js';
 
 const CLE = 'keltrove-reglages';
-const PAR_DEFAUT = { corps: 14, lecteur: false, prevenir: true };
+const PAR_DEFAUT = { corps: 14, lecteur: false, prevenir: true, collage: true };
 
 const panneau = document.querySelector('.reglages');
 const formulaire = panneau.querySelector('form');
@@ -28,7 +28,7 @@ formulaire.addEventListener('change', ({ target: { name, type, checked, valueAsN
 });
 
 // Un corps de zéro, écrit par mégarde, ne laisserait plus rien voir pour le corriger.
-function verifier({ corps, lecteur, prevenir }) {
+function verifier({ corps, lecteur, prevenir, collage }) {
   const entier = Number.isInteger(corps) ? Math.min(Math.max(corps, 8), 32) : PAR_DEFAUT.corps;
-  return { corps: entier, lecteur: lecteur === true, prevenir: prevenir === true };
+  return { corps: entier, lecteur: lecteur === true, prevenir: prevenir === true, collage: collage === true };
 }

@@ -5,7 +5,7 @@ const DELAI_DE_L_ECHO = 400;
 const GROSSE_SORTIE = 1000;
 
 // Ce que xterm répond de lui-même aux programmes : focus, position, nature du terminal.
-const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|[P\]_])/;
+export const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|[P\]_])/;
 
 // Quand un terminal a-t-il de quoi appeler son utilisateur ? La décision seule : ni page, ni horloge.
 export class Veille {

@@ -2,17 +2,19 @@ import { FitAddon } from '/xterm/addon-fit.mjs';
 import { SearchAddon } from '/xterm/addon-search.mjs';
 import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
+import { bornerLesRepetitions } from '/bornes.js';
+import { coller } from '/collage.js';
+import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
 import { valeurs } from '/reglages.js';
 import { apparenceDuTerminal } from '/themes.js';
-import { Veille } from '/veille.js';
-
-// Un message trop gros serait refusé par le serveur : un grand collage part en plusieurs, sans couper un caractère.
-const ENVOIS = /[^]{1,65536}/gu;
+import { REPONSE_D_OFFICE, Veille } from '/veille.js';
 
 Terminal.strings.promptLabel = 'Saisie du terminal';
 Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne à ligne';
+
+const FIN_DE_COLLAGE = '\x1b[201~';
 
 const preferences = () => ({ ...apparenceDuTerminal(), fontSize: valeurs.corps, screenReaderMode: valeurs.lecteur });
 const modele = document.querySelector('#modele-terminal').content;
@@ -26,6 +28,10 @@ export class VueTerminal {
   #ajustement = new FitAddon();
   #rejoue;
   #bouton;
+  #envois = new Envois({
+    envoyer: (texte) => envoyer({ type: 'saisie', id: this.id, texte }),
+    quandSourd: () => envoyer({ type: 'abandon', id: this.id }),
+  });
 
   constructor({ id, colonnes, lignes }, rejoue) {
     this.id = id;
@@ -54,6 +60,13 @@ export class VueTerminal {
       allowProposedApi: true,
       linkHandler: liensDeclares,
     });
+    bornerLesRepetitions(this.terminal);
+    this.panneau.addEventListener('paste', (evenement) => this.#prendre(evenement, evenement.clipboardData), true);
+    // Ce qui se collerait dans la zone de saisie sans passer par là.
+    this.panneau.addEventListener('beforeinput', (evenement) => {
+      if (/^insertFrom(Paste|Drop|Yank)$/.test(evenement.inputType)) this.#prendre(evenement, evenement.dataTransfer);
+    }, true);
+    this.panneau.querySelector('.rouvrir').addEventListener('click', () => envoyer({ type: 'rouvrir', id }));
     for (const ajout of [this.#ajustement, this.recherche, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
     // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
@@ -71,8 +84,9 @@ export class VueTerminal {
     return { colonnes: this.terminal.cols, lignes: this.terminal.rows };
   }
 
-  decrire({ nom, groupe, dossier }) {
+  decrire({ nom, groupe, dossier, ouvert }) {
     Object.assign(this, { nom, groupe });
+    for (const element of [this.onglet, this.panneau]) element.classList.toggle('eteint', !ouvert);
     Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
     this.marquer(this.onglet.classList.contains('attend'));
@@ -114,9 +128,18 @@ export class VueTerminal {
     });
   }
 
-  // Après ce qui attend encore d’être écrit : le collage encadré n’est connu qu’une fois la reprise relue.
   coller(texte) {
-    this.terminal.write('', () => this.terminal.paste(texte));
+    return coller(this.terminal, texte);
+  }
+
+  // Le programme a lu jusque-là ; ou bien il ne lit plus, et ce qu’on lui envoyait est perdu.
+  lu(nombre) {
+    this.#envois.lu(nombre);
+  }
+
+  sourd() {
+    // Qui a reçu le début d’un collage encadré en attend la fin.
+    if (this.#envois.oublier().includes(FIN_DE_COLLAGE)) this.#envois.ajouter(FIN_DE_COLLAGE);
   }
 
   regler() {
@@ -125,6 +148,7 @@ export class VueTerminal {
   }
 
   retirer() {
+    this.#envois.oublier();
     this.terminal.dispose();
     this.panneau.remove();
     this.onglet.remove();
@@ -142,9 +166,17 @@ export class VueTerminal {
     this.terminal.selectLines(0, fin);
   }
 
+  #prendre(evenement, donnees) {
+    evenement.preventDefault();
+    evenement.stopPropagation();
+    this.coller(donnees?.getData('text/plain') ?? '');
+  }
+
   #saisir(texte) {
     if (this.#rejoue) return;
     this.veille.saisir(texte, performance.now());
-    for (const morceau of texte.match(ENVOIS) ?? []) envoyer({ type: 'saisie', id: this.id, texte: morceau });
+    // De deux pages qui montrent ce terminal, une seule doit répondre : le serveur choisit laquelle.
+    if (REPONSE_D_OFFICE.test(texte)) envoyer({ type: 'reponse', id: this.id, texte });
+    else this.#envois.ajouter(texte);
   }
 }

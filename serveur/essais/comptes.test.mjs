@@ -3,7 +3,7 @@ import { spawn } from 'node:child_process';
 import { existsSync } from 'node:fs';
 import { endianness } from 'node:os';
 import { test } from 'node:test';
-import { trouverLeCompte } from '../lib/clients.mjs';
+import { trouverLesLignes } from '../lib/pairs_linux.mjs';
 import { lancer, preparerMaison } from './outils.mjs';
 
 const ICI = endianness() === 'LE' ? '0100007F' : '7F000001';
@@ -17,16 +17,15 @@ const TABLE = `  sl  local_address rem_address   st tx_queue rx_queue tr tm->whe
    4: ${EN_IPV6}${ICI}:C352 ${EN_IPV6}${ICI}:1E61 01 ${fin} 65534        0 15 2 0000000000000000 20 0 0 10 -1
 `;
 
-test('le compte de celui qui se connecte se lit sur la ligne de sa prise, non sur la nôtre', () => {
-  const chercher = (remotePort, localPort = 7777) => (
-    trouverLeCompte(TABLE, { remoteAddress: '127.0.0.1', remotePort, localAddress: '127.0.0.1', localPort })
-  );
-  assert.equal(chercher(50000), 1001);
-  assert.equal(chercher(50002), 65534);
-  assert.equal(chercher(50001, 7778), 1002);
-  assert.equal(chercher(50001), undefined);
-  assert.equal(chercher(50003), undefined);
-  assert.equal(trouverLeCompte('', { remoteAddress: '127.0.0.1', remotePort: 1, localAddress: '127.0.0.1', localPort: 2 }), undefined);
+test('les lignes d’une table disent qui tient chaque bout, même écrit en IPv6', () => {
+  const vues = trouverLesLignes(TABLE, 7777).map(({ ici, la, etat, uid, inode }) => [ici, la, etat, uid, inode]);
+  assert.deepEqual(vues, [
+    [`${ICI}:1E61`, '00000000:0000', '0A', 1000, '11'],
+    [`${ICI}:1E61`, `${ICI}:C350`, '01', 1000, '12'],
+    [`${ICI}:C350`, `${ICI}:1E61`, '01', 1001, '13'],
+    [`${ICI}:C352`, `${ICI}:1E61`, '01', 65534, '15'],
+  ]);
+  assert.deepEqual(trouverLesLignes('', 7777), []);
 });
 
 // Le client d’un autre compte demande la page, un fichier, la santé et la liaison, sur une seule prise quand il le peut.

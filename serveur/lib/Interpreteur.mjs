@@ -1,0 +1,97 @@
+import { spawn } from '@lydell/node-pty';
+import { accessSync, constants, readFileSync, readlinkSync, writeSync } from 'node:fs';
+import { basename } from 'node:path';
+import { essayer } from '../page/essayer.js';
+import { limiteDeFichiers } from './heritage.mjs';
+import { Saisie } from './Saisie.mjs';
+
+// Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé, ou le serveur lui-même.
+const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
+// Le serveur, lui, garde la limite que Node a portée au maximum.
+const AVEC_LA_LIMITE = ['-c', 'ulimit -S -n "$1" 2>/dev/null; shift; exec "$@"', 'sh'];
+
+const estExecutable = (chemin) => essayer(() => accessSync(chemin, constants.X_OK) ?? true, false);
+
+// Un interpréteur de commandes dans son pseudo-terminal.
+export class Interpreteur {
+  #programme = [process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
+  #pty;
+  #saisie = new Saisie((octets) => writeSync(this.#pty.fd, octets));
+  // Fermé, son descripteur peut aussitôt servir à un autre terminal : plus rien ne doit s’y écrire ni s’y demander.
+  #ferme = false;
+  #fini = false;
+
+  // Lève une exception quand le système ne donne plus de pseudo-terminal, ou de processus.
+  constructor({ dossier, colonnes, lignes, quandTexte, quandFin }) {
+    const gardees = Object.entries(process.env).filter(([variable]) => !OTEES.test(variable));
+    // Chaque système a son usage : sous macOS un terminal ouvre une session, ailleurs la session a déjà tout préparé.
+    const commande = [this.#programme, ...(process.platform === 'darwin' ? ['-l'] : [])];
+    const [programme, ...arguments_] = limiteDeFichiers === null ? commande : ['/bin/sh', ...AVEC_LA_LIMITE, limiteDeFichiers, ...commande];
+    this.#pty = spawn(programme, arguments_, {
+      name: 'xterm-256color',
+      cols: colonnes,
+      rows: lignes,
+      cwd: dossier,
+      env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor' },
+    });
+    // Une lecture qui échoue annonce sa fin ; sans cette écoute, elle arrêterait le serveur entier.
+    this.#pty.on('error', () => {});
+    this.#pty.onData(quandTexte);
+    this.#pty.on('close', () => this.#fermer());
+    this.#pty.onExit(() => {
+      this.#fini = true;
+      this.#fermer();
+      quandFin();
+    });
+  }
+
+  // Le programme au premier plan, quand ce n’est pas l’interpréteur qui attend une ligne.
+  get programme() {
+    if (this.#ferme) return null;
+    const nom = basename(this.#pty.process).replace(/^-/, '');
+    return nom === basename(this.#programme) && this.#tientLePremierPlan() ? null : nom;
+  }
+
+  // Hors de Linux, ou quand il vient de finir, rien ne dit où il est.
+  get dossier() {
+    return essayer(() => readlinkSync(`/proc/${this.#pty.pid}/cwd`));
+  }
+
+  // Faux quand trop de saisie attend déjà : rien de ce texte n’est alors gardé.
+  saisir(texte, quandEcrit) {
+    return this.#ferme || this.#saisie.ajouter(texte, quandEcrit);
+  }
+
+  oublierLaSaisie() {
+    this.#saisie.vider();
+  }
+
+  dimensionner(colonnes, lignes) {
+    if (!this.#ferme) essayer(() => this.#pty.resize(colonnes, lignes));
+  }
+
+  suspendre(oui) {
+    if (oui) this.#pty.pause();
+    else this.#pty.resume();
+  }
+
+  // Comme une fenêtre de terminal qu’on ferme : un programme qui veut survivre au raccrochage le peut.
+  raccrocher() {
+    if (this.#fini) return;
+    this.#fermer();
+    this.#pty.kill('SIGHUP');
+    this.#pty.destroy();
+  }
+
+  #fermer() {
+    this.#ferme = true;
+    this.#saisie.vider();
+  }
+
+  #tientLePremierPlan() {
+    // Après le nom, qui peut contenir n’importe quoi : état, père, groupe, session, terminal, groupe au premier plan.
+    const etat = essayer(() => readFileSync(`/proc/${this.#pty.pid}/stat`, 'utf8'), '');
+    const champs = etat.slice(etat.lastIndexOf(')') + 2).split(' ');
+    return champs.length < 6 || champs[2] === champs[5];
+  }
+}
