@@ -3,14 +3,7 @@ import { chmodSync, existsSync, mkdirSync, readdirSync, readFileSync, statSync, 
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { ouvrirLeCarnet } from '../lib/carnet.mjs';
-import { arreter, attendreLeFichier, lancer, Page, preparerMaison } from './outils.mjs';
-
-async function lancerAvecUnePage(t, maison) {
-  const serveur = await lancer(t, maison);
-  const page = await Page.ouvrir(t, serveur.port, readFileSync(maison.cheminJeton, 'utf8').trim());
-  await page.attendre(() => page.terminaux.length > 0, 'la liste');
-  return { serveur, page };
-}
+import { arreter, attendreLeFichier, lancer, lancerAvecUnePage, Page, preparerMaison } from './outils.mjs';
 
 test('la liste est écrite à l’arrêt et revient au lancement, avec noms, ordre et dossiers', async (t) => {
   const maison = await preparerMaison(t);

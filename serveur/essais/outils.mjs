@@ -1,4 +1,4 @@
-import { spawn } from 'node:child_process';
+import { execFileSync, spawn } from 'node:child_process';
 import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, watch, writeFileSync } from 'node:fs';
 import { request } from 'node:http';
 import { createServer } from 'node:net';
@@ -10,8 +10,9 @@ import WebSocket from 'ws';
 const DOSSIER_DU_SERVEUR = fileURLToPath(new URL('..', import.meta.url));
 const PATIENCE = 15_000;
 
-// Une maison neuve par essai, au nom malcommode exprès.
-export async function preparerMaison(t, { port } = {}) {
+// Une maison neuve par essai, au nom malcommode exprès ; sur un système de fichiers à elle, en mémoire, si `montage` en
+// donne les options, ce que seul root peut faire.
+export async function preparerMaison(t, { port, montage, sansReglages = false } = {}) {
   const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
   const serveurs = [];
   t.after(async () => {
@@ -19,12 +20,16 @@ export async function preparerMaison(t, { port } = {}) {
       processus.kill('SIGKILL');
       await fin;
     }
+    if (montage) execFileSync('umount', ['-l', maison]);
     rmSync(maison, { recursive: true, force: true });
   });
+  if (montage) execFileSync('mount', ['-t', 'tmpfs', '-o', montage, 'tmpfs', maison]);
   const cache = join(maison, '.zelcor');
-  mkdirSync(cache, { mode: 0o700 });
   const choisi = port ?? (await trouverUnPort());
-  writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
+  if (!sansReglages) {
+    mkdirSync(cache, { mode: 0o700 });
+    writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
+  }
   return {
     maison,
     serveurs,
@@ -92,6 +97,7 @@ export class Page {
   textes = new Map();
   derniers = new Map();
   fins = new Map();
+  lus = new Map();
   recus = 0;
   accuse = true;
   // Ne garder que la fin de chaque texte : un essai de charge ne tiendrait pas en mémoire.
@@ -150,6 +156,7 @@ export class Page {
 
   #recevoir(message) {
     this.derniers.set(message.type, message);
+    if (message.type === 'lu') this.lus.set(message.id, (this.lus.get(message.id) ?? 0) + message.nombre);
     if (message.terminaux) this.terminaux = message.terminaux;
     if (message.texte !== undefined && message.id) {
       this.recus += message.texte.length;
@@ -192,4 +199,12 @@ export function borner(promesse, quoi) {
     minuteur = setTimeout(() => echouer(new Error(quoi())), PATIENCE);
   });
   return Promise.race([promesse, limite]).finally(() => clearTimeout(minuteur));
+}
+
+// Un serveur et une page liée à lui, sa liste reçue.
+export async function lancerAvecUnePage(t, maison, options) {
+  const serveur = await lancer(t, maison, options);
+  const page = await Page.ouvrir(t, serveur.port, readFileSync(maison.cheminJeton, 'utf8').trim());
+  await page.attendre(() => page.terminaux.length > 0, 'la liste');
+  return { serveur, page };
 }

@@ -1,5 +1,5 @@
 import { spawn } from '@lydell/node-pty';
-import { accessSync, constants, readFileSync, readlinkSync, writeSync } from 'node:fs';
+import { accessSync, closeSync, constants, openSync, readFileSync, readlinkSync, writeSync } from 'node:fs';
 import { basename } from 'node:path';
 import { essayer } from '../page/essayer.js';
 import { limiteDeFichiers } from './heritage.mjs';
@@ -12,6 +12,18 @@ const AVEC_LA_LIMITE = ['-c', 'ulimit -S -n "$1" 2>/dev/null; shift; exec "$@"',
 
 const estExecutable = (chemin) => essayer(() => accessSync(chemin, constants.X_OK) ?? true, false);
 
+// Un terminal qui prendrait les derniers descripteurs empêcherait d’ouvrir la page qui doit le montrer.
+const RESERVE = 8;
+
+function verifierLaReserve() {
+  const pris = [];
+  try {
+    for (let i = 0; i < RESERVE; i += 1) pris.push(openSync('/dev/null'));
+  } finally {
+    pris.forEach((fichier) => closeSync(fichier));
+  }
+}
+
 // Un interpréteur de commandes dans son pseudo-terminal.
 export class Interpreteur {
   #programme = [process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
@@ -23,6 +35,7 @@ export class Interpreteur {
 
   // Lève une exception quand le système ne donne plus de pseudo-terminal, ou de processus.
   constructor({ dossier, colonnes, lignes, quandTexte, quandFin }) {
+    verifierLaReserve();
     const gardees = Object.entries(process.env).filter(([variable]) => !OTEES.test(variable));
     // Chaque système a son usage : sous macOS un terminal ouvre une session, ailleurs la session a déjà tout préparé.
     const commande = [this.#programme, ...(process.platform === 'darwin' ? ['-l'] : [])];

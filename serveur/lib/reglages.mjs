@@ -1,7 +1,7 @@
 import { randomBytes } from 'node:crypto';
 import {
-  chmodSync, closeSync, constants, fchmodSync, fstatSync, mkdirSync, openSync, readdirSync, readFileSync, readlinkSync, renameSync, rmSync,
-  statSync, writeFileSync,
+  chmodSync, closeSync, constants, existsSync, fchmodSync, fstatSync, mkdirSync, openSync, readdirSync, readFileSync, readlinkSync,
+  renameSync, rmSync, statSync, writeFileSync,
 } from 'node:fs';
 import { open, rename, rm } from 'node:fs/promises';
 import { userInfo } from 'node:os';
@@ -28,12 +28,19 @@ export function suivreLesLiens(chemin, reste = LIENS_MAXIMUM) {
   return cible === null ? chemin : suivreLesLiens(resolve(dirname(chemin), cible), reste - 1);
 }
 
-// Prêt à servir, s’il peut l’être, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
+// Prêt à servir, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
 export function preparerLeDossierCache() {
-  essayer(() => mkdirSync(auDossierCache(), { recursive: true, mode: 0o700 }));
+  essayer(assurerLeDossierCache);
   const etat = essayer(() => statSync(auDossierCache()));
   if (etat && estANous(etat) && (etat.mode & POUR_LES_AUTRES) !== 0) essayer(() => chmodSync(auDossierCache(), 0o700));
   for (const nom of ['keltrove-carnet.json', 'keltrove-jeton']) balayer(suivreLesLiens(auDossierCache(nom)));
+}
+
+// Lève ce qui empêche d’y écrire, plutôt que l’absence du dossier qui en vient.
+function assurerLeDossierCache() {
+  for (const dossier of [maison(), auDossierCache()]) {
+    if (!existsSync(dossier)) mkdirSync(dossier, { mode: 0o700 });
+  }
 }
 
 function balayer(chemin) {
@@ -58,6 +65,7 @@ export function lireOuCreerJeton() {
   const neuf = randomBytes(32).toString('hex');
   const provisoire = nommerUnProvisoire(chemin);
   try {
+    assurerLeDossierCache();
     writeFileSync(provisoire, `${neuf}\n`, { flag: 'wx', mode: 0o600 });
     renameSync(provisoire, chemin);
     return { jeton: neuf, faute: null };
@@ -95,6 +103,7 @@ function lireUnFichier(chemin, preparer = () => {}) {
 export async function ecrireAtomiquement(chemin, texte) {
   const provisoire = nommerUnProvisoire(chemin);
   try {
+    assurerLeDossierCache();
     const fichier = await open(provisoire, 'wx', 0o600);
     await fichier.writeFile(texte).then(() => fichier.sync()).finally(() => fichier.close());
     await rename(provisoire, chemin);

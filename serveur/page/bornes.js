@@ -1,13 +1,15 @@
-// Avancer de tabulations, insérer ou effacer des lignes, faire défiler, revenir, répéter le dernier caractère : un
+// Avancer de tabulations, reculer, répéter le dernier caractère ; insérer ou effacer des lignes, faire défiler : un
 // programme qui le demande deux milliards de fois figerait la page, et le serveur qui relit la même sortie.
-const REPETITIONS = ['I', 'L', 'M', 'S', 'T', 'Z', 'b'];
+const DANS_LA_LIGNE = ['I', 'Z', 'b'];
+const DANS_L_ECRAN = ['L', 'M', 'S', 'T'];
 
-// Rien ne se voit de plus, au-delà d’un écran. Le terminal ne laisse pas changer les nombres d’une séquence : son cœur, si.
+// Rien ne se voit de plus au-delà d’une ligne, ou d’un écran. Le terminal ne laisse pas changer les nombres d’une
+// séquence ; son cœur, si.
 export function bornerLesRepetitions(terminal) {
-  for (const final of REPETITIONS) {
-    terminal._core.registerCsiHandler({ final }, ({ params }) => {
-      params[0] = Math.min(params[0], Math.max(terminal.cols, terminal.rows));
-      return false;
-    });
-  }
+  const borner = (finales, borne) => finales.forEach((final) => terminal._core.registerCsiHandler({ final }, ({ params }) => {
+    params[0] = Math.min(params[0], borne());
+    return false;
+  }));
+  borner(DANS_LA_LIGNE, () => terminal.cols);
+  borner(DANS_L_ECRAN, () => terminal.rows);
 }
