@@ -85,9 +85,10 @@ test('ce que le système ne peut pas rouvrir reste dans la liste, tel quel, et s
   await page.attendreLeTexte(eteint.id, new RegExp(`ligne ${eteint.nom.slice(4)}\\r\\n`));
   page.envoyer({ type: 'rouvrir', id: eteint.id });
   await page.attendre(() => /pas de quoi ouvrir/.test(page.derniers.get('avis')?.texte), 'le refus');
-  const [{ id: ferme }] = ouverts();
-  page.envoyer({ type: 'fermer', id: ferme });
-  await page.attendre(() => page.terminaux.every(({ id }) => id !== ferme), 'de la place');
+  // La page a pris quelques descripteurs : un seul terminal fermé n’y suffirait pas.
+  const fermes = ouverts().slice(0, 5).map(({ id }) => id);
+  for (const id of fermes) page.envoyer({ type: 'fermer', id });
+  await page.attendre(() => page.terminaux.every(({ id }) => !fermes.includes(id)), 'de la place');
   // La place se libère un peu après que l’onglet a disparu : on redemande, comme on cliquerait de nouveau.
   const rouvert = () => page.terminaux.find(({ id }) => id === eteint.id)?.ouvert;
   while (!rouvert()) {
