@@ -28,6 +28,9 @@ const repondre = (q, r) => {
 const servir = (port = PORT, hote = '127.0.0.1') => http.createServer(repondre).listen(port, hote);
 """
 MUET = SERVEUR + "console.log('je réfléchis'); setInterval(() => {}, 1000);"
+LENT_A_FINIR = SERVEUR + """servir();
+process.on('SIGTERM', () => setInterval(() => fs.existsSync('finir') && process.exit(0), 20));
+"""
 VERT = "#2B8A3E"
 SOMBRE = "#0E1116"
 
@@ -202,6 +205,21 @@ def fenetres(application, visible=True):
     trouvees = subprocess.run(["xdotool", "search", *choix, "--pid", str(application.processus.pid)],
                               capture_output=True, text=True).stdout.split()
     return [int(fenetre) for fenetre in trouvees]
+
+
+def la_fenetre(application):
+    """Le système peut la montrer un peu après la page."""
+    attendre(lambda: len(fenetres(application)) == 1, quoi="la fenêtre")
+    return fenetres(application)[0]
+
+
+def active():
+    return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True).stdout.strip()
+
+
+def attendre_le_clavier(application):
+    """Avant cela, ce que l’on tape irait ailleurs."""
+    attendre(lambda: active() in map(str, fenetres(application)), quoi="la fenêtre au clavier")
 
 
 def touches(*noms):

@@ -4,17 +4,10 @@ import os
 import signal
 import subprocess
 
-from application import MARQUE, SERVEUR, VERT, attendre, couleur, fenetres
+from application import LENT_A_FINIR, MARQUE, SERVEUR, VERT, active, attendre, couleur, fenetres, la_fenetre
 from cas import Cas
 
 ORDINAIRE = SERVEUR + "servir();"
-LENT_A_FINIR = ORDINAIRE + """
-process.on('SIGTERM', () => { fs.writeFileSync('sigterm', ''); setInterval(() => fs.existsSync('finir') && process.exit(0), 20); });
-"""
-
-
-def active():
-    return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True).stdout.strip()
 
 
 class Instance(Cas):
@@ -34,7 +27,7 @@ class Instance(Cas):
         autre = subprocess.Popen(["xmessage", "-geometry", "1300x850+0+0", "devant"])
         self.addCleanup(autre.wait)
         self.addCleanup(autre.kill)
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         attendre(lambda: active() not in ("", str(fenetre)), quoi="l’autre fenêtre devant")
         return str(fenetre)
 
@@ -51,7 +44,7 @@ class Instance(Cas):
 
     def test_reduite_elle_revient(self):
         application = self.ouvrir()
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         subprocess.run(["xdotool", "windowminimize", "--sync", str(fenetre)], check=True)
         self.assertEqual(self.relancer(application), (0, ""))
         attendre(lambda: active() == str(fenetre), quoi="la fenêtre revenue")

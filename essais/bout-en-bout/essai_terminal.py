@@ -1,12 +1,14 @@
 """Le vrai serveur dans l’application : ce que les menus, les dépôts et les clics font d’un vrai terminal."""
 
+import json
 import os
+import re
 import signal
 import subprocess
 import tempfile
 
 import ecran
-from application import attendre, fenetres, lire, touches
+from application import attendre, attendre_le_clavier, lire, touches
 from bus import Bus
 from cas import Cas
 from glissement import Source, souris
@@ -21,9 +23,8 @@ class Terminal(Cas):
     def ouvrir(self, **options):
         application = self.application(vrai_serveur=True, **options).lancer()
         application.attendre("page-contenu")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
-        taper("touch pret\n")
-        self.attendre_le_fichier(application, "pret")
+        attendre_le_clavier(application)
+        self.taper_jusqu_a(application, "touch pret\n", "pret")
         return application
 
     def chemin(self, application, nom):
@@ -39,6 +40,17 @@ class Terminal(Cas):
             return os.path.exists(self.chemin(application, fichier))
         attendre(essai, quoi=f"le fichier {fichier}")
 
+    def carnet(self, application):
+        """Ce que le serveur garde de chaque terminal : son nom, son dossier, ses dernières lignes."""
+        chemin = self.chemin(application, ".zelcor/keltrove-carnet.json")
+        return json.loads(lire(chemin))["terminaux"] if os.path.exists(chemin) else []
+
+    def attendre_l_echo(self, application, texte):
+        """Ce qui précède est arrivé au terminal : touches et dépôt n’y vont pas par le même chemin."""
+        def echo():
+            return any(texte in ligne for terminal in self.carnet(application) for ligne in terminal["lignes"])
+        attendre(echo, quoi=lambda: f"{texte!r} dans le terminal (vu : {self.carnet(application)})")
+
     def contenu(self, application, nom, voulu):
         def lu():
             with open(self.chemin(application, nom)) as fichier:
@@ -48,30 +60,33 @@ class Terminal(Cas):
 
 
 class Depot(Terminal):
-    def deposer(self, *chemins):
+    def deposer(self, application, *chemins):
         source = Source(self, "fichiers", *chemins)
         source.prendre()
         source.mener(640, 500, source.admis, "le dépôt admis")
         self.assertEqual(source.lacher(), "fini")
         source.fermer()
+        self.attendre_l_echo(application, re.match(r"[\w/]+", chemins[-1])[0])
+        attendre_le_clavier(application)
 
     def test_un_chemin_tordu_s_ecrit_protege_et_ne_devient_pas_une_commande(self):
         application = self.ouvrir()
         chemin = os.path.join(tempfile.mkdtemp(), "l’été 'a' \"b\" \\ $(touch pris) `touch pris`; touch pris\ntouch pris\n#")
-        taper("printf %s ")
-        self.deposer(chemin)
-        taper(" > recu\n")
+        taper("depose=")
+        self.attendre_l_echo(application, "depose=")
+        self.deposer(application, chemin)
+        taper("; printf %s \"$depose\" > recu\n")
         self.contenu(application, "recu", chemin)
         self.assertFalse(os.path.exists(self.chemin(application, "pris")))
         application.quitter()
 
     def test_sans_collage_entre_crochets_non_plus(self):
         application = self.ouvrir()
-        taper("sh\n")
-        taper("touch dedans\n")
+        # Le fichier vient de l’autre interpréteur : ce que l’on taperait trop tôt serait lu par le premier.
+        taper("sh -c 'touch dedans; exec sh'\n")
         self.attendre_le_fichier(application, "dedans")
         chemin = os.path.join(tempfile.mkdtemp(), "a'; touch pris; '\x03touch pris\ntouch pris\n")
-        self.deposer(chemin)
+        self.deposer(application, chemin)
         touches("ctrl+c")
         taper("touch apres\n")
         self.attendre_le_fichier(application, "apres")
@@ -80,9 +95,10 @@ class Depot(Terminal):
 
     def test_trois_chemins_se_suivent_dans_leur_ordre(self):
         application = self.ouvrir()
-        taper("printf '%s,' ")
-        self.deposer("/tmp/z z", "/tmp/a", "/tmp/m'")
-        taper(" > recu\n")
+        taper("deposes=(")
+        self.attendre_l_echo(application, "deposes=(")
+        self.deposer(application, "/tmp/z z", "/tmp/a", "/tmp/m'")
+        taper("); printf '%s,' \"${deposes[@]}\" > recu\n")
         self.contenu(application, "recu", "/tmp/z z,/tmp/a,/tmp/m',")
         application.quitter()
 
@@ -113,22 +129,16 @@ class Notifications(Terminal):
         bus = Bus(self)
         service = Service(self, bus)
         application = self.ouvrir(variables=bus.variables)
-        taper("QUI=premier; until [ -e qui-second ]; do sleep .1; done; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
+        # En lecture seule : ce que l’on taperait dans le premier en croyant être au second n’y changerait rien.
+        taper("readonly QUI=premier; until [ -e qui-second ]; do sleep .1; done; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
         touches("ctrl+shift+t")
-        carnet = self.chemin(application, ".zelcor/keltrove-carnet.json")
-        attendre(lambda: b"Terminal 2" in lire(carnet), quoi="le second terminal ouvert")
+        attendre(lambda: len(self.carnet(application)) == 2, quoi="le second terminal ouvert")
         self.taper_jusqu_a(application, "QUI=second; touch qui-$QUI\n", "qui-second")
-        self.attendre_le_fichier(application, "qui-second")
         appel = service.attendre_les_appels(1)
         self.assertEqual(appel[3], "Terminal 1")
         self.attendre_le_fichier(application, "sonne")
         service.ordonner(signal=["ActionInvoked", 101, "default"])
-
-        def chez_le_premier():
-            taper("touch qui-$QUI\n")
-            return os.path.exists(self.chemin(application, "qui-premier"))
-
-        attendre(chez_le_premier, quoi="le premier terminal au clavier")
+        self.taper_jusqu_a(application, "touch qui-$QUI\n", "qui-premier")
         self.assertEqual(len(service.appels()), 1)
         application.quitter()
 
@@ -137,7 +147,10 @@ class Retour(Terminal):
     def test_recharger_la_page_retrouve_les_terminaux_en_marche(self):
         # Le nouvel essai se rattache au serveur, qui n’est alors plus à nous.
         application = self.ouvrir(reste_un_serveur=True)
-        taper("QUI=toujours-la\n")
+        # Recharger emporte, avec la page, ce qu’elle n’a pas encore envoyé : l’utilisateur peut y perdre ses dernières
+        # touches, jamais ce que le terminal a reçu.
+        taper("QUI=toujours-la; touch recu\n")
+        self.attendre_le_fichier(application, "recu")
         touches("ctrl+shift+r")
         application.attendre("page-contenu", fois=2)
         self.taper_jusqu_a(application, "touch qui-$QUI\n", "qui-toujours-la")
@@ -147,8 +160,8 @@ class Retour(Terminal):
         application = self.ouvrir()
         taper("mkdir -p 'un dossier' && cd 'un dossier' && touch ici\n")
         self.attendre_le_fichier(application, "un dossier/ici")
-        carnet = self.chemin(application, ".zelcor/keltrove-carnet.json")
-        attendre(lambda: "un dossier" in lire(carnet).decode(), quoi="le dossier noté")
+        dossier = self.chemin(application, "un dossier")
+        attendre(lambda: [terminal["dossier"] for terminal in self.carnet(application)] == [dossier], quoi="le dossier noté")
         os.kill(application.serveurs()[0], signal.SIGKILL)
         application.attendre("serveur-mort-en-route")
         ecran.presser(application.processus.pid, "Réessayer")
