@@ -6,7 +6,7 @@ import subprocess
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 from application import attendre, touches  # noqa: E402
 
@@ -23,45 +23,46 @@ def _application(pid):
     bureau = Atspi.get_desktop(0)
     for i in range(bureau.get_child_count()):
         # Une autre application peut partir pendant la lecture.
-        with contextlib.suppress(gi.repository.GLib.Error):
+        with contextlib.suppress(GLib.Error):
             application = bureau.get_child_at_index(i)
             if application is not None and application.get_process_id() == pid:
                 return application
     return None
 
 
-def _montres(pid):
-    application = _application(pid)
-    if application is None:
-        return []
-    try:
-        # GTK n’expose que ce qui est visible : tout ce qui est dans l’arbre est à l’écran.
-        return list(_parcourir(application))
-    except gi.repository.GLib.Error:
-        return []  # l’arbre a changé pendant la lecture : on le relira
+def _lire(pid, lecture):
+    """Ce que la lecture rend de tout ce qui est à l’écran. L’arbre peut changer pendant ce temps : on le relit, car ce
+    qu’on n’a pas su lire n’est pas absent."""
+    for _ in range(20):
+        with contextlib.suppress(GLib.Error):
+            application = _application(pid)
+            # GTK n’expose que ce qui est visible : tout ce qui est dans l’arbre est à l’écran.
+            return lecture(list(_parcourir(application)) if application else [])
+    return lecture([])
 
 
 def textes(pid):
-    lus = [objet.get_name() for objet in _montres(pid) if objet.get_role_name() == "label"]
-    return lus + [Atspi.Text.get_text(objet, 0, -1) for objet in _montres(pid) if objet.get_role_name() == "text"]
+    def lus(objets):
+        noms = [objet.get_name() for objet in objets if objet.get_role_name() == "label"]
+        return noms + [Atspi.Text.get_text(objet, 0, -1) for objet in objets if objet.get_role_name() == "text"]
+
+    return _lire(pid, lus)
 
 
 def boutons(pid):
-    return {objet.get_name(): objet for objet in _montres(pid) if objet.get_role_name() == "push button"}
+    return _lire(pid, lambda objets: {o.get_name(): o for o in objets if o.get_role_name() == "push button"})
 
 
 def presser(pid, nom):
-    attendre(lambda: nom in boutons(pid), quoi=f"le bouton « {nom} »")
-    boutons(pid)[nom].do_action(0)
+    def premier():
+        bouton = boutons(pid).get(nom)
+        return bouton is not None and bouton.do_action(0)
+
+    attendre(premier, quoi=f"le bouton « {nom} »")
 
 
 def attendre_le_texte(pid, texte, secondes=15):
     attendre(lambda: any(texte in lu for lu in textes(pid)), secondes, f"le texte « {texte} »")
-
-
-
-def _trouver(pid, role):
-    return [objet for objet in _montres(pid) if objet.get_role_name() == role]
 
 
 def _a_l_etat(objet, etat):
@@ -70,35 +71,49 @@ def _a_l_etat(objet, etat):
 
 def articles(pid):
     """Les articles du menu ouvert, dans l’ordre, et s’ils se laissent choisir."""
-    return {objet.get_name(): _a_l_etat(objet, Atspi.StateType.SENSITIVE)
-            for menu in _trouver(pid, "menu") for objet in _parcourir(menu) if objet.get_role_name() == "menu item"}
+    def lus(objets):
+        return {objet.get_name(): _a_l_etat(objet, Atspi.StateType.SENSITIVE)
+                for menu in objets if menu.get_role_name() == "menu"
+                for objet in _parcourir(menu) if objet.get_role_name() == "menu item"}
+
+    return _lire(pid, lus)
 
 
-def _au_clavier(pid, titre):
-    return any(objet.get_name() == titre and _a_l_etat(objet, Atspi.StateType.FOCUSED)
-               for objet in _trouver(pid, "menu item"))
+def _au_clavier(pid):
+    """Le rôle et le nom de ce qui a le clavier."""
+    return _lire(pid, lambda objets: [(objet.get_role_name(), objet.get_name()) for objet in objets
+                                      if _a_l_etat(objet, Atspi.StateType.FOCUSED)])
+
+
+def _avancer(pid, touche, arrive):
+    """Un pas après l’autre, car une touche de trop dépasserait ; dans la barre, la première ne mène nulle part."""
+    for _ in range(30):
+        ici = _au_clavier(pid)
+        if arrive(ici):
+            return
+        touches(touche)
+        with contextlib.suppress(AssertionError):
+            attendre(lambda: _au_clavier(pid) != ici, secondes=1)
+    raise AssertionError(f"« {touche} » n’y mène pas : {ici}")
 
 
 def ouvrir_le_menu(pid, titre):
     """Au clavier : jusqu’à la barre, jusqu’au titre, puis Entrée."""
     touches("ctrl+shift+F10")
-    attendre(lambda: _au_clavier(pid, "Keltrove"), quoi="le clavier dans la barre")
-    while not _au_clavier(pid, titre):
-        touches("Right")
+    attendre(lambda: ("menu item", "Keltrove") in _au_clavier(pid), quoi="le clavier dans la barre")
+    _avancer(pid, "Right", lambda ici: ("menu item", titre) in ici)
     touches("Return")
     attendre(lambda: articles(pid), quoi=f"le menu {titre}")
 
 
 def choisir(pid, titre, article):
     ouvrir_le_menu(pid, titre)
-    while not _au_clavier(pid, article):
-        touches("Down")
+    _avancer(pid, "Down", lambda ici: ("menu item", article) in ici)
     touches("Return")
 
 
 def mettre_le_clavier_sur_le_detail(pid):
-    while not any(_a_l_etat(objet, Atspi.StateType.FOCUSED) for objet in _trouver(pid, "text")):
-        touches("Tab")
+    _avancer(pid, "Tab", lambda ici: any(role == "text" for role, _ in ici))
 
 
 def presse_papiers():

@@ -6,7 +6,7 @@ import subprocess
 
 import ecran
 import page_notee
-from application import SERVEUR, VERT, attendre, couleur, fenetres, touches
+from application import SERVEUR, VERT, attendre, attendre_le_clavier, couleur, fenetres, la_fenetre, touches
 from cas import Cas
 from page_notee import attendre_la_note, notes
 
@@ -21,6 +21,7 @@ CHAMP = page_notee.code("""<textarea autofocus></textarea><script>
 RICHE = page_notee.code("""<div contenteditable><b>gras</b></div><p contenteditable></p><script>
   const copie = document.querySelector('p');
   copie.addEventListener('input', () => noter(copie.innerHTML));
+  copie.addEventListener('focus', () => noter('au clavier'));
   document.querySelector('div').focus(); noter('prete');</script>""")
 TOUS = {
     "Keltrove": ["À propos de Keltrove", "Masquer Keltrove", "Masquer les autres", "Tout afficher", "Quitter Keltrove"],
@@ -36,7 +37,7 @@ class AvecUnePage(Cas):
     def ouvrir(self, code, **options):
         application = self.application(code=code, **options).lancer()
         application.attendre("page-affichee")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        attendre_le_clavier(application)
         return application
 
     def ouvrir_la_page_notee(self, code, **options):
@@ -96,13 +97,18 @@ class Edition(AvecUnePage):
         attendre(lambda: notes(application)[-1] == "ab", quoi="l’annulation")
         touches("ctrl+shift+y")
         attendre(lambda: notes(application)[-1] == "abab", quoi="le rétablissement")
-        touches("ctrl+shift+a", "ctrl+shift+c", "End", "c", "ctrl+shift+v")
+        touches("ctrl+shift+a", "ctrl+shift+c", "End", "c")
+        # Une touche attend que la page ait fini de la précédente ; un raccourci du menu la dépasserait.
+        attendre_la_note(application, "ababc")
+        touches("ctrl+shift+v")
         attendre_la_note(application, "ababcabab")
         application.quitter()
 
     def test_coller_sans_la_mise_en_forme(self):
         application = self.ouvrir_la_page_notee(RICHE)
-        touches("ctrl+shift+a", "ctrl+shift+c", "Tab", "ctrl+shift+alt+v")
+        touches("ctrl+shift+a", "ctrl+shift+c", "Tab")
+        attendre_la_note(application, "au clavier")
+        touches("ctrl+shift+alt+v")
         attendre_la_note(application, "gras")
         touches("ctrl+shift+a", "ctrl+shift+v")
         attendre(lambda: notes(application)[-1].startswith("<b"), quoi="le gras collé avec sa mise en forme")
@@ -125,6 +131,7 @@ class Edition(AvecUnePage):
         pid = application.processus.pid
         ecran.presser(pid, "Voir le détail")
         ecran.attendre_le_texte(pid, "panne illustree")
+        attendre_le_clavier(application)
         ecran.mettre_le_clavier_sur_le_detail(pid)
         touches("ctrl+shift+a", "ctrl+shift+c")
         attendre(lambda: "panne illustree" in ecran.presse_papiers(), quoi="le détail copié")
@@ -182,6 +189,7 @@ class Menus(AvecUnePage):
         application = self.application(vrai_serveur=True).lancer()
         application.attendre("sante")
         application.attendre("page-contenu")
+        attendre_le_clavier(application)
         pid = application.processus.pid
         ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
         ecran.presser(pid, "Copier le journal")
@@ -195,6 +203,7 @@ class Menus(AvecUnePage):
             self.assertNotIn(fichier.read().strip(), copie)
         touches("Escape")
         attendre(lambda: "Journal copié" not in ecran.boutons(pid), quoi="la fenêtre refermée")
+        attendre_le_clavier(application)
         ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
         attendre(lambda: "Copier le journal" in ecran.boutons(pid), quoi="la copie de nouveau proposée")
         application.quitter()
@@ -202,6 +211,7 @@ class Menus(AvecUnePage):
     def test_recharger_sans_page_demande_un_essai(self):
         application = self.application(code="process.exit(1);").lancer()
         application.attendre("echec-demarrage")
+        attendre_le_clavier(application)
         touches("ctrl+shift+r")
         application.attendre("demarrage-demande", fois=2)
         application.attendre("echec-demarrage", fois=2)
@@ -217,7 +227,7 @@ class Fenetre(AvecUnePage):
 
     def test_f11_remplit_l_ecran_et_le_rend(self):
         application = self.ouvrir(ORDINAIRE)
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         attendre(lambda: self.geometrie(fenetre) == (1280, 820), quoi="la taille d’origine")
         touches("F11")
         attendre(lambda: self.geometrie(fenetre) == (1360, 900), quoi="le plein écran")
@@ -229,7 +239,7 @@ class Fenetre(AvecUnePage):
         application = self.ouvrir(ORDINAIRE)
         for raccourci in ("ctrl+shift+h", "ctrl+shift+m"):
             attendre(lambda: couleur(680, 450) == VERT, quoi="la page visible")
-            (fenetre,) = fenetres(application)
+            fenetre = la_fenetre(application)
             touches(raccourci)
             attendre(lambda: fenetres(application) == [], quoi="la fenêtre rangée")
             subprocess.run(["xdotool", "windowactivate", "--sync", str(fenetre)], check=True)

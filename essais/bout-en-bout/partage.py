@@ -6,7 +6,7 @@ import threading
 
 import ecran
 from application import attendre
-from ecran import Atspi, gi
+from ecran import Atspi, GLib
 
 
 class Places:
@@ -63,7 +63,7 @@ class Lecteur:
         with self.un_seul:
             bureau = Atspi.get_desktop(0)
             for i in range(bureau.get_child_count()):
-                with contextlib.suppress(gi.repository.GLib.Error):
+                with contextlib.suppress(GLib.Error):
                     application = bureau.get_child_at_index(i)
                     if application is not None and application.get_process_id() == self.pid:
                         return lecture(list(ecran._parcourir(application)))
