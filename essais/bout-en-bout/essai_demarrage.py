@@ -6,7 +6,7 @@ import tempfile
 import unittest
 
 import ecran
-from application import MUET, SERVEUR, SOMBRE, VERT, attendre, couleur, port_libre, sans_node
+from application import MUET, SERVEUR, SOMBRE, VERT, attendre, attendre_le_clavier, couleur, port_libre, sans_node
 from cas import Cas
 
 
@@ -60,8 +60,12 @@ class Demarrage(Cas):
         application.attendre("page-contenu")
         self.assertIn("cle=jeton-rempli", application.details("page-contenu")[0])
         temoin = os.path.join(application.maison, "témoin")
-        subprocess.run(["xdotool", "type", "--delay", "20", f"pwd > t; mv t t'e'moin\n"], check=True)
-        attendre(lambda: os.path.exists(os.path.join(application.maison, "temoin")), quoi="la commande tapée")
+        attendre_le_clavier(application)
+
+        def repond():
+            subprocess.run(["xdotool", "type", "--delay", "20", "pwd > t; mv t t'e'moin\n"], check=True)
+            return os.path.exists(os.path.join(application.maison, "temoin"))
+        attendre(repond, quoi="la commande tapée")
         self.assertFalse(os.path.exists(temoin))
         self.assertEqual(application.quitter(), 0)
         application.lancer().attendre("sante")

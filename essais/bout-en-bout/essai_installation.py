@@ -11,7 +11,7 @@ import time
 import unittest
 
 import ecran
-from application import CONSTRUCTION, SERVEUR, fenetres
+from application import CONSTRUCTION, SERVEUR, la_fenetre
 from cas import Cas
 
 COMPLETIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../paquet/completions")
@@ -79,7 +79,7 @@ class CopieInstallee(Cas):
         self.assertTrue(os.path.exists(os.path.join(self.etalon, f"share/icons/hicolor/48x48/apps/{entree['Icon']}.png")))
         application = self.application_installee(self.installer()).lancer()
         application.attendre("page-affichee")
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         classe = subprocess.run(["xprop", "-id", str(fenetre), "WM_CLASS"], capture_output=True, text=True).stdout
         self.assertIn(f"\"{entree['StartupWMClass']}\"", classe)
         application.quitter()

@@ -4,7 +4,7 @@ import os
 
 import ecran
 import page_notee
-from application import VERT, attendre, couleur, fenetres, lire, touches
+from application import VERT, attendre, attendre_le_clavier, couleur, lire, touches
 from cas import Cas
 from page_notee import attendre_la_note
 
@@ -34,7 +34,7 @@ class Liens(Cas):
             self.poser_un_navigateur(application, donnees)
         application.lancer().attendre("page-affichee")
         attendre_la_note(application, "prete")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        attendre_le_clavier(application)
         return application
 
     def poser_un_navigateur(self, application, donnees):

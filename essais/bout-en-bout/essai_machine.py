@@ -4,25 +4,28 @@ import json
 import os
 import subprocess
 
-from application import SERVEUR, VERT, attendre, couleur, fenetres
+import page_notee
+from application import SERVEUR, VERT, attendre, couleur, fenetres, la_fenetre, lire
 from cas import Cas
+from page_notee import attendre_la_note
 
 ORDINAIRE = SERVEUR + "servir();"
+PAGE_MESUREE = page_notee.code("<script>addEventListener('resize', () => noter(innerWidth));</script>")
 
 
 class Modes(Cas):
     def test_le_mode_essai_cache_la_fenetre_et_ecrit_son_journal(self):
-        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "3"})
+        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "10"})
         application.lancer().attendre("page-contenu")
         self.assertEqual(fenetres(application), [])
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.processus.wait(20), 0)
         self.assertEqual(application.etapes()[-3:], ["essai-quitte-tout-seul", "arret-demande", "arret-fini"])
         with open(os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")) as fichier:
             journal = json.load(fichier)["etapes"]
         self.assertEqual([etape["etape"] for etape in journal], application.etapes())
         self.assertEqual(journal[0]["seconde"], 0)
         instant = next(e["seconde"] for e in journal if e["etape"] == "essai-quitte-tout-seul")
-        self.assertGreaterEqual(instant, 2.9)
+        self.assertGreaterEqual(instant, 9.9)
 
     def test_hors_du_mode_essai_ni_fichier_ni_fermeture_toute_seule(self):
         application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI_QUITTER": "1"}).lancer()
@@ -78,15 +81,19 @@ class Machine(Cas):
 
     def test_sans_entree_ni_sorties_l_application_tourne(self):
         """Nos propres fichiers ne doivent pas prendre la place des sorties absentes."""
-        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "2"})
-        application.avoir_un_bus().preparer()
+        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1"}).avoir_un_bus()
+        application.preparer()
+        journal = os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")
+
+        def etapes():
+            return [etape["etape"] for etape in json.loads(lire(journal))["etapes"]] if os.path.exists(journal) else []
+
         fermer = "exec 0<&- 1>&- 2>&-; exec \"$0\""
-        fini = subprocess.run(["sh", "-c", fermer, application.executable], env=application.environnement(), timeout=30)
-        self.assertEqual(fini.returncode, 0)
-        with open(os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")) as fichier:
-            etapes = [etape["etape"] for etape in json.load(fichier)["etapes"]]
-        self.assertIn("page-contenu", etapes)
-        self.assertEqual(etapes[-1], "arret-fini")
+        application.processus = subprocess.Popen(["sh", "-c", fermer, application.executable],
+                                                 env=application.environnement())
+        attendre(lambda: "page-contenu" in etapes(), secondes=30, quoi=lambda: f"la page ({etapes()})")
+        self.assertEqual(application.quitter(), 0)
+        self.assertEqual(etapes()[-1], "arret-fini")
 
     def test_sans_bus_de_session_l_application_tourne(self):
         application = self.application(code=ORDINAIRE, variables={
@@ -103,7 +110,7 @@ class Machine(Cas):
 
 class Taille(Cas):
     def taille(self, application):
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         geometrie = subprocess.run(["xdotool", "getwindowgeometry", "--shell", str(fenetre)], capture_output=True,
                                    text=True, check=True).stdout
         valeurs = dict(ligne.split("=") for ligne in geometrie.split())
@@ -113,16 +120,18 @@ class Taille(Cas):
         return os.path.join(application.maison, "état/keltrove/fenetre-keltrove")
 
     def test_la_taille_est_retenue_d_une_fois_sur_l_autre(self):
-        application = self.application(code=ORDINAIRE).lancer()
+        application = self.application(code=PAGE_MESUREE).lancer()
         application.attendre("page-affichee")
         attendre(lambda: self.taille(application) == (1280, 820), quoi="la taille d’origine")
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         subprocess.run(["xdotool", "windowsize", "--sync", str(fenetre), "900", "600"], check=True)
         attendre(lambda: self.taille(application) == (900, 600), quoi="la taille voulue")
+        # Le système la donne avant que l’application ne s’y soit mise ; elle ne retient que la sienne.
+        attendre_la_note(application, 900)
         application.quitter()
         application.lancer().attendre("page-affichee")
         attendre(lambda: self.taille(application) == (900, 600), quoi="la taille retrouvée")
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         subprocess.run(["xdotool", "windowsize", str(fenetre), "300", "200"], check=True)
         attendre(lambda: self.taille(application) == (720, 480), quoi="la taille minimale")
         application.quitter()

@@ -4,7 +4,7 @@ import os
 import subprocess
 import tempfile
 
-from application import SERVEUR, VERT, attendre, couleur, fenetres, lire, touches
+from application import SERVEUR, VERT, attendre, attendre_le_clavier, couleur, fenetres, la_fenetre, lire, touches
 from bus import Bus
 from cas import Cas
 from notifications import PAGE, Service
@@ -21,7 +21,8 @@ class AvecUnBus(Cas):
         application = self.application(code=PAGE, variables={**self.bus.variables, **variables}).lancer()
         application.attendre("page-affichee")
         attendre_la_note(application, "prete")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        if "KELTROVE_DISCRET" not in variables:
+            attendre_le_clavier(application)
         return application
 
     def etat(self, application):
@@ -101,7 +102,7 @@ class ServiceQuiObeit(AvecUnBus):
         touches("ctrl+shift+m")
         attendre(lambda: fenetres(application) == [], quoi="la fenêtre réduite")
         self.service.ordonner(signal=["ActionInvoked", 101, "default"])
-        attendre(lambda: fenetres(application), quoi="la fenêtre revenue")
+        attendre_le_clavier(application)
         touches("a")
         attendre_la_note(application, ["touche", "a"])
         self.assertFalse([note for note in notes(application) if note[0] == "ouvrir"])
@@ -138,7 +139,7 @@ class ServiceQuiObeit(AvecUnBus):
 
     def test_en_mode_discret_poser_marche_mais_un_clic_ne_va_nulle_part(self):
         application = self.ouvrir(KELTROVE_DISCRET="1")
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         subprocess.run(["xdotool", "windowactivate", "--sync", str(fenetre)], check=True)
         # Devant, sans délégué, rien ne se montre.
         touches("a", "x")
@@ -201,7 +202,7 @@ class Reglages(AvecUnBus):
         application.variables["PATH"] = self.panneau(application, programme)
         application.lancer().attendre("page-affichee")
         attendre_la_note(application, "prete")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        attendre_le_clavier(application)
         touches("r", "x")
         attendre_la_note(application, ["touche", "x"])
         return application
@@ -231,7 +232,7 @@ class Reglages(AvecUnBus):
             ecrit.write("[org/gnome/desktop/notifications/application/fr-zelcor-keltrove]\nenable=false\n")
         application.lancer().attendre("page-affichee")
         attendre_la_note(application, "prete")
-        attendre(lambda: fenetres(application), quoi="la fenêtre")
+        attendre_le_clavier(application)
         self.assertEqual(self.etat(application), "refuse")
         application.quitter()
 

@@ -5,7 +5,8 @@ import signal
 import time
 
 import ecran
-from application import MUET, SERVEUR, VERT, attendre, commande, couleur, processus_marques, touches
+from application import (LENT_A_FINIR, MUET, SERVEUR, VERT, attendre, attendre_le_clavier, commande, couleur, fenetres,
+                         processus_marques, touches)
 from cas import Cas
 
 ORDINAIRE = SERVEUR + "servir();"
@@ -31,6 +32,7 @@ class EnService(Cas):
         os.kill(dessinateur, signal.SIGKILL)
         application.attendre("page-ratee")
         ecran.attendre_le_texte(application.processus.pid, "La page de keltrove ne s’affiche pas")
+        attendre_le_clavier(application)
         touches("Return")
         application.attendre("page-affichee", fois=2)
         application.quitter()
@@ -52,12 +54,18 @@ class EnService(Cas):
         application.quitter()
 
     def test_reessayer_pendant_un_demarrage_ne_fait_rien(self):
-        application = self.application(code="setTimeout(() => process.exit(1), 1500);").lancer()
-        application.attendre("echec-demarrage")
+        code = "import fs from 'node:fs'; setInterval(() => fs.existsSync('finir') && process.exit(1), 20);"
+        application = self.application(code=code)
+        application.poser("keltrove/finir", "")
+        application.lancer().attendre("echec-demarrage")
+        attendre_le_clavier(application)
+        os.remove(os.path.join(application.ressources, "keltrove/finir"))
         ecran.presser(application.processus.pid, "Réessayer")
         application.attendre("demarrage-demande", fois=2)
-        for _ in range(3):
-            touches("Return")
+        # La fenêtre se réduit après les trois touches : elle les a donc vues pendant le démarrage.
+        touches("Return", "Return", "Return", "ctrl+shift+m")
+        attendre(lambda: fenetres(application) == [], quoi="la fenêtre réduite")
+        application.poser("keltrove/finir", "")
         application.attendre("echec-demarrage", fois=2)
         self.assertEqual(application.etapes().count("demarrage-demande"), 2)
         application.quitter()
@@ -76,6 +84,7 @@ class Fermeture(Cas):
     def test_fermer_la_fenetre_prend_le_meme_chemin(self):
         application = self.application(code=ORDINAIRE).lancer()
         application.attendre("page-contenu")
+        attendre_le_clavier(application)
         touches("alt+F4")
         self.assertEqual(application.processus.wait(15), 0)
         self.assertEqual(application.etapes()[-2:], ["arret-demande", "arret-fini"])
@@ -89,12 +98,14 @@ class Fermeture(Cas):
         self.assertIn("Serveur fermé proprement", application.details("arret-fini")[0])
 
     def test_quitter_deux_fois_ne_demande_qu_un_arret(self):
-        application = self.application(code=ORDINAIRE + "process.on('SIGTERM', () => setTimeout(process.exit, 1000));")
+        application = self.application(code=LENT_A_FINIR)
         application.lancer().attendre("page-affichee")
         application.processus.terminate()
         application.attendre("arret-demande")
         ecran.attendre_le_texte(application.processus.pid, "Fermeture…")
-        self.assertEqual(application.quitter(), 0)
+        application.processus.terminate()
+        application.poser("keltrove/finir", "")
+        self.assertEqual(application.processus.wait(15), 0)
         self.assertEqual(application.etapes().count("arret-demande"), 1)
 
     def test_quitter_pendant_un_demarrage_ne_laisse_rien(self):
