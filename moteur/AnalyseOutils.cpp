@@ -1,9 +1,9 @@
 #include "moteur/AnalyseOutils.hpp"
 
+#include "moteur/LireNombre.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <optional>
 
@@ -19,10 +19,7 @@ std::optional<std::int32_t> lireEntier(std::string_view texte) {
     texte.remove_prefix(1);
     if (texte.starts_with('-')) return std::nullopt;
   }
-  std::int32_t valeur = 0;
-  const auto [fin, erreur] = std::from_chars(texte.data(), texte.data() + texte.size(), valeur);
-  if (erreur != std::errc{} || fin != texte.data() + texte.size()) return std::nullopt;
-  return valeur;
+  return lireNombre<std::int32_t>(texte);
 }
 
 std::optional<int> portDeLaLigne(std::string_view ligne) {

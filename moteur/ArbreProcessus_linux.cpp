@@ -1,8 +1,9 @@
 #include "moteur/ArbreProcessus.hpp"
+#include "moteur/LireNombre.hpp"
+#include "moteur/TablesDePrises.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -25,14 +26,6 @@ struct Fiche {
   char etat = '?';
   std::uint64_t naissance = 0; // en tics depuis l’allumage de la machine
 };
-
-template <typename Nombre>
-std::optional<Nombre> lireNombre(std::string_view texte, int base = 10) {
-  Nombre valeur{};
-  const auto [fin, erreur] = std::from_chars(texte.data(), texte.data() + texte.size(), valeur, base);
-  if (erreur != std::errc{} || fin != texte.data() + texte.size()) return std::nullopt;
-  return valeur;
-}
 
 // Les champs de /proc/<pid>/stat, numérotés comme dans proc(5) à partir de l’état, le troisième.
 std::optional<Fiche> lireFiche(pid_t pid) {
@@ -84,17 +77,9 @@ void ajouterDescendants(const Familles& familles, pid_t pid, int profondeur, std
 // Prise n° d’inode → port, pour les prises à l’écoute de l’espace réseau du processus.
 std::map<std::string, int> prisesALEcoute(pid_t pid) {
   std::map<std::string, int> prises;
-  for (const auto* table : {"tcp", "tcp6"}) {
-    std::ifstream fichier(fmt::format("/proc/{}/net/{}", pid, table));
-    std::string ligne;
-    std::getline(fichier, ligne); // l’en-tête
-    while (std::getline(fichier, ligne)) {
-      const auto champs = socle::decouper(ligne, ' ', socle::MorceauxVides::ecartes);
-      if (champs.size() < 10 || champs[3] != "0A") continue; // 0A : TCP_LISTEN
-      const auto port = lireNombre<int>(std::string_view(champs[1]).substr(champs[1].rfind(':') + 1), 16);
-      if (port && *port > 0) prises.emplace(champs[9], *port);
-    }
-  }
+  for (const auto& prise :
+       lireTablesDePrises(fmt::format("/proc/{}/net", pid)).value_or(std::vector<PriseALEcoute>{}))
+    prises.emplace(prise.numero, prise.port);
   return prises;
 }
 

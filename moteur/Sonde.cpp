@@ -1,5 +1,6 @@
 #include "moteur/Sonde.hpp"
 
+#include "moteur/TenantDuPort.hpp"
 #include "socle/Reglages.hpp"
 #include "socle/RequeteHTTP.hpp"
 #include "socle/Texte.hpp"
@@ -36,6 +37,7 @@ int entierDuCarnet(const nlohmann::json& sante) {
 } // namespace
 
 bool cEstBienKeltrove(int port) {
+  if (tenantDuPort(port) == Tenant::etranger) return false;
   const auto reponse =
       socle::obtenir({.url = adresse(port, "/"), .inactiviteMaximale = 1.5, .dureeMaximale = 2.5});
   return reponse && reponse->statut == 200 && reponse->corps.contains("keltrove-jeton") &&
@@ -44,7 +46,7 @@ bool cEstBienKeltrove(int port) {
 
 std::optional<Sante> sante(int port) {
   const auto jeton = socle::Reglages::jeton();
-  if (!jeton || !tientDansUnEntete(*jeton)) return std::nullopt;
+  if (!jeton || !tientDansUnEntete(*jeton) || tenantDuPort(port) == Tenant::etranger) return std::nullopt;
   const auto reponse = socle::obtenir({.url = adresse(port, "/api/sante"),
                                        .entetes = {"x-keltrove-jeton: " + *jeton},
                                        .inactiviteMaximale = 2.0,

@@ -1,5 +1,7 @@
 // Sonde : deux questions posées au serveur par HTTP, sur 127.0.0.1 seulement.
 //
+// Là où le système dit à qui est le port, un autre compte de la machine n’y est jamais interrogé.
+//
 // Bloquantes : jamais sur le fil principal. Tout échec donne faux ou rien ; aucune ne dépasse 3,0 secondes
 // (cEstBienKeltrove) ou 4,0 secondes (sante).
 #pragma once
@@ -16,10 +18,12 @@ struct Sante {
   bool operator==(const Sante&) const = default;
 };
 
-// Vrai si la page servie à la racine de ce port est celle de ce produit.
+// Vrai si la page servie à la racine de ce port est celle de ce produit, et si nul autre que nous ou
+// l’administrateur ne la sert.
 bool cEstBienKeltrove(int port);
 
-// La version du serveur et la taille de sa liste de terminaux. Sans jeton, aucune requête n’est faite.
+// La version du serveur et la taille de sa liste de terminaux. Sans jeton, aucune requête n’est faite ;
+// le jeton ne va jamais à un autre compte.
 std::optional<Sante> sante(int port);
 
 // Lecture de la réponse de la route de santé.
