@@ -9,6 +9,24 @@ import ecran
 from application import MUET, SERVEUR, SOMBRE, VERT, attendre, attendre_le_clavier, couleur, port_libre, sans_node
 from cas import Cas
 
+# Une page comme la nôtre, et le chemin de chaque requête sur la sortie.
+AUTRE_COMPTE = """
+import http.server, socket, sys
+class Page(http.server.BaseHTTPRequestHandler):
+    def do_GET(self):
+        print(self.path, flush=True)
+        self.send_response(200)
+        self.end_headers()
+        self.wfile.write(b'<meta name="keltrove-jeton" content="x">')
+    def log_message(self, *_):
+        pass
+class Serveur(http.server.ThreadingHTTPServer):
+    address_family = socket.AF_INET6 if ":" in sys.argv[1] else socket.AF_INET
+serveur = Serveur((sys.argv[1], int(sys.argv[2])), Page)
+print("pret", flush=True)
+serveur.serve_forever()
+"""
+
 
 class Demarrage(Cas):
     def test_un_serveur_qui_tourne_deja_n_est_ni_relance_ni_arrete(self):
@@ -54,6 +72,31 @@ class Demarrage(Cas):
                 application.attendre("page-affichee")
                 self.assertEqual(application.details("allume"), [f"port={autre}"])
                 application.quitter()
+
+    def tenir_en_autre_compte(self, hote, port):
+        autre = subprocess.Popen(["/usr/bin/python3", "-c", AUTRE_COMPTE, hote, str(port)], user=65534, group=65534, cwd="/",
+                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(autre.communicate)
+        self.addCleanup(autre.kill)
+        return autre, autre.stdout.readline()
+
+    @unittest.skipUnless(os.geteuid() == 0, "prendre un autre compte demande d’être administrateur")
+    def test_un_autre_compte_qui_tient_le_port_n_est_ni_interroge_ni_montre(self):
+        for hote in ("127.0.0.1", "::1"):
+            with self.subTest(hote=hote):
+                application = self.application(vrai_serveur=True)
+                autre, pret = self.tenir_en_autre_compte(hote, application.port)
+                if hote == "::1" and not pret:
+                    self.skipTest("cette machine n’a pas d’IPv6")
+                self.assertEqual(pret, "pret\n")
+                application.lancer().attendre("page-contenu")
+                application.attendre("sante")
+                self.assertNotIn("rattache", application.etapes())
+                self.assertNotEqual(application.details("allume"), [f"port={application.port}"])
+                self.assertEqual(application.details("page-affichee"), application.details("allume"))
+                self.assertEqual(application.quitter(), 0)
+                autre.kill()
+                self.assertEqual(autre.stdout.read(), "", "aucune requête ne lui a été faite")
 
     def test_le_vrai_serveur_ouvre_un_vrai_terminal_qui_revient(self):
         application = self.application(vrai_serveur=True).lancer()
