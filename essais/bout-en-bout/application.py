@@ -167,7 +167,14 @@ class Application:
 
     def quitter(self, signe=signal.SIGTERM, secondes=20):
         self.processus.send_signal(signe)
-        return self.processus.wait(secondes)
+        return self.attendre_la_fin(secondes)
+
+    def attendre_la_fin(self, secondes=20):
+        """Ses dernières lignes arrivent encore quand elle n’est déjà plus là."""
+        etat = self.processus.wait(secondes)
+        if self.processus.stderr:
+            attendre(lambda: self.processus.stderr.closed, quoi="les dernières lignes")
+        return etat
 
     def nettoyer(self):
         """Ce qui restait en vie, une fois l’application partie."""

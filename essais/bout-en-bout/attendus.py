@@ -228,7 +228,6 @@ def sans_toucher(banc):
 
 def _une_phrase(banc, debut):
     banc.finir(1)
-    guetter(lambda: banc.application.lignes, quoi="la phrase")
     banc.verifier.assertEqual(len(banc.application.lignes), 1, banc.application.lignes)
     banc.verifier.assertTrue(banc.application.lignes[0].startswith(debut), banc.application.lignes)
 

@@ -141,8 +141,7 @@ class Banc(contextlib.ExitStack):
 
     def finir(self, etat, secondes=20):
         self.parti = True
-        self.verifier.assertEqual(self.application.processus.wait(secondes), etat, self.application.lignes)
-        guetter(lambda: self.application.processus.stderr.closed, quoi="les dernières lignes")
+        self.verifier.assertEqual(self.application.attendre_la_fin(secondes), etat, self.application.lignes)
 
     # L’écran.
     def ecran(self):

@@ -26,7 +26,7 @@ class Attentes(Cas):
         sourde.attendre("page-affichee")
         sourde.processus.terminate()
         demande = time.monotonic()
-        self.assertEqual(sourde.processus.wait(20), 0)
+        self.assertEqual(sourde.attendre_la_fin(20), 0)
         self.assertGreaterEqual(time.monotonic() - demande, 11.9)
         self.assertEqual(sourde.details("arret-fini"), [
             "message=Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste."])

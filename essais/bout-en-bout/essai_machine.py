@@ -18,7 +18,7 @@ class Modes(Cas):
         application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "10"})
         application.lancer().attendre("page-contenu")
         self.assertEqual(fenetres(application), [])
-        self.assertEqual(application.processus.wait(20), 0)
+        self.assertEqual(application.attendre_la_fin(20), 0)
         self.assertEqual(application.etapes()[-3:], ["essai-quitte-tout-seul", "arret-demande", "arret-fini"])
         with open(os.path.join(application.maison, ".zelcor/keltrove-app-etat.json")) as fichier:
             journal = json.load(fichier)["etapes"]
@@ -61,8 +61,7 @@ class Modes(Cas):
 class Machine(Cas):
     def phrase_et_etat(self, **options):
         application = self.application(**options).lancer()
-        self.assertEqual(application.processus.wait(15), 1)
-        attendre(lambda: application.lignes, quoi="la phrase")
+        self.assertEqual(application.attendre_la_fin(15), 1)
         self.assertEqual(len(application.lignes), 1, application.lignes)
         return application.lignes[0]
 
@@ -74,8 +73,7 @@ class Machine(Cas):
         application = self.application(code=ORDINAIRE)
         os.remove(os.path.join(application.racine, "libkeltrove-bureau.so"))
         application.lancer()
-        self.assertEqual(application.processus.wait(15), 1)
-        attendre(lambda: application.lignes, quoi="la phrase")
+        self.assertEqual(application.attendre_la_fin(15), 1)
         self.assertEqual(len(application.lignes), 1)
         self.assertIn("libkeltrove-bureau.so manque", application.lignes[0])
 

@@ -71,7 +71,7 @@ class Touches(AvecUnePage):
         application.attendre("demarrage-demande", fois=2)
         application.attendre("page-affichee", fois=2)
         touches("ctrl+shift+q")
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertNotIn(["R", True, False], notes(application), "un raccourci du menu n’est pas aussi pour la page")
 
     def test_fermer_un_menu_rend_le_clavier_a_la_page(self):
@@ -250,11 +250,11 @@ class Fenetre(AvecUnePage):
             with self.subTest(raccourci=raccourci):
                 application = self.ouvrir(ORDINAIRE)
                 touches(raccourci)
-                self.assertEqual(application.processus.wait(15), 0)
+                self.assertEqual(application.attendre_la_fin(15), 0)
                 self.assertEqual(application.etapes()[-2:], ["arret-demande", "arret-fini"])
 
     def test_quitter_par_le_menu_aussi(self):
         application = self.ouvrir(ORDINAIRE)
         ecran.choisir(application.processus.pid, "Keltrove", "Quitter Keltrove")
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertIn("arret-fini", application.etapes())

@@ -86,14 +86,14 @@ class Fermeture(Cas):
         application.attendre("page-contenu")
         attendre_le_clavier(application)
         touches("alt+F4")
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertEqual(application.etapes()[-2:], ["arret-demande", "arret-fini"])
 
     def test_ctrl_c_dans_le_terminal_de_lancement_n_atteint_que_l_application(self):
         application = self.application(code=ORDINAIRE + "process.on('SIGINT', () => fs.writeFileSync('interrompu', ''));")
         application.lancer().attendre("allume")
         os.killpg(os.getpgid(application.processus.pid), signal.SIGINT)
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertFalse(os.path.exists(os.path.join(application.ressources, "keltrove/interrompu")))
         self.assertIn("Serveur fermé proprement", application.details("arret-fini")[0])
 
@@ -105,7 +105,7 @@ class Fermeture(Cas):
         ecran.attendre_le_texte(application.processus.pid, "Fermeture…")
         application.processus.terminate()
         application.poser("keltrove/finir", "")
-        self.assertEqual(application.processus.wait(15), 0)
+        self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertEqual(application.etapes().count("arret-demande"), 1)
 
     def test_quitter_pendant_un_demarrage_ne_laisse_rien(self):
@@ -132,6 +132,7 @@ class Fermeture(Cas):
         mort = time.monotonic()
         self.assertEqual(application.processus.wait(10), 0)
         self.assertLess(time.monotonic() - mort, 2)
+        application.attendre_la_fin()
         self.assertIn("Serveur fermé proprement", application.details("arret-fini")[0])
 
     def test_apres_la_fermeture_il_ne_reste_aucun_processus_de_la_page(self):
