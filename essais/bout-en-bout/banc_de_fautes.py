@@ -95,7 +95,7 @@ class Banc(contextlib.ExitStack):
             self.poser("retenir-fin")
             self.application.processus.terminate()
         if self.moment in ARRIVEES and not (self.moment == "fermeture" and self.rattache):
-            guetter(lambda: self.vus(ARRIVEES[self.moment]), quoi=f"le moment « {self.moment} »")
+            guetter(lambda: self.vus(ARRIVEES[self.moment]), quoi=lambda: f"le moment « {self.moment} » ({self.application.lignes})")
 
     def liberer(self):
         if self.moment in LIBERATIONS:
