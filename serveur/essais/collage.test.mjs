@@ -27,16 +27,21 @@ const lancerUneLigne = async (page, ligne) => {
 const QUESTION = 'document.querySelector("dialog.collage[open]")';
 
 essai('un collage encadré ne s’exécute jamais de lui-même', async (page) => {
+  // Un Ctrl+C efface aussi ce qui est tapé d’avance : on attend chaque fois l’invite.
+  const attendreLeCompte = (motif, nombre) => page.attendre(`(document.querySelector(".xterm-rows").innerText.match(${motif}) ?? []).length === ${nombre}`);
   for (const [rang, piege] of PIEGES.entries()) {
     await coller(page, `echo ${piege}`);
+    await attendreLeCompte('/touch.pris/g', rang + 1);
     await page.touche('Ctrl+c');
+    await attendreLeCompte('/\\^C\\s+\\$/g', rang + 1);
     await lancerUneLigne(page, `echo apres-$((${rang} + 10))`);
-    await page.attendreLeTexte(`/apres-${rang + 10}/`);
+    await page.attendreLeTexte(`/apres-${rang + 10}\\n\\$ /`);
     assert.equal(existsSync(join(page.maison.maison, 'pris')), false, JSON.stringify(piege));
   }
   // Tabulations et lignes, elles, passent.
   await page.evaluer('import("/reglages.js").then(({ changer }) => changer("collage", false))');
-  await lancerUneLigne(page, 'cat > recu');
+  await lancerUneLigne(page, 'echo pret-$((1 + 1)); cat > recu');
+  await page.attendreLeTexte('/pret-2/');
   await coller(page, 'a\tb\u00e9\r\n\x1b\x07\x00\x7f\x85c');
   await page.touche('Entrée');
   await page.touche('Ctrl+d');

@@ -13,7 +13,7 @@ test('un interpréteur ne reçoit que son terminal : ni celui du voisin, ni rien
   await page.attendre(() => page.terminaux.length === 2, 'deux terminaux');
   const vus = [];
   for (const { id } of page.terminaux) {
-    page.envoyer({ type: 'saisie', id, texte: "exec sh -c 'ls /proc/$$/fd > vus; echo \"<\" $(cat vus) \"->\" $(readlink /proc/$$/fd/0) \">\"; exec sleep 600'\r" });
+    page.envoyer({ type: 'saisie', id, texte: "exec bash -c 'ls /proc/$$/fd > vus; echo \"<\" $(cat vus) \"->\" $(readlink /proc/$$/fd/0) \">\"; exec sleep 600'\r" });
     const [, descripteurs, terminal] = await page.attendreLeTexte(id, /< ([\d ]+) -> (\/dev\/pts\/\d+) >/);
     assert.equal(descripteurs, '0 1 2');
     vus.push(terminal);

@@ -7,28 +7,27 @@ const LONGUEUR_MONTREE = 4000;
 
 const question = document.querySelector('.collage');
 const apercu = question.querySelector('pre');
-const { neplus } = question.querySelector('form').elements;
+const formulaire = question.querySelector('form');
+const { neplus } = formulaire.elements;
 
 // Colle dans ce terminal, tel que le programme y attend un collage. S’il n’en attend pas, chaque ligne partirait comme
-// validée par Entrée : on demande d’abord.
-export async function coller(terminal, texte) {
+// validée par Entrée : on demande d’abord. Sinon, c’est fait au retour : ce qui se tape ensuite doit arriver après.
+export function coller(terminal, texte) {
   const propre = texte.replace(COMMANDES, '');
-  // Le collage encadré n’est connu qu’une fois relu tout ce qui attend encore d’être écrit.
-  await new Promise((suite) => terminal.write('', suite));
   const valide = /[\r\n]/.test(propre) && !terminal.modes.bracketedPasteMode && valeurs.collage;
-  const choisi = valide ? await demander(propre) : propre;
-  if (choisi) terminal.paste(choisi);
+  if (valide) demander(propre, (choisi) => terminal.paste(choisi));
+  else terminal.paste(propre);
 }
 
-// Rend ce qu’il faut coller ; rien si l’on renonce.
-async function demander(texte) {
-  if (question.open) return '';
+// `quandChoisi(texte)` dès la réponse, et non quand la question s’est refermée : la touche suivante doit venir après.
+function demander(texte, quandChoisi) {
+  if (question.open) return;
   apercu.textContent = texte.slice(0, LONGUEUR_MONTREE) + (texte.length > LONGUEUR_MONTREE ? '\n…' : '');
   neplus.checked = false;
-  question.returnValue = '';
+  formulaire.onsubmit = ({ submitter: { value: choix } }) => {
+    if (choix === '') return;
+    if (neplus.checked) changer('collage', false);
+    quandChoisi(choix === 'ligne' ? texte.trim().replace(/\s*[\r\n]+\s*/g, ' ') : texte);
+  };
   question.showModal();
-  await new Promise((suite) => question.addEventListener('close', suite, { once: true }));
-  if (question.returnValue !== '' && neplus.checked) changer('collage', false);
-  if (question.returnValue === 'ligne') return texte.trim().replace(/\s*[\r\n]+\s*/g, ' ');
-  return question.returnValue === 'lignes' ? texte : '';
 }

@@ -128,8 +128,10 @@ export class VueTerminal {
     });
   }
 
+  // Le collage encadré n’est connu qu’une fois la reprise relue.
   coller(texte) {
-    return coller(this.terminal, texte);
+    if (this.#rejoue) this.terminal.write('', () => coller(this.terminal, texte));
+    else coller(this.terminal, texte);
   }
 
   // Le programme a lu jusque-là ; ou bien il ne lit plus, et ce qu’on lui envoyait est perdu.
