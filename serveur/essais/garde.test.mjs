@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
-import { existsSync, lstatSync, mkdirSync, readdirSync, readFileSync, readlinkSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
+import { existsSync, lstatSync, mkdirSync, readdirSync, readFileSync, readlinkSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { arreter, attendreLeFichier, demander, lancer, lancerAvecUnePage, Page, preparerMaison } from './outils.mjs';
@@ -22,9 +22,14 @@ async function ouvrirParLaPage(t, serveur) {
 for (const [quoi, poser] of Object.entries({
   'un tube': (chemin) => execFileSync('mkfifo', [chemin]),
   'un dossier': (chemin) => mkdirSync(chemin),
-  'un périphérique sans fin': (chemin) => symlinkSync('/dev/zero', chemin),
+  // Le sien : celui du système, un essai raté l’abîmerait pour toute la machine.
+  'un périphérique sans fin': (chemin) => {
+    execFileSync('mknod', [`${chemin}.zero`, 'c', '1', '5']);
+    symlinkSync(`${chemin}.zero`, chemin);
+  },
 })) {
-  test(`${quoi} à la place du jeton, des réglages ou de la liste ne retient pas le démarrage`, async (t) => {
+  const skip = quoi.startsWith('un périph') && sansRoot;
+  test(`${quoi} à la place du jeton, des réglages ou de la liste ne retient pas le démarrage`, { skip }, async (t) => {
     const maison = await preparerMaison(t);
     rmSync(join(maison.cache, 'keltrove.json'));
     for (const nom of ['keltrove.json', 'keltrove-jeton', 'keltrove-carnet.json']) poser(join(maison.cache, nom));
@@ -34,6 +39,9 @@ for (const [quoi, poser] of Object.entries({
     const [{ id }] = page.terminaux;
     page.envoyer({ type: 'saisie', id, texte: 'echo la-$((1 + 1))\r' });
     await page.attendreLeTexte(id, /la-2/);
+    for (const nom of ['keltrove-jeton', 'keltrove-carnet.json'].map((nom) => join(maison.cache, `${nom}.zero`))) {
+      assert.ok(!quoi.startsWith('un périph') || statSync(nom).isCharacterDevice(), 'le périphérique reste ce qu’il est');
+    }
     if (quoi !== 'un tube') return;
     assert.match(readFileSync(maison.cheminJeton, 'utf8'), /^[0-9a-f]{64}\n$/);
     await attendreLeFichier(maison.cheminCarnet, (texte) => texte.includes('Terminal 1'));

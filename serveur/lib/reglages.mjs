@@ -1,7 +1,7 @@
 import { randomBytes } from 'node:crypto';
 import {
-  chmodSync, closeSync, constants, existsSync, fchmodSync, fstatSync, mkdirSync, openSync, readdirSync, readFileSync, readlinkSync,
-  renameSync, rmSync, statSync, writeFileSync,
+  chmodSync, closeSync, constants, existsSync, fchmodSync, fstatSync, lstatSync, mkdirSync, openSync, readdirSync, readFileSync,
+  readlinkSync, renameSync, rmSync, statSync, writeFileSync,
 } from 'node:fs';
 import { open, rename, rm } from 'node:fs/promises';
 import { userInfo } from 'node:os';
@@ -22,10 +22,16 @@ export const auDossierCache = (nom = '') => join(maison(), '.zelcor', nom);
 const nommerUnProvisoire = (chemin) => `${chemin}.${randomBytes(4).toString('hex')}.tmp`;
 const estANous = ({ uid }) => process.getuid === undefined || uid === process.getuid();
 
-// Le fichier au bout d’un lien, même s’il n’existe pas encore : écrire doit laisser le lien en place.
-export function suivreLesLiens(chemin, reste = LIENS_MAXIMUM) {
-  const cible = reste > 0 ? essayer(() => readlinkSync(chemin)) : null;
-  return cible === null ? chemin : suivreLesLiens(resolve(dirname(chemin), cible), reste - 1);
+// Le fichier au bout d’un lien, même s’il n’existe pas encore : écrire doit laisser le lien en place. Au bout, un dossier
+// ou un périphérique n’est pas à nous : c’est alors du lien qu’il s’agit.
+export function suivreLesLiens(chemin) {
+  let bout = chemin;
+  for (let i = 0; i < LIENS_MAXIMUM; i += 1) {
+    const cible = essayer(() => readlinkSync(bout));
+    if (cible === null) break;
+    bout = resolve(dirname(bout), cible);
+  }
+  return essayer(() => lstatSync(bout).isFile(), true) ? bout : chemin;
 }
 
 // Prêt à servir, et débarrassé de ce qu’un serveur tué au milieu d’une écriture y a laissé.
