@@ -25,13 +25,15 @@ namespace fs = std::filesystem;
 using Verdict = std::string; // vide : tout va bien
 
 void creerUnePrise(const std::string& chemin) {
-  fs::remove("/tmp/prise-d-essai");
+  // Le nom d’une prise tient dans une centaine d’octets : elle naît ailleurs, sous un nom que nul autre essai
+  // ne prend.
+  const auto provisoire = "/tmp/prise-d-essai-" + std::to_string(::getpid());
   const int prise = ::socket(AF_UNIX, SOCK_STREAM, 0);
   sockaddr_un adresse{.sun_family = AF_UNIX, .sun_path = {}};
-  std::strcpy(adresse.sun_path, "/tmp/prise-d-essai");
+  std::strcpy(adresse.sun_path, provisoire.c_str());
   ASSERT_EQ(::bind(prise, reinterpret_cast<sockaddr*>(&adresse), sizeof adresse), 0);
   ::close(prise);
-  fs::rename("/tmp/prise-d-essai", chemin);
+  fs::rename(provisoire, chemin);
 }
 
 // Ce qui peut prendre la place d’un fichier et ferait attendre un lecteur naïf.
