@@ -108,10 +108,14 @@ test('la liaison refuse une origine d’ailleurs, ou absente, et un jeton faux',
 test('une erreur imprévue se dit en une phrase', async (t) => {
   const maison = await preparerMaison(t);
   const faute = join(maison.maison, 'faute.cjs');
-  writeFileSync(faute, "setTimeout(() => { throw new Error('pas de chance\\nni de suite'); }, 1);");
+  writeFileSync(faute, `const ecrire = process.stdout.write;
+    process.stdout.write = function (texte, ...suite) {
+      if (/écoute/.test(texte)) setImmediate(() => { throw new Error('pas de chance\\nni de suite'); });
+      return ecrire.call(this, texte, ...suite);
+    };`);
   const serveur = await lancer(t, maison, { env: { NODE_OPTIONS: `--require "${faute}"` } });
   assert.deepEqual(await serveur.fin, { code: 1, signal: null });
-  assert.match(serveur.sortie, /^keltrove s’arrête sur une erreur imprévue : [^\n]+\n$/);
+  assert.match(serveur.sortie, /écoute [^\n]+\nkeltrove s’arrête sur une erreur imprévue : pas de chance\n$/);
 });
 
 test('le serveur survit à la fermeture du tuyau où il écrit', async (t) => {
