@@ -1,3 +1,4 @@
+import { createHmac } from 'node:crypto';
 import { WebSocket, WebSocketServer } from 'ws';
 import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
@@ -68,18 +69,25 @@ export class Liaison {
     for (const page of this.#pages) page.envoyer(message);
   }
 
-  // Le jeton vient en premier message : dans l’adresse, il finirait dans des journaux.
+  // Le jeton vient en premier message : dans l’adresse, il finirait dans des journaux. Une page qui renoue demande d’abord
+  // une preuve qu’elle parle bien à qui le connaît.
   #attendreLeJeton(page, jeton, quandReconnue) {
     const minuteur = setTimeout(() => page.close(CODES.jeton), DELAI_DU_JETON);
     page.on('error', () => page.terminate());
     page.on('close', () => clearTimeout(minuteur));
     page.once('message', (donnees) => {
-      clearTimeout(minuteur);
       const message = lireMessage(donnees);
-      if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return page.close(CODES.jeton);
-      quandReconnue();
-      this.#recevoir(page);
+      if (message?.type !== 'defi') return this.#saluer(page, message, { minuteur, jeton, quandReconnue });
+      page.envoyer({ type: 'preuve', preuve: createHmac('sha256', jeton).update(String(message.defi)).digest('hex') });
+      page.once('message', (suite) => this.#saluer(page, lireMessage(suite), { minuteur, jeton, quandReconnue }));
     });
+  }
+
+  #saluer(page, message, { minuteur, jeton, quandReconnue }) {
+    clearTimeout(minuteur);
+    if (message?.type !== 'bonjour' || !jetonJuste(message.jeton, jeton)) return page.close(CODES.jeton);
+    quandReconnue();
+    this.#recevoir(page);
   }
 
   #recevoir(page) {

@@ -5,22 +5,35 @@ const jeton = document.querySelector('meta[name=keltrove-jeton]').content;
 let socket;
 
 // Le fil avec le serveur, renoué tout seul quand il casse. `receptions` dit que faire d’un message, et d’une coupure.
-export function relier(receptions) {
+export function relier(receptions, { renoue = false } = {}) {
   socket = new WebSocket(`ws://${location.host}/terminaux`);
-  socket.addEventListener('open', () => envoyer({ type: 'bonjour', jeton }));
-  socket.addEventListener('message', ({ data }) => {
+  const saluer = () => envoyer({ type: 'bonjour', jeton });
+  const defi = crypto.getRandomValues(new Uint8Array(16)).join('-');
+  // Pendant la coupure, un inconnu a pu prendre le port : à lui de montrer qu’il connaît le jeton, avant qu’on le dise.
+  socket.addEventListener('open', renoue && crypto.subtle ? () => envoyer({ type: 'defi', defi }) : saluer);
+  socket.addEventListener('message', async ({ data, target }) => {
     const message = JSON.parse(data);
-    receptions[message.type]?.(message);
+    if (message.type !== 'preuve') receptions[message.type]?.(message);
+    else if (message.preuve === (await prouver(defi))) saluer();
+    else target.close();
   });
   socket.addEventListener('close', ({ code }) => {
     // Le serveur a changé de jeton depuis que cette page a été servie : la nouvelle page aura le bon.
     if (code === JETON_REFUSE) return location.reload();
     receptions.coupure();
-    setTimeout(relier, DELAI_DE_REPRISE, receptions);
+    setTimeout(relier, DELAI_DE_REPRISE, receptions, { renoue: true });
   });
 }
 
 // Sans liaison, la demande est perdue : la rejouer plus tard surprendrait.
 export function envoyer(message) {
   if (socket.readyState === WebSocket.OPEN) socket.send(JSON.stringify(message));
+}
+
+// Ce que seul peut calculer qui connaît le jeton : le code d’authentification (HMAC, SHA-256) de ce défi.
+async function prouver(defi) {
+  const [cle, texte] = [jeton, defi].map((octets) => new TextEncoder().encode(octets));
+  const secret = await crypto.subtle.importKey('raw', cle, { name: 'HMAC', hash: 'SHA-256' }, false, ['sign']);
+  const octets = new Uint8Array(await crypto.subtle.sign('HMAC', secret, texte));
+  return [...octets].map((octet) => octet.toString(16).padStart(2, '0')).join('');
 }
