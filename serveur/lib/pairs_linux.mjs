@@ -80,13 +80,15 @@ function trouverLesProches(inodes) {
   const cherchees = new Set(inodes.map((inode) => `socket:[${inode}]`));
   const proches = new Set();
   const regarder = (pid) => {
-    const tenues = lireLesPrises(pid).filter((prise) => cherchees.delete(prise));
-    if (tenues.length === 0) return familiers.delete(pid);
+    const prises = lireLesPrises(pid);
+    if (prises.length === 0) return familiers.delete(pid);
+    const tenues = prises.filter((prise) => cherchees.delete(prise));
+    if (tenues.length === 0) return;
     familiers.add(pid);
     if (essayer(() => readlinkSync(`/proc/${pid}/ns/mnt`)) !== espace) return;
     for (const prise of tenues) proches.add(prise.slice('socket:['.length, -1));
   };
-  for (const pid of [...familiers]) regarder(pid);
+  for (const pid of [...familiers]) if (cherchees.size > 0) regarder(pid);
   // Les plus jeunes d’abord : qui se connecte vient souvent de naître.
   const tous = cherchees.size === 0 ? [] : essayer(() => readdirSync('/proc'), []).filter((nom) => /^\d+$/.test(nom));
   for (const pid of tous.sort((a, b) => b - a)) if (cherchees.size > 0) regarder(pid);

@@ -5,6 +5,10 @@ import { examiner } from './pairs.mjs';
 const ESSAIS_MAXIMUM = 20;
 // Bien plus que n’en ouvrent quelques pages : au-delà, les plus anciennes qui n’ont rien prouvé laissent la place.
 const EN_ATTENTE_MAXIMUM = 500;
+// Examinées ensemble, le temps d’un répit en millisecondes : lire la table du noyau coûte autant pour une que pour cent,
+// et Node n’en reçoit qu’une par tour de boucle.
+const LOT = 64;
+const REPIT = 5;
 // En millisecondes, sans un mot.
 const PATIENCE = 30_000;
 const SANS_IPV6 = ['EADDRNOTAVAIL', 'EAFNOSUPPORT'];
@@ -48,12 +52,12 @@ export class Porte {
     for (const ecoute of this.#ecoutes) ecoute.close();
   }
 
-  // Celles d’un même tour de boucle sont examinées ensemble : lire la table du noyau coûte autant pour une que pour cent.
   #accueillir(prise) {
     prise.on('error', () => {});
-    if (this.#arrivees.length === 0) setImmediate(() => this.#trier(this.#arrivees.splice(0)));
-    if (this.#arrivees.length < EN_ATTENTE_MAXIMUM) this.#arrivees.push(prise);
-    else prise.destroy();
+    this.#arrivees.push(prise);
+    if (this.#arrivees.length === 1) setTimeout(() => this.#trier(this.#arrivees.splice(0)), REPIT);
+    // Un compte qui en ouvrirait sans fin ne doit pas tenir tous nos descripteurs.
+    if (this.#arrivees.length === LOT) this.#trier(this.#arrivees.splice(0));
   }
 
   #trier(arrivees) {
