@@ -1,9 +1,8 @@
 import assert from 'node:assert/strict';
-import { spawn } from 'node:child_process';
-import { existsSync } from 'node:fs';
 import { endianness } from 'node:os';
 import { test } from 'node:test';
-import { trouverLesLignes } from '../lib/pairs_linux.mjs';
+import { PHRASES, trouverLesLignes } from '../lib/pairs_linux.mjs';
+import { AUTRE_COMPTE, demanderTout, lesStatuts, partoutRefuse, sansAutreCompte, sansAutreServeur, SERVI } from './comptes.mjs';
 import { lancer, preparerMaison } from './outils.mjs';
 
 const ICI = endianness() === 'LE' ? '0100007F' : '7F000001';
@@ -28,30 +27,17 @@ test('les lignes d’une table disent qui tient chaque bout, même écrit en IPv
   assert.deepEqual(trouverLesLignes('', 7777), []);
 });
 
-// Le client d’un autre compte demande la page, un fichier, la santé et la liaison, sur une seule prise quand il le peut.
-const CLIENT = `
-  const http = require('node:http');
-  const agent = new http.Agent({ keepAlive: true, maxSockets: 1 });
-  const demander = (path, headers = {}) => new Promise((suite) => http.get({ host: '127.0.0.1', port: process.argv[1], path, headers, agent },
-    (reponse) => { let corps = ''; reponse.on('data', (d) => (corps += d)).on('end', () => suite([reponse.statusCode, corps])); })
-    .on('upgrade', (reponse) => suite([reponse.statusCode])));
-  const prise = { connection: 'upgrade', upgrade: 'websocket', 'sec-websocket-version': 13, 'sec-websocket-key': 'AAAAAAAAAAAAAAAAAAAAAA==', origin: 'http://127.0.0.1:' + process.argv[1] };
-  (async () => { const vus = []; for (const [c, e] of [['/'], ['/page.js'], ['/api/sante'], ['/terminaux', prise]]) vus.push(await demander(c, e));
-    console.log(JSON.stringify(vus)); process.exit(); })();`;
-
 // Seul le compte root peut en prendre un autre ; sinon l’essai regarde le même client sous notre propre compte.
 test('un autre compte de la machine n’obtient ni la page, ni son jeton, ni la liaison', async (t) => {
-  const maison = await preparerMaison(t);
-  const { port } = await lancer(t, maison);
-  const autre = process.getuid() === 0 && existsSync('/proc/net/tcp');
-  const demander = async (uid) => {
-    const client = spawn(process.execPath, ['-e', CLIENT, port], { uid, cwd: '/', stdio: ['ignore', 'pipe', 'inherit'] });
-    return JSON.parse((await client.stdout.setEncoding('utf8').toArray()).join(''));
-  };
-  const nos = await demander(process.getuid());
-  assert.deepEqual(nos.map(([statut]) => statut), [200, 200, 401, 101]);
-  if (!autre) return;
-  for (const reponse of await demander(65534)) {
-    assert.deepEqual(reponse, [403, 'Cette page appartient à un autre compte de cette machine.\n']);
-  }
+  const { port } = await lancer(t, await preparerMaison(t));
+  assert.deepEqual(lesStatuts(await demanderTout(t, port)), SERVI);
+  if (sansAutreCompte) return;
+  assert.deepEqual(await demanderTout(t, port, { uid: AUTRE_COMPTE }), partoutRefuse(PHRASES.autre));
+});
+
+test('sous un compte ordinaire, le serveur sert ce compte et root, pas un troisième', { skip: sansAutreServeur }, async (t) => {
+  const { port } = await lancer(t, await preparerMaison(t, { uid: AUTRE_COMPTE }));
+  assert.deepEqual(lesStatuts(await demanderTout(t, port, { uid: AUTRE_COMPTE })), SERVI);
+  assert.deepEqual(lesStatuts(await demanderTout(t, port)), SERVI);
+  assert.deepEqual(await demanderTout(t, port, { uid: AUTRE_COMPTE - 1 }), partoutRefuse(PHRASES.autre));
 });

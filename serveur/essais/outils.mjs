@@ -7,12 +7,12 @@ import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import WebSocket from 'ws';
 
-const DOSSIER_DU_SERVEUR = fileURLToPath(new URL('..', import.meta.url));
+export const DOSSIER_DU_SERVEUR = fileURLToPath(new URL('..', import.meta.url));
 const PATIENCE = 15_000;
 
-// Une maison neuve par essai, au nom malcommode exprès ; sur un système de fichiers à elle, en mémoire, si `montage` en
-// donne les options, ce que seul root peut faire.
-export async function preparerMaison(t, { port, montage, sansReglages = false } = {}) {
+// Une maison neuve par essai, au nom malcommode exprès ; à un autre compte si on le veut, et sur un système de fichiers à
+// elle, en mémoire, si `montage` en donne les options, ce que seul root peut faire.
+export async function preparerMaison(t, { port, uid, montage, sansReglages = false } = {}) {
   const maison = mkdtempSync(join(tmpdir(), 'keltrove essai é '));
   const serveurs = [];
   t.after(async () => {
@@ -30,8 +30,10 @@ export async function preparerMaison(t, { port, montage, sansReglages = false } 
     mkdirSync(cache, { mode: 0o700 });
     writeFileSync(join(cache, 'keltrove.json'), JSON.stringify({ port: choisi }));
   }
+  if (uid !== undefined) execFileSync('chown', ['-R', `${uid}:${uid}`, maison]);
   return {
     maison,
+    uid,
     serveurs,
     port: choisi,
     cheminCarnet: join(cache, 'keltrove-carnet.json'),
@@ -50,11 +52,13 @@ export async function trouverUnPort() {
   return port;
 }
 
-// Le vrai serveur, prêt, sous un autre compte ou précédé d’une autre commande si on le veut : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
-export async function lancer(t, { maison, serveurs }, { env = {}, uid, avant = [] } = {}) {
+// Le vrai serveur, prêt, sous le compte de sa maison ou un autre, précédé d’une autre commande si on le veut : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
+export async function lancer(t, { maison, serveurs, uid: compte }, { env = {}, uid = compte, avant = [] } = {}) {
   const [programme, ...arguments_] = [...avant, process.execPath, 'serveur.mjs'];
   const processus = spawn(programme, arguments_, {
     uid,
+    // Sans lui, un autre compte resterait du groupe de root.
+    gid: uid,
     cwd: DOSSIER_DU_SERVEUR,
     // Un interpréteur qui finit après son serveur ne doit plus rien écrire dans la maison.
     env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null', ...env },
@@ -80,9 +84,9 @@ export async function arreter(serveur, signal = 'SIGTERM') {
   return borner(serveur.fin, () => 'le serveur ne s’arrête pas');
 }
 
-export function demander(port, chemin, { entetes = {}, methode = 'GET' } = {}) {
+export function demander(port, chemin, { entetes = {}, methode = 'GET', hote = '127.0.0.1' } = {}) {
   return borner(new Promise((reussir, echouer) => {
-    const requete = request({ host: '127.0.0.1', port, path: chemin, method: methode, headers: entetes }, (reponse) => {
+    const requete = request({ host: hote, port, path: chemin, method: methode, headers: entetes }, (reponse) => {
       let corps = '';
       reponse.setEncoding('utf8').on('data', (texte) => (corps += texte));
       reponse.on('end', () => reussir({ statut: reponse.statusCode, entetes: reponse.headers, corps }));
