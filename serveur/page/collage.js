@@ -3,6 +3,7 @@ import { changer, valeurs } from '/reglages.js';
 // Tout ce qui agirait comme une touche : Échap, qui fait sortir du collage encadré, et le reste. Un collage n’est que du
 // texte, des tabulations et des lignes.
 const COMMANDES = /[\0-\x08\x0b\x0c\x0e-\x1f\x7f-\x9f]/g;
+const COLLAGES = /^insertFrom(Paste|Drop|Yank)$/;
 const LONGUEUR_MONTREE = 4000;
 
 const question = document.querySelector('.collage');
@@ -17,6 +18,34 @@ export function coller(terminal, texte) {
   const valide = /[\r\n]/.test(propre) && !terminal.modes.bracketedPasteMode && valeurs.collage;
   if (valide) demander(propre, (choisi) => terminal.paste(choisi));
   else terminal.paste(propre);
+}
+
+// Tout ce que l’on colle dans ce panneau va à `prendre`, au lieu de la zone de saisie.
+export function prendreLesCollages(panneau, prendre) {
+  let auMilieu = false;
+  const detourner = (evenement, texte) => {
+    evenement.preventDefault();
+    evenement.stopPropagation();
+    if (texte) prendre(texte);
+  };
+  const ecouter = (nom, quand) => panneau.addEventListener(nom, quand, true);
+  ecouter('mousedown', ({ button }) => (auMilieu = button === 1));
+  ecouter('keydown', () => (auMilieu = false));
+  ecouter('paste', (evenement) => {
+    if (!auMilieu) return detourner(evenement, evenement.clipboardData?.getData('text/plain'));
+    // Le bouton du milieu colle la sélection, mais WebKit montre ici le presse-papiers : on la lit une fois écrite.
+    evenement.stopPropagation();
+    evenement.target.value = '';
+  });
+  ecouter('beforeinput', (evenement) => {
+    if (!auMilieu && COLLAGES.test(evenement.inputType)) detourner(evenement, evenement.dataTransfer?.getData('text/plain'));
+  });
+  ecouter('input', (evenement) => {
+    if (!COLLAGES.test(evenement.inputType)) return;
+    const { value } = evenement.target;
+    evenement.target.value = '';
+    detourner(evenement, value);
+  });
 }
 
 // `quandChoisi(texte)` dès la réponse, et non quand la question s’est refermée : la touche suivante doit venir après.

@@ -3,7 +3,7 @@ import { SearchAddon } from '/xterm/addon-search.mjs';
 import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
 import { bornerLesRepetitions } from '/bornes.js';
-import { coller } from '/collage.js';
+import { coller, prendreLesCollages } from '/collage.js';
 import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
@@ -61,11 +61,7 @@ export class VueTerminal {
       linkHandler: liensDeclares,
     });
     bornerLesRepetitions(this.terminal);
-    this.panneau.addEventListener('paste', (evenement) => this.#prendre(evenement, evenement.clipboardData), true);
-    // Ce qui se collerait dans la zone de saisie sans passer par là.
-    this.panneau.addEventListener('beforeinput', (evenement) => {
-      if (/^insertFrom(Paste|Drop|Yank)$/.test(evenement.inputType)) this.#prendre(evenement, evenement.dataTransfer);
-    }, true);
+    prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => envoyer({ type: 'rouvrir', id }));
     for (const ajout of [this.#ajustement, this.recherche, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
@@ -166,12 +162,6 @@ export class VueTerminal {
     let fin = tampon.length - 1;
     while (fin > 0 && tampon.getLine(fin).translateToString(true) === '') fin -= 1;
     this.terminal.selectLines(0, fin);
-  }
-
-  #prendre(evenement, donnees) {
-    evenement.preventDefault();
-    evenement.stopPropagation();
-    this.coller(donnees?.getData('text/plain') ?? '');
   }
 
   #saisir(texte) {
