@@ -52,14 +52,15 @@ export async function trouverUnPort() {
   return port;
 }
 
-// Le vrai serveur, prêt, sous le compte de sa maison ou un autre, précédé d’une autre commande si on le veut : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
-export async function lancer(t, { maison, serveurs, uid: compte }, { env = {}, uid = compte, avant = [] } = {}) {
+// Le vrai serveur, prêt, sous le compte de sa maison ou un autre, d’un autre dossier ou précédé d’une autre commande si on
+// le veut : la promesse est tenue à sa phrase d’écoute, ou à sa fin s’il n’écoute pas.
+export async function lancer(t, { maison, serveurs, uid: compte }, { env = {}, uid = compte, dossier = DOSSIER_DU_SERVEUR, avant = [] } = {}) {
   const [programme, ...arguments_] = [...avant, process.execPath, 'serveur.mjs'];
   const processus = spawn(programme, arguments_, {
     uid,
     // Sans lui, un autre compte resterait du groupe de root.
     gid: uid,
-    cwd: DOSSIER_DU_SERVEUR,
+    cwd: dossier,
     // Un interpréteur qui finit après son serveur ne doit plus rien écrire dans la maison.
     env: { ...process.env, HOME: maison, SHELL: '/bin/bash', LANG: 'C.UTF-8', HISTFILE: '/dev/null', ...env },
     stdio: ['ignore', 'pipe', 'pipe'],

@@ -5,8 +5,8 @@ import { examiner } from './pairs.mjs';
 const ESSAIS_MAXIMUM = 20;
 // Bien plus que n’en ouvrent quelques pages : au-delà, les plus anciennes qui n’ont rien prouvé laissent la place.
 const EN_ATTENTE_MAXIMUM = 500;
-// Examinées ensemble, le temps d’un répit en millisecondes : lire la table du noyau coûte autant pour une que pour cent,
-// et Node n’en reçoit qu’une par tour de boucle.
+// Lire la table du noyau coûte autant pour une prise que pour cent, et Node n’en reçoit qu’une par tour de boucle : la
+// première est examinée aussitôt ; celles qui suivent de près, ensemble, après un répit en millisecondes.
 const LOT = 64;
 const REPIT = 5;
 // En millisecondes, sans un mot.
@@ -18,6 +18,8 @@ export class Porte {
   port;
   #ecoutes;
   #arrivees = [];
+  #prochainTri = null;
+  #dernierTri = -Infinity;
   #entrees = new Set();
   #recevoir;
 
@@ -55,12 +57,17 @@ export class Porte {
   #accueillir(prise) {
     prise.on('error', () => {});
     this.#arrivees.push(prise);
-    if (this.#arrivees.length === 1) setTimeout(() => this.#trier(this.#arrivees.splice(0)), REPIT);
-    // Un compte qui en ouvrirait sans fin ne doit pas tenir tous nos descripteurs.
-    if (this.#arrivees.length === LOT) this.#trier(this.#arrivees.splice(0));
+    // Un compte qui en ouvrirait sans fin ne doit ni tenir tous nos descripteurs, ni occuper tout notre temps.
+    if (this.#arrivees.length === LOT) return this.#trier();
+    const calme = performance.now() - this.#dernierTri > REPIT;
+    this.#prochainTri ??= setTimeout(() => this.#trier(), calme ? 0 : REPIT);
   }
 
-  #trier(arrivees) {
+  #trier() {
+    clearTimeout(this.#prochainTri);
+    this.#prochainTri = null;
+    this.#dernierTri = performance.now();
+    const arrivees = this.#arrivees.splice(0);
     for (const [rang, raison] of examiner(arrivees, this.port).entries()) {
       if (raison) refuser(arrivees[rang], raison);
       else this.#admettre(arrivees[rang]);
