@@ -37,6 +37,7 @@ test('les modes posés dans la partie oubliée sont rejoués d’abord', () => {
 test('la fin seule se rejoue avec les modes de tout ce qui précède', () => {
   const tampon = new Tampon();
   tampon.ajouter('\x1b[?1049hlongtemps\r\navant\r\nla fin');
-  assert.equal(tampon.rejouer(10), '\x1b[?1049hla fin');
+  assert.equal(tampon.rejouer({ caracteres: 10 }), '\x1b[?1049hla fin');
+  assert.equal(tampon.rejouer({ lignes: 2 }), '\x1b[?1049havant\r\nla fin');
   assert.equal(tampon.rejouer(), '\x1b[?1049hlongtemps\r\navant\r\nla fin');
 });

@@ -20,11 +20,11 @@ export class Tampon {
     this.#texte = this.#texte.slice(coupe);
   }
 
-  rejouer(borne = Infinity) {
-    const coupe = this.#trouverUneCoupe(borne);
+  rejouer({ caracteres = Infinity, lignes = Infinity } = {}) {
+    const fin = this.#texte.slice(this.#trouverUneCoupe(caracteres)).split('\n').slice(-lignes).join('\n');
     const modes = new Map(this.#modes);
-    retenirLesModes(modes, this.#texte.slice(0, coupe));
-    return [...modes].map(([numero, etat]) => `\x1b[?${numero}${etat}`).join('') + this.#texte.slice(coupe);
+    retenirLesModes(modes, this.#texte.slice(0, this.#texte.length - fin.length));
+    return [...modes].map(([numero, etat]) => `\x1b[?${numero}${etat}`).join('') + fin;
   }
 
   // On ne coupe ni dans une ligne ni dans une séquence d’échappement, sauf si rien de tel ne se présente.

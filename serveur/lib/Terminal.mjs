@@ -1,13 +1,14 @@
 import { statSync } from 'node:fs';
 import { essayer } from '../page/essayer.js';
 import { Annonces } from './Annonces.mjs';
-import { lireLesDernieresLignes, rejouerLesLignes } from './dernieresLignes.mjs';
+import { lireLesDernieresLignes, NOMBRE_DE_LIGNES, rejouerLesLignes } from './dernieresLignes.mjs';
 import { Interpreteur } from './Interpreteur.mjs';
 import { maison } from './reglages.mjs';
 import { Tampon } from './Tampon.mjs';
 
-// Bien plus que les lignes gardées : des lignes longues, ou très colorées, y tiennent encore.
-const SORTIE_RELUE = 40_000;
+// Bien plus que les lignes gardées : des lignes longues, ou très colorées, y tiennent encore, et celles qu’un programme
+// récrit sur place.
+const SORTIE_RELUE = { caracteres: 40_000, lignes: 3 * NOMBRE_DE_LIGNES };
 // Un bavard parle par morceaux de 4 Kio, qui feraient autant de messages : le premier part tout de suite, puis ce qui
 // s’amasse pendant un répit, en millisecondes, part d’un trait.
 const REPIT = 5;

@@ -1,7 +1,9 @@
+import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { bornerLesRepetitions } from '../page/bornes.js';
 
 export const NOMBRE_DE_LIGNES = 200;
-// Relue d’un trait, une longue sortie retarderait les touches de tous les terminaux.
+// Relue d’un trait, une longue sortie retarderait les touches de tous les terminaux. La bibliothèque passe d’un morceau
+// au suivant par un minuteur, et des minuteurs échus s’enchaînent sans qu’une touche passe entre eux.
 const MORCEAU = 4096;
 
 // Dès le lancement : le jour où les descripteurs manqueraient, il serait trop tard.
@@ -15,6 +17,7 @@ export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
   bornerLesRepetitions(terminal);
   for (let debut = 0; debut < sortie.length; debut += MORCEAU) {
     await new Promise((suite) => terminal.write(sortie.slice(debut, debut + MORCEAU), suite));
+    await cederLaMain();
   }
   const tampon = terminal.buffer.active;
   const lues = [];
