@@ -20,6 +20,7 @@ export function ouvrirLeCarnet({ chemin, version, decrire, quandEcriture = () =>
   const minuteurs = new Map();
   let ecriture = Promise.resolve();
   let dernierTexte = null;
+  let octetsEcrits = 0;
   let echecs = 0;
   let clos = false;
 
@@ -42,7 +43,7 @@ export function ouvrirLeCarnet({ chemin, version, decrire, quandEcriture = () =>
   }
 
   const noterLeRangement = () => prevoir('rangement', DELAI_D_UN_RANGEMENT);
-  const noterLesLignes = () => prevoir('lignes', Math.max(DELAI_DES_LIGNES, (dernierTexte?.length ?? 0) / DEBIT_DES_LIGNES));
+  const noterLesLignes = () => prevoir('lignes', Math.max(DELAI_DES_LIGNES, octetsEcrits / DEBIT_DES_LIGNES));
 
   function prevoir(quoi, delai) {
     if (clos || minuteurs.has(quoi)) return;
@@ -71,6 +72,7 @@ export function ouvrirLeCarnet({ chemin, version, decrire, quandEcriture = () =>
     try {
       await ecrireAtomiquement(suivreLesLiens(chemin), texte);
       dernierTexte = texte;
+      octetsEcrits = Buffer.byteLength(texte);
       echecs = 0;
       quandEcriture(null);
     } catch (erreur) {
