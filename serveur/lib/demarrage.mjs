@@ -2,6 +2,7 @@ import { readFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { creerLAccueil } from './accueil.mjs';
 import { ouvrirLeCarnet } from './carnet.mjs';
+import { chargerLaBibliotheque } from './dernieresLignes.mjs';
 import { fermerLesDescripteursRecus } from './heritage.mjs';
 import { Liaison } from './Liaison.mjs';
 import { estTenuParUnAutre } from './pairs.mjs';
@@ -11,6 +12,7 @@ import { Terminaux } from './Terminaux.mjs';
 
 const DELAI_DE_RECONNAISSANCE = 1500;
 const DELAI_DES_ADIEUX = 1000;
+const DELAI_DE_PREPARATION = 2000;
 
 const FAUTES = {
   EACCES: 'votre dossier personnel refuse d’être écrit',
@@ -40,6 +42,7 @@ export async function demarrer() {
   eteindre = allumer(porte);
   if (porte.port !== souhaite) console.log(`Le port ${souhaite} n’est pas libre : keltrove prend le port ${porte.port}.`);
   console.log(`keltrove ${version} écoute sur ${adresseDe(porte.port)}`);
+  setTimeout(chargerLaBibliotheque, DELAI_DE_PREPARATION);
 }
 
 // Le port souhaité, sinon un autre, choisi par le système ; aucun quand un des nôtres répond déjà sur le premier.

@@ -6,13 +6,15 @@ export const NOMBRE_DE_LIGNES = 200;
 // au suivant par un minuteur, et des minuteurs échus s’enchaînent sans qu’une touche passe entre eux.
 const MORCEAU = 4096;
 
-// Dès le lancement : le jour où les descripteurs manqueraient, il serait trop tard.
-const bibliotheque = import('@xterm/headless');
+let bibliotheque = null;
+
+// Longue à charger : après la première page, mais sans attendre le jour où les descripteurs manqueraient.
+export const chargerLaBibliotheque = () => (bibliotheque ??= import('@xterm/headless'));
 
 // Le texte, sans couleurs ni curseur, que cette sortie laisse à l’écran ; rien tant qu’un programme occupe l’écran de
 // remplacement, qui disparaîtra avec lui. Seul un vrai terminal sait ce que deviennent les lignes éditées.
 export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
-  const { default: { Terminal } } = await bibliotheque;
+  const { default: { Terminal } } = await chargerLaBibliotheque();
   const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
   bornerLesRepetitions(terminal);
   for (let debut = 0; debut < sortie.length; debut += MORCEAU) {
