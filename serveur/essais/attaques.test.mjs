@@ -72,6 +72,22 @@ test('une page d’un autre site n’obtient rien, même du bon nom', async (t) 
   }
 });
 
+test('ce qu’un navigateur dit venir d’un autre site est refusé, même sans origine', async (t) => {
+  const { port, jeton } = await lancerUneCible(t);
+  const origin = `http://localhost:${port}`;
+  for (const chemin of ['/', '/page.js', '/api/sante']) {
+    const entetes = { 'sec-fetch-site': 'cross-site', 'x-keltrove-jeton': jeton };
+    const { statut, corps } = await demander(port, chemin, { entetes });
+    assert.equal(statut, 403, chemin);
+    assert.ok(!corps.includes(jeton));
+  }
+  assert.deepEqual(await essayerUnePrise(t, port, { origin, 'sec-fetch-site': 'cross-site' }), { refus: 403, recus: [] });
+  // Une adresse tapée, un favori, la page elle-même.
+  for (const provenance of ['none', 'same-origin', 'same-site']) {
+    assert.equal((await demander(port, '/', { entetes: { 'sec-fetch-site': provenance } })).statut, 200, provenance);
+  }
+});
+
 test('sans le bon jeton en premier, la liaison ne dit rien et se coupe', async (t) => {
   const { port, jeton } = await lancerUneCible(t);
   const origin = `http://localhost:${port}`;
@@ -110,6 +126,9 @@ test('la politique de la page est stricte, et toute réponse se garde chez soi',
     "default-src 'none'", "script-src 'self'", "style-src 'self' 'unsafe-inline'", `connect-src 'self' ws://localhost:${port}`,
     "img-src 'self' data:", "font-src 'self' data:", "base-uri 'none'", "form-action 'none'", "frame-ancestors 'none'",
   ].join('; '));
+  assert.equal(entetes['cross-origin-opener-policy'], 'same-origin');
+  assert.equal(entetes['x-frame-options'], 'DENY');
+  assert.match(entetes['permissions-policy'], /camera=\(\), .*microphone=\(\).*usb=\(\)/);
   for (const chemin of ['/', '/page.js', '/ailleurs']) {
     const { entetes: siens } = await demander(port, chemin);
     assert.equal(siens['x-content-type-options'], 'nosniff');

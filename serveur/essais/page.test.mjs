@@ -1,4 +1,6 @@
 import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
 import { arreter, lancer } from './outils.mjs';
@@ -260,4 +262,19 @@ essai('une reprise se relit à la taille où elle fut écrite, puis se replie', 
   await page.demander('Page.navigate', { url: `http://localhost:${page.serveur.port}/` });
   // Relu trop étroit, le mot aurait buté sur le bord : « f », puis « in » à la ligne.
   await page.attendreLeTexte('/^a *\\n +fin *\\n\\$ /m');
+});
+
+test('une question d’un programme reçoit une réponse, et une seule, même montrée par deux pages', { skip: sansNavigateur }, async (t) => {
+  const premiere = await PageVue.ouvrir(t, navigateur);
+  const seconde = await PageVue.ouvrir(t, navigateur, premiere);
+  await lancerUneLigne(premiere, "stty raw -echo; printf 'demande\\033[c'; head -c 12 > recu; stty sane; echo fini-$((1 + 1))");
+  for (const page of [premiere, seconde]) await page.attendreLeTexte('/^demande/m');
+  // Le serveur a lu la réponse de la seconde page quand il a lu ce qu’elle demande ensuite.
+  await seconde.evaluer('import("/liaison.js").then(({ envoyer }) => envoyer({ type: "renommer", id: document.querySelector(".onglet").dataset.terminal, nom: "lu" }))');
+  await seconde.attendre('document.querySelector(".onglet .choisir").textContent === "lu"');
+  await premiere.ecrire('xxxxxxxxxxxx');
+  await premiere.attendreLeTexte('/fini-2/');
+  const recu = readFileSync(join(premiere.maison.maison, 'recu'), 'latin1');
+  assert.equal(recu.split('\x1b[?').length - 1, 1, JSON.stringify(recu));
+  for (const page of [premiere, seconde]) assert.deepEqual(page.fautes, []);
 });
