@@ -1,5 +1,5 @@
 import { randomBytes } from 'node:crypto';
-import { setTimeout as attendre } from 'node:timers/promises';
+import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { essayer } from '../page/essayer.js';
 import { Terminal } from './Terminal.mjs';
 
@@ -9,7 +9,6 @@ const DUREE_D_UN_VRAI_USAGE = 1000;
 // En millisecondes.
 const DELAI_D_UN_RELEVE = 500;
 const DELAI_D_UNE_ANNONCE = 100;
-const REPIT_ENTRE_DEUX_RELECTURES = 20;
 const NOM_D_OFFICE = /^Terminal \d+$/;
 
 const ranger = ({ id, nom, groupe, dossier }) => ({ id, nom, groupe, dossier });
@@ -101,13 +100,12 @@ export class Terminaux {
     ));
   }
 
-  // L’un après l’autre, avec un répit : relire vingt terminaux d’un trait retarderait les touches. Mais à l’arrêt, plus
-  // personne ne tape.
-  async pourLeCarnet({ relireLesLignes, presse }) {
+  // L’un après l’autre : relire vingt terminaux d’un trait retarderait les touches.
+  async pourLeCarnet({ relireLesLignes }) {
     const entrees = [];
     for (const terminal of this.liste) {
       entrees.push({ ...ranger(terminal), lignes: await terminal.dernieresLignes({ relire: relireLesLignes }) });
-      if (relireLesLignes && !presse) await attendre(REPIT_ENTRE_DEUX_RELECTURES);
+      await cederLaMain();
     }
     return entrees;
   }

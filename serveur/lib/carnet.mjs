@@ -56,7 +56,7 @@ export function ouvrirLeCarnet({ chemin, version, decrire, quandEcriture = () =>
   // À l’arrêt, les terminaux finissent les uns après les autres : la liste ne doit plus les suivre.
   async function clore() {
     minuteurs.forEach(clearTimeout);
-    if (!clos) ecrire({ relireLesLignes: true, presse: true });
+    if (!clos) ecrire({ relireLesLignes: true });
     clos = true;
     await ecriture;
   }

@@ -11,9 +11,26 @@ let bibliotheque = null;
 // Longue à charger : après la première page, mais sans attendre le jour où les descripteurs manqueraient.
 export const chargerLaBibliotheque = () => (bibliotheque ??= import('@xterm/headless'));
 
+// Des couleurs, un titre, le collage encadré : ce qui ne déplace pas le curseur.
+const SANS_MOUVEMENT = /\x1b\[[\d;:]*m|\x1b\][02];[^\x00-\x1f]*(?:\x07|\x1b\\)|\x1b\[\?2004[hl]/g;
+const AUTRE_COMMANDE = /[\x00-\x09\x0b-\x1f\x7f-\x9f]/;
+
+// Ce qu’imprime le plus souvent un bavard se lit sans terminal, pour cent fois moins ; rien si ce n’est pas si simple.
+function lireDuTexte(sortie) {
+  if (/(^|[^\r])\n/.test(sortie)) return null;
+  const texte = sortie.replace(SANS_MOUVEMENT, '').replace(/\r+\n/g, '\n');
+  return AUTRE_COMMANDE.test(texte) ? null : texte.split('\n');
+}
+
 // Le texte, sans couleurs ni curseur, que cette sortie laisse à l’écran ; rien tant qu’un programme occupe l’écran de
 // remplacement, qui disparaîtra avec lui. Seul un vrai terminal sait ce que deviennent les lignes éditées.
-export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
+export async function lireLesDernieresLignes(sortie, taille) {
+  const lues = lireDuTexte(sortie) ?? (await lireUnEcran(sortie, taille));
+  while (lues?.at(-1) === '') lues.pop();
+  return lues?.slice(-NOMBRE_DE_LIGNES) ?? null;
+}
+
+async function lireUnEcran(sortie, { colonnes, lignes }) {
   const { default: { Terminal } } = await chargerLaBibliotheque();
   const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
   bornerLesRepetitions(terminal);
@@ -30,8 +47,7 @@ export async function lireLesDernieresLignes(sortie, { colonnes, lignes }) {
   }
   const rempli = tampon.type === 'normal';
   terminal.dispose();
-  while (lues.at(-1) === '') lues.pop();
-  return rempli ? lues.slice(-NOMBRE_DE_LIGNES) : null;
+  return rempli ? lues : null;
 }
 
 // La liste est un fichier : ce qu’on y lit n’a pas le droit de commander au terminal.
