@@ -13,7 +13,7 @@ paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-d
   libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
 paquets_ecran=(xvfb openbox imagemagick)
-paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 x11-xkb-utils at-spi2-core python3 python3-gi
+paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 ibus ibus-gtk4 ibus-unikey x11-xkb-utils at-spi2-core python3 python3-gi
   gir1.2-atspi-2.0 gir1.2-gtk-4.0 gsettings-desktop-schemas dunst locales procps x11-utils weston)
 paquets_paquet=(dpkg-dev file lintian desktop-file-utils appstream man-db zsh)
 paquets_portabilite=(clang-19 clang-tidy-19 clang-format-19 gcovr libclang-rt-19-dev libc++-19-dev libc++abi-19-dev)

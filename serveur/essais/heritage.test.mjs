@@ -22,7 +22,9 @@ test('un interpréteur ne reçoit que son terminal : ni celui du voisin, ni rien
 });
 
 test('un interpréteur a les limites de qui a lancé le serveur', { skip: sansProc }, async (t) => {
-  const { page } = await lancerAvecUnePage(t, await preparerMaison(t), { avant: ['sh', '-c', 'ulimit -S -n 777; "$0" "$@"; exit'] });
+  // Le serveur finit avec celui qui l’a lancé : l’essai n’arrête que lui.
+  const avant = ['sh', '-c', 'ulimit -S -n 777; setpriv --pdeathsig KILL "$0" "$@"; exit'];
+  const { page } = await lancerAvecUnePage(t, await preparerMaison(t), { avant });
   const [{ id }] = page.terminaux;
   page.envoyer({ type: 'saisie', id, texte: 'echo "<$(ulimit -S -n) $(ulimit -H -n)>"\r' });
   const [, douce, dure] = await page.attendreLeTexte(id, /<(\d+) (\d+|unlimited)>/);

@@ -18,7 +18,7 @@ export async function preparerMaison(t, { port, uid, montage, sansReglages = fal
   t.after(async () => {
     for (const { processus, fin } of serveurs) {
       processus.kill('SIGKILL');
-      await fin;
+      await borner(fin, () => `un serveur ne finit pas : ${processus.pid}`);
     }
     if (montage) execFileSync('umount', ['-l', maison]);
     rmSync(maison, { recursive: true, force: true });

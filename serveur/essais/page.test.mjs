@@ -278,3 +278,20 @@ test('une question d’un programme reçoit une réponse, et une seule, même mo
   assert.equal(recu.split('\x1b[?').length - 1, 1, JSON.stringify(recu));
   for (const page of [premiere, seconde]) assert.deepEqual(page.fautes, []);
 });
+
+essai('un texte qui se forme se voit, part une fois formé, et ne revient pas', async (page) => {
+  await lancerUneLigne(page, 'stty -echo; echo pret-$((1 + 1)); cat > recu');
+  await page.attendreLeTexte('/pret-2/');
+  for (const [etapes, fin] of [[['n', 'ni', '你'], '你好'], [['^'], 'ê'], [['k'], '']]) {
+    for (const text of etapes) await page.demander('Input.imeSetComposition', { text, selectionStart: text.length, selectionEnd: text.length });
+    assert.equal(await page.evaluer('document.querySelector(".composition").textContent'), etapes.at(-1));
+    await page.demander('Input.insertText', { text: fin });
+    assert.equal(await page.evaluer('document.querySelector(".composition").textContent'), '');
+    await page.ecrire(' ');
+  }
+  await page.touche('Entrée');
+  await page.touche('Ctrl+d');
+  await lancerUneLigne(page, 'echo lu-$((1 + 1))');
+  await page.attendreLeTexte('/lu-2/');
+  assert.equal(readFileSync(join(page.maison.maison, 'recu'), 'utf8'), '你好 ê  \n');
+});

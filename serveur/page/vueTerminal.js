@@ -4,6 +4,7 @@ import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
 import { bornerLesRepetitions } from '/bornes.js';
 import { coller, prendreLesCollages } from '/collage.js';
+import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
@@ -62,6 +63,7 @@ export class VueTerminal {
     });
     bornerLesRepetitions(this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
+    composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => envoyer({ type: 'rouvrir', id }));
     for (const ajout of [this.#ajustement, this.recherche, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
