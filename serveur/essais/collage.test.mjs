@@ -116,7 +116,8 @@ test('un terminal éteint se voit, se lit, et se rouvre d’un clic', { skip: sa
   await page.attendre('/pas de quoi ouvrir/.test(document.querySelector(".avis").textContent)');
   await page.evaluer('import("/liaison.js").then(({ envoyer }) => envoyer({ type: "fermer", id: "t0" }))');
   await page.attendre('!document.querySelector("#onglet-t0")');
-  await page.cliquer('#panneau-t50 .rouvrir');
+  await page.evaluer('import("/terminaux.js").then(({ choisir }) => choisir("t50"))');
+  await page.touche('Entrée');
   await page.attendre('!document.querySelector(".eteint")');
   await page.ecrire('echo rouvert-$((1 + 1))');
   await page.touche('Entrée');

@@ -64,7 +64,7 @@ export class VueTerminal {
     bornerLesRepetitions(this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
-    this.panneau.querySelector('.rouvrir').addEventListener('click', () => envoyer({ type: 'rouvrir', id }));
+    this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());
     for (const ajout of [this.#ajustement, this.recherche, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
     // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
@@ -83,7 +83,7 @@ export class VueTerminal {
   }
 
   decrire({ nom, groupe, dossier, ouvert }) {
-    Object.assign(this, { nom, groupe });
+    Object.assign(this, { nom, groupe, ouvert });
     for (const element of [this.onglet, this.panneau]) element.classList.toggle('eteint', !ouvert);
     Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
@@ -158,6 +158,10 @@ export class VueTerminal {
     if (this.montree && !this.#rejoue) this.#ajustement.fit();
   }
 
+  #rouvrir() {
+    envoyer({ type: 'rouvrir', id: this.id });
+  }
+
   // Jusqu’à la dernière ligne écrite : le reste de l’écran n’est rien à copier.
   #toutSelectionner() {
     const tampon = this.terminal.buffer.active;
@@ -168,6 +172,8 @@ export class VueTerminal {
 
   #saisir(texte) {
     if (this.#rejoue) return;
+    // Au clavier, le bouton « Rouvrir » serait hors d’atteinte : Entrée en tient lieu.
+    if (!this.ouvert) return texte === '\r' && this.#rouvrir();
     this.veille.saisir(texte, performance.now());
     // De deux pages qui montrent ce terminal, une seule doit répondre : le serveur choisit laquelle.
     if (REPONSE_D_OFFICE.test(texte)) envoyer({ type: 'reponse', id: this.id, texte });
