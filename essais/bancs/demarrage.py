@@ -1,12 +1,10 @@
 """Les mesures de demarrage.sh : une passe de chaque programme à tour de rôle, puis les médianes."""
 
-import ctypes
 import json
 import os
 import platform
 import shutil
 import signal
-import socket
 import statistics
 import subprocess
 import sys
@@ -14,9 +12,11 @@ import tempfile
 import threading
 import time
 
+from mesures import arbre, memoire, pixel, port_libre, processeur
+
 KELTROVE, NUE, PASSES = sys.argv[1], sys.argv[2], int(sys.argv[3])
 SANS_GL = {"WEBKIT_DISABLE_DMABUF_RENDERER": "1", "GSK_RENDERER": "cairo", "GDK_DEBUG": "gl-disable"}
-VERT = 0x2B8A3E
+VERT, POINT = 0x2B8A3E, (680, 450)
 REPOS = 60
 
 SERVEUR = """
@@ -30,71 +30,13 @@ process.on('SIGTERM', () => process.exit(0));
 process.on('exit', () => noter('fini'));
 """
 
-X = ctypes.CDLL("libX11.so.6")
-X.XOpenDisplay.restype = ctypes.c_void_p
-X.XDefaultRootWindow.argtypes = [ctypes.c_void_p]
-X.XDefaultRootWindow.restype = ctypes.c_ulong
-X.XGetImage.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_int, ctypes.c_uint, ctypes.c_uint,
-                        ctypes.c_ulong, ctypes.c_int]
-X.XGetImage.restype = ctypes.c_void_p
-X.XGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]
-X.XGetPixel.restype = ctypes.c_ulong
-X.XDestroyImage.argtypes = [ctypes.c_void_p]
-ecran = X.XOpenDisplay(None)
-fond = X.XDefaultRootWindow(ecran)
-
-
-def pixel():
-    image = X.XGetImage(ecran, fond, 680, 450, 1, 1, 0xFFFFFFFF, 2)
-    valeur = X.XGetPixel(image, 0, 0) & 0xFFFFFF
-    X.XDestroyImage(image)
-    return valeur
-
-
 def attendre_le_vert(vert=True, secondes=30):
     limite = time.monotonic() + secondes
-    while (pixel() == VERT) != vert:
+    while (pixel(*POINT) == VERT) != vert:
         if time.monotonic() > limite:
             raise RuntimeError("la page n’a pas été peinte")
         time.sleep(0.001)
     return time.monotonic()
-
-
-def arbre(racine):
-    parents = {}
-    for pid in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open(f"/proc/{pid}/stat") as fichier:
-                parents.setdefault(int(fichier.read().rsplit(")", 1)[1].split()[1]), []).append(int(pid))
-        except OSError:
-            pass
-    membres, aVoir = [], [racine]
-    while aVoir:
-        membres.append(aVoir.pop())
-        aVoir += parents.get(membres[-1], [])
-    return membres
-
-
-def memoire(racine):
-    total = 0
-    for pid in arbre(racine):
-        try:
-            with open(f"/proc/{pid}/smaps_rollup") as fichier:
-                total += sum(int(l.split()[1]) for l in fichier if l.startswith("Pss:"))
-        except OSError:
-            pass
-    return total / 1024
-
-
-def processeur(racine):
-    tics = 0
-    for pid in arbre(racine):
-        try:
-            with open(f"/proc/{pid}/stat") as fichier:
-                tics += sum(map(int, fichier.read().rsplit(")", 1)[1].split()[11:13]))
-        except OSError:
-            pass
-    return tics / os.sysconf("SC_CLK_TCK")
 
 
 class Essai:
@@ -136,12 +78,6 @@ class Essai:
             except OSError:
                 pass
         attendre_le_vert(False)
-
-
-def port_libre():
-    with socket.socket() as prise:
-        prise.bind(("127.0.0.1", 0))
-        return prise.getsockname()[1]
 
 
 def maison_neuve(port):

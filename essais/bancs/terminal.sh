@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Mesure le terminal dans la fenêtre de l’application, à tour de rôle avec xfce4-terminal (VTE) et WeTTY dans Chromium :
+# touche → pixel, gros fichier, flot sans fin interrompu, mémoire. À lancer à la main ; compter quatre minutes par passe.
+#   essais/bancs/terminal.sh [passes, 5 par défaut] [touches|fichier|flot|memoire|vingt …]
+# BANC_PARMI : les programmes voulus, « Keltrove,VTE » par exemple. BANC_AUTRE : le dossier où WeTTY est installé.
+set -euo pipefail
+. "$(dirname "$0")/../../outils/commun.sh"
+
+if [ -z "${KELTROVE_BANC_LANCE:-}" ]; then
+  installer_ce_qui_manque "${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_bancs[@]}"
+  construire release
+  # Deux séries à la fois se fausseraient l’une l’autre.
+  exec env KELTROVE_BANC_LANCE=1 flock "${TMPDIR:-/tmp}/keltrove-banc.verrou" dbus-run-session -- "$0" "$@"
+fi
+# Ce que la machine fait d’autre ne doit pas compter : l’écran et les programmes mesurés passent devant.
+[ "$(id -u)" != 0 ] || chrt -r -p 1 $$
+export LANG=C.UTF-8 LC_ALL=C.UTF-8 NO_AT_BRIDGE=1
+trap fermer_l_ecran_virtuel EXIT
+ouvrir_un_ecran_virtuel
+python3 "$racine/essais/bancs/terminal.py" "$racine/build/release/keltrove" "${BANC_AUTRE:-${TMPDIR:-/tmp}/banc-wetty}" "$@"
