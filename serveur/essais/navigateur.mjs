@@ -161,7 +161,9 @@ export class PageVue {
   }
 
   centre(selecteur) {
-    return this.evaluer(`(() => { const r = document.querySelector(${JSON.stringify(selecteur)}).getBoundingClientRect();
+    return this.evaluer(`(() => { const element = document.querySelector(${JSON.stringify(selecteur)});
+      element.scrollIntoView({ block: 'nearest' });
+      const r = element.getBoundingClientRect();
       return { x: r.x + r.width / 2, y: r.y + r.height / 2 }; })()`);
   }
 

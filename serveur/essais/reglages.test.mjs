@@ -51,3 +51,35 @@ essai('dans une petite fenêtre, les réglages défilent au clavier et « Fermer
   await page.touche('Échap');
   await page.attendre('!document.querySelector(".reglages").open');
 });
+
+const regler = (page, nom, valeur) => page.evaluer(`{ const champ = document.querySelector('[name=${nom}]');
+  champ.value = ${JSON.stringify(valeur)}; champ.dispatchEvent(new Event('change', { bubbles: true })); }`);
+const OPTIONS = (nom) => `(() => { const { terminal } = [...window.vues.values()][0]; return terminal.options.${nom}; })()`;
+
+essai('police, curseur et historique changent les terminaux ouverts ; ce qui ne convient pas se dit', async (page) => {
+  await page.evaluer('import("/terminaux.js").then(({ vues }) => { window.vues = vues; })');
+  const origine = await page.evaluer(OPTIONS('fontFamily'));
+  const note = 'document.querySelector(".note.police").textContent';
+  await page.touche('Ctrl+Maj+P');
+  for (const [police, phrase] of [['Nulle Part Ailleurs', /pas installée/], ['DejaVu Sans', /même largeur/], ['a", serif', /^$/]]) {
+    await regler(page, 'police', police);
+    assert.match(await page.evaluer(note), phrase);
+    assert.equal(await page.evaluer(OPTIONS('fontFamily')), origine);
+  }
+  assert.equal(await page.evaluer('document.querySelector("[name=police]").value'), '');
+  await page.evaluer('document.querySelector("[name=police]").focus()');
+  assert.ok((await page.evaluer('[...document.querySelectorAll("#polices option")].map((o) => o.value)')).includes('DejaVu Sans Mono'));
+  await regler(page, 'police', 'DejaVu Sans Mono');
+  assert.equal(await page.evaluer(note), '');
+  assert.equal(await page.evaluer(OPTIONS('fontFamily')), `"DejaVu Sans Mono", ${origine}`);
+  await regler(page, 'curseur', 'barre');
+  await page.cliquer('[name=clignotant]');
+  await regler(page, 'historique', 50);
+  assert.equal(await page.evaluer('document.querySelector("[name=historique]").value'), '1000');
+  await page.touche('Échap');
+  await page.ecrire('seq 3000');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/3000\\n\\$ /');
+  await page.attendre('document.querySelector(".xterm-cursor-bar.xterm-cursor-blink")');
+  assert.ok((await page.evaluer('[...vues.values()][0].terminal.buffer.normal.length')) < 1100);
+});

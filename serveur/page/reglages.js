@@ -4,11 +4,18 @@ const CLE = 'keltrove-reglages';
 
 // Ce que devient une valeur gardée ; celle d’origine, si elle n’a pas de sens ou s’il n’y en a pas.
 const ouiOuNon = (origine) => (valeur) => (typeof valeur === 'boolean' ? valeur : origine);
-const entier = (origine, { de, a }) => (valeur) => (Number.isInteger(valeur) ? Math.min(Math.max(valeur, de), a) : origine);
+const entier = (origine, { de, a }) => (valeur) => (Number.isFinite(valeur) ? Math.min(Math.max(Math.round(valeur), de), a) : origine);
+const parmi = (origine, ...choix) => (valeur) => (choix.includes(valeur) ? valeur : origine);
+const texte = (origine, forme) => (valeur) => (typeof valeur === 'string' && forme.test(valeur) ? valeur : origine);
 
 const REGLAGES = {
   // De zéro, écrit par mégarde, il ne laisserait plus rien voir pour le corriger.
   corps: entier(14, { de: 8, a: 32 }),
+  theme: parmi('systeme', 'clair', 'sombre', 'contraste', 'papier', 'braise', 'nuit'),
+  police: texte('', /^[^"\\\p{Cc}]{1,100}$/u),
+  curseur: parmi('bloc', 'barre', 'souligne'),
+  clignotant: ouiOuNon(false),
+  historique: entier(10_000, { de: 1000, a: 100_000 }),
   lecteur: ouiOuNon(false),
   collage: ouiOuNon(true),
   prevenir: ouiOuNon(true),
@@ -31,15 +38,16 @@ export function changer(nom, valeur) {
 }
 
 export function ouvrirLesReglages() {
-  for (const [nom, valeur] of Object.entries(valeurs)) {
-    // Une case ne se coche que par « checked », le reste ne s’écrit que dans « value ».
-    Object.assign(formulaire.elements[nom], { checked: valeur, value: valeur });
-  }
+  for (const nom of Object.keys(valeurs)) montrer(nom);
   if (!panneau.open) panneau.showModal();
 }
 
+// Une case ne se coche que par « checked », le reste ne s’écrit que dans « value ».
+const montrer = (nom) => Object.assign(formulaire.elements[nom], { checked: valeurs[nom], value: valeurs[nom] });
+
 formulaire.addEventListener('change', ({ target }) => {
-  const { name, type, validity } = target;
-  if (!(name in REGLAGES) || !validity.valid) return;
+  const { name, type } = target;
+  if (!(name in REGLAGES)) return;
   changer(name, target[{ checkbox: 'checked', number: 'valueAsNumber' }[type] ?? 'value']);
+  montrer(name);
 });

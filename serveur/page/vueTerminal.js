@@ -8,6 +8,7 @@ import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
+import { familleDuTerminal } from '/police.js';
 import { valeurs } from '/reglages.js';
 import { apparenceDuTerminal } from '/themes.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
@@ -17,7 +18,17 @@ Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne
 
 const FIN_DE_COLLAGE = '\x1b[201~';
 
-const preferences = () => ({ ...apparenceDuTerminal(), fontSize: valeurs.corps, screenReaderMode: valeurs.lecteur });
+const CURSEURS = { bloc: 'block', barre: 'bar', souligne: 'underline' };
+
+const preferences = () => ({
+  ...apparenceDuTerminal(),
+  fontFamily: familleDuTerminal(),
+  fontSize: valeurs.corps,
+  cursorStyle: CURSEURS[valeurs.curseur],
+  cursorBlink: valeurs.clignotant,
+  scrollback: valeurs.historique,
+  screenReaderMode: valeurs.lecteur,
+});
 const modele = document.querySelector('#modele-terminal').content;
 
 // Un terminal de la page : son onglet, son panneau, et ce qui veille à prévenir l’utilisateur. Une sonnerie s’annonce
@@ -53,10 +64,8 @@ export class VueTerminal {
       ...preferences(),
       cols: colonnes,
       rows: lignes,
-      fontFamily: '"DejaVu Sans Mono", "Liberation Mono", Menlo, monospace',
       // À un, la hauteur de ligne s’arrondit vers le bas et les soulignés « _ » disparaissent.
       lineHeight: 1.1,
-      scrollback: 10_000,
       // Le choix de largeurs des caractères et les trouvailles surlignées ne sont ouverts qu’à ce prix.
       allowProposedApi: true,
       linkHandler: liensDeclares,
