@@ -1,7 +1,9 @@
-"""Les réglages, tels que WebKit les montre et que le clavier les change."""
+"""Les réglages et les petits services de la page, tels que WebKit les rend."""
 
-from application import attendre, couleur, touches
-from essai_terminal import Terminal
+import glob
+
+from application import attendre, couleur, lire, touches
+from essai_terminal import Terminal, taper
 
 NUIT = "#16202E"
 
@@ -18,4 +20,19 @@ class Reglages(Terminal):
         touches("ctrl+shift+r")
         application.attendre("page-contenu", fois=2)
         attendre(lambda: couleur(680, 700) == NUIT, quoi="la nuit, page rechargée")
+        application.quitter()
+
+
+class Historique(Terminal):
+    def test_l_historique_s_enregistre_en_entier_dans_un_fichier(self):
+        application = self.ouvrir()
+        taper("seq 5000; touch ecrit\n")
+        self.attendre_le_fichier(application, "ecrit")
+
+        # L’écran peut retarder sur le fichier : on enregistre jusqu’à ce que tout y soit.
+        def enregistre():
+            touches("ctrl+shift+s")
+            return any(b"\n4999\n5000\n" in lire(chemin) for chemin in glob.glob(self.chemin(application, "*.txt")))
+
+        attendre(enregistre, quoi="les lignes dans un fichier", pas=0.5)
         application.quitter()

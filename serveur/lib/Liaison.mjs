@@ -2,6 +2,7 @@ import { createHmac } from 'node:crypto';
 import { WebSocket, WebSocketServer } from 'ws';
 import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
+import { enregistrerLHistorique } from './historique.mjs';
 
 const TAILLE_MAXIMALE = 1024 * 1024;
 const DELAI_DU_JETON = 5000;
@@ -10,6 +11,8 @@ const RETARD_HAUT = 512 * 1024;
 const RETARD_BAS = 256 * 1024;
 // En octets, tous terminaux ensemble.
 const RETARD_ABANDON = 32 * 1024 * 1024;
+// En caractères : cent mille lignes de mille colonnes, et de la marge.
+const HISTORIQUE_MAXIMAL = 128 * 1024 * 1024;
 
 const SANS_PLACE = 'Le système n’a pas de quoi ouvrir un terminal de plus. Fermez des programmes, puis réessayez.';
 const CODES = { arret: 1001, illisible: 4400, jeton: 4401 };
@@ -154,6 +157,16 @@ export class Liaison {
     renommer: (terminal, { nom }) => this.#terminaux.renommer(terminal, nom),
     deplacer: (terminal, { rang }) => this.#terminaux.deplacer(terminal, rang),
     accoler: (terminal) => this.#terminaux.accoler(terminal),
+    // Un historique entier ne tiendrait pas dans un message.
+    historique: (_, { texte }, page) => {
+      page.historique += typeof texte === 'string' ? texte : '';
+      if (page.historique.length > HISTORIQUE_MAXIMAL) page.close(CODES.illisible);
+    },
+    enregistrer: async (_, { nom }, page) => {
+      const texte = page.historique;
+      page.historique = '';
+      page.envoyer({ type: 'avis', texte: await enregistrerLHistorique(nom, texte) });
+    },
     recu: (terminal, { id, nombre }, page) => {
       if (Number.isInteger(nombre) && nombre > 0) page.retards.set(id, Math.max(0, page.retard(id) - nombre));
       this.#reglerLeDebit(terminal);
@@ -174,6 +187,8 @@ class Page extends WebSocket {
   retards = new Map();
   // Ce que la reprise lui laisse à lire, en octets.
   reprise = 0;
+  // Ce qu’elle a déjà donné de l’historique qu’elle enregistre.
+  historique = '';
 
   retard(id) {
     return this.retards.get(id) ?? 0;

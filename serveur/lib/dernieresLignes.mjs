@@ -1,5 +1,6 @@
 import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { bornerLesRepetitions } from '../page/bornes.js';
+import { lireLesLignes } from '../page/lignes.js';
 
 export const NOMBRE_DE_LIGNES = 200;
 // Relue d’un trait, une longue sortie retarderait les touches de tous les terminaux. La bibliothèque passe d’un morceau
@@ -39,15 +40,9 @@ async function lireUnEcran(sortie, { colonnes, lignes }) {
     await cederLaMain();
   }
   const tampon = terminal.buffer.active;
-  const lues = [];
-  for (let rang = 0; rang < tampon.length; rang += 1) {
-    const ligne = tampon.getLine(rang);
-    const texte = ligne.translateToString(!tampon.getLine(rang + 1)?.isWrapped);
-    lues.push(ligne.isWrapped ? (lues.pop() ?? '') + texte : texte);
-  }
-  const rempli = tampon.type === 'normal';
+  const lues = tampon.type === 'normal' ? lireLesLignes(tampon) : null;
   terminal.dispose();
-  return rempli ? lues : null;
+  return lues;
 }
 
 // La liste est un fichier : ce qu’on y lit n’a pas le droit de commander au terminal.

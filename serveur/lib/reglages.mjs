@@ -87,7 +87,7 @@ export function lirePrive(chemin) {
 }
 
 // Un tube ou un périphérique mis à la place d’un fichier ferait attendre son ouverture, ou n’aurait pas de fin.
-function lireUnFichier(chemin, preparer = () => {}) {
+export function lireUnFichier(chemin, preparer = () => {}) {
   try {
     const fichier = openSync(chemin, constants.O_RDONLY | constants.O_NONBLOCK | constants.O_NOCTTY);
     try {
@@ -104,12 +104,16 @@ function lireUnFichier(chemin, preparer = () => {}) {
   }
 }
 
-// Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu. Attendre le disque
-// ne doit pas retarder une touche : cette écriture-là se répète tant qu’un terminal parle.
+// Attendre le disque ne doit pas retarder une touche : cette écriture-là se répète tant qu’un terminal parle.
 export async function ecrireAtomiquement(chemin, texte) {
+  assurerLeDossierCache();
+  await remplacer(chemin, texte);
+}
+
+// Le fichier est toujours l’ancien ou le nouveau en entier, même si la machine s’éteint au milieu.
+export async function remplacer(chemin, texte) {
   const provisoire = nommerUnProvisoire(chemin);
   try {
-    assurerLeDossierCache();
     const fichier = await open(provisoire, 'wx', 0o600);
     await fichier.writeFile(texte).then(() => fichier.sync()).finally(() => fichier.close());
     await rename(provisoire, chemin);

@@ -1,4 +1,5 @@
 import '/depot.js';
+import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';
 import { noterLaSortie } from '/notifications.js';
 import { prendreLeFocusDesOnglets } from '/rangee.js';
@@ -71,6 +72,7 @@ const gestes = {
   k: () => envoyer({ type: 'fermer', id: choisie()?.id }),
   o: prendreLeFocusDesOnglets,
   p: ouvrirLesReglages,
+  s: () => enregistrerLHistorique(),
   t: () => ouvrir(),
   pagedown: () => choisirAutour(1),
   pageup: () => choisirAutour(-1),
