@@ -73,6 +73,67 @@ test('le silence après une longue sortie prévient ; ce qui est rejoué, non', 
   assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
 });
 
+test('un message, même en plusieurs morceaux, devient une notification, jamais deux fois', { skip: sansNavigateur }, async (t) => {
+  const { page, premier, second } = await ouvrirDeux(t);
+  const corps = () => page.evaluer('recus.filter(({ action }) => action === "notifier").map(({ id, corps }) => [id, corps])');
+  // Regardé, il ne prévient pas.
+  await page.ecrire('printf "\\e]9;vu\\a"; echo deja-$((1 + 1))');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/deja-2/');
+  await page.ecrire(`${ATTENDRE} printf '\\e]99;i=1:d=0;Courriel\\e\\\\'; sleep 0.1; printf '\\e]99;i=1:p=body;de Zoé\\e\\\\'; sleep 0.1; printf '\\a\\e]9;4;1;30\\a'`);
+  await page.touche('Entrée');
+  await choisir(page, premier);
+  donnerLeDepart(page);
+  await page.attendre(`document.querySelector('.onglet[data-terminal="${second}"] .progression').ariaValueNow === "30"`);
+  assert.deepEqual(await corps(), [[second, 'Courriel : de Zoé']], 'la sonnerie qui suit n’apprend rien de plus');
+  assert.equal(await page.evaluer('document.querySelector(".onglet.attend").dataset.terminal'), second);
+  await page.recharger();
+  await page.attendre(`document.querySelector('.onglet[data-terminal="${second}"] .progression').ariaValueNow === "30"`);
+  await choisir(page, second);
+  await page.attendreLeTexte("/deja-2[^]*30.a'\\n\\$ /");
+  assert.deepEqual(await corps(), [], 'ce qui est rejoué ne prévient pas');
+  assert.deepEqual(page.fautes, []);
+});
+
+test('un programme trop bavard appelle six fois par minute, et sa progression jamais', { skip: sansNavigateur }, async (t) => {
+  const { page, premier, second } = await ouvrirDeux(t);
+  await page.ecrire(`${ATTENDRE} for i in 1 2 3 4 5 6 7 8; do printf "\\e]9;4;2;$i\\a\\e]9;n° $i\\a"; sleep 0.05; done; printf "\\e]9;4;4;99\\a"`);
+  await page.touche('Entrée');
+  await choisir(page, premier);
+  donnerLeDepart(page);
+  await page.attendre(`document.querySelector('.onglet[data-terminal="${second}"] .progression').ariaValueText === "99 %, en pause"`);
+  assert.deepEqual(await page.evaluer('recus.slice(1).map(({ corps }) => corps)'), [1, 2, 3, 4, 5, 6].map((n) => `n° ${n}`));
+});
+
+test('chaque sorte d’appel a son réglage, et le premier les coupe tous', { skip: sansNavigateur }, async (t) => {
+  const { page, premier, second } = await ouvrirDeux(t);
+  const appels = async () => {
+    for (const appel of [{ sorte: 'message', corps: 'm' }, { sorte: 'fin', commande: 'make', duree: 12_000, statut: 2 }]) {
+      await page.evaluer(`import('/notifications.js').then((m) => m.noterUnAppel({ id: '${premier}', ...${JSON.stringify(appel)} }))`);
+    }
+    await page.evaluer(`document.querySelector('#panneau-${premier}').dispatchEvent(new Event('sonnerie', { bubbles: true }))`);
+    return page.evaluer('recus.splice(0).map(({ corps }) => corps)');
+  };
+  const regler = (nom, oui) => page.evaluer(`import('/reglages.js').then((m) => m.changer('${nom}', ${oui}))`);
+  const revenir = async () => {
+    await choisir(page, premier);
+    await choisir(page, second);
+  };
+  await page.evaluer('recus.splice(0)');
+  assert.deepEqual(await appels(), ['m', 'make a échoué (2) après 12 s']);
+  await revenir();
+  await regler('message', false);
+  await regler('fin', false);
+  assert.deepEqual(await appels(), ['Ce terminal vous appelle.']);
+  await revenir();
+  await regler('sonnerie', false);
+  assert.deepEqual(await appels(), []);
+  assert.equal(await page.evaluer('document.querySelector(".onglet.attend").dataset.terminal'), premier);
+  await regler('message', true);
+  await regler('prevenir', false);
+  assert.deepEqual(await appels(), []);
+});
+
 test('le panneau des réglages dit l’état, garde le choix et rend le focus', { skip: sansNavigateur }, async (t) => {
   const page = await PageVue.ouvrir(t, navigateur, { avant: APPLICATION });
   await page.touche('Ctrl+Maj+P');

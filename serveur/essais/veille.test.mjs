@@ -87,3 +87,18 @@ test('les réponses que le terminal donne d’office ne passent pas pour une sai
     assert.equal(veille.annoncer(), true, JSON.stringify(touche));
   }
 });
+
+test('ce qui dit chaque fois autre chose appelle chaque fois, mais six fois par minute', () => {
+  const veille = new Veille();
+  const heures = [0, 1000, 2000, 3000, 4000, 5000, 6000, 59_999, 60_000, 60_500, 61_000];
+  assert.deepEqual(heures.map((heure) => veille.appeler(heure)), [true, true, true, true, true, true, false, false, true, false, true]);
+  assert.equal(veille.annoncer(200_000), false, 'après un message, le silence ou la sonnerie n’apprend rien');
+});
+
+test('regardé, un terminal n’appelle pas, et ce qu’il a dit ne compte pas', () => {
+  const veille = new Veille();
+  veille.regarder(true);
+  for (let i = 0; i < 10; i += 1) assert.equal(veille.appeler(0), false);
+  veille.regarder(false);
+  assert.equal(veille.appeler(0), true);
+});

@@ -54,6 +54,11 @@ export class Liaison {
     this.#diffuser({ type: 'avis', texte });
   }
 
+  // Sans page ouverte, personne n’est là pour l’entendre : il est perdu.
+  diffuserUnAppel(terminal, appel) {
+    this.#diffuser({ type: 'appel', id: terminal.id, ...appel });
+  }
+
   diffuserLaSortie(terminal, texte) {
     for (const page of this.#pages) {
       page.envoyerDuTexte('sortie', terminal.id, texte);

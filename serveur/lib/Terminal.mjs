@@ -12,6 +12,8 @@ const SORTIE_RELUE = { caracteres: 40_000, lignes: 3 * NOMBRE_DE_LIGNES };
 // Un bavard parle par morceaux de 4 Kio, qui feraient autant de messages : le premier part tout de suite, puis ce qui
 // s’amasse pendant un répit, en millisecondes, part d’un trait.
 const REPIT = 5;
+// En millisecondes, avant de demander au système le nom d’une commande qui ne le dit pas : le temps qu’elle se lance.
+const DELAI_D_UN_NOM = 2000;
 
 const estUnDossier = (chemin) => essayer(() => statSync(chemin).isDirectory(), false);
 const borner = (valeur, minimum, defaut) => (
@@ -23,8 +25,13 @@ const borner = (valeur, minimum, defaut) => (
 export class Terminal {
   quandSortie = () => {};
   quandAnnonce = () => {};
+  quandAppel = () => {};
   quandFin = () => {};
-  annonces = new Annonces({ quandTitre: () => this.quandAnnonce(), quandDossier: (chemin) => this.#noterLeDossier(chemin) });
+  annonces = new Annonces({
+    quandChangement: () => this.#noterLeChangement(),
+    quandDossier: (chemin) => this.#noterLeDossier(chemin),
+    quandAppel: (appel) => this.quandAppel(appel),
+  });
   tampon = new Tampon();
   #interpreteur = null;
   #dossier;
@@ -34,6 +41,7 @@ export class Terminal {
   #aDire = '';
   #repit = null;
   #aParle = false;
+  #nommage = null;
 
   constructor({ id, nom, groupe, dossier, colonnes, lignes, lignesPassees = [] }) {
     Object.assign(this, { id, nom, groupe, colonnes: borner(colonnes, 2, 80), lignes: borner(lignes, 1, 24) });
@@ -115,6 +123,16 @@ export class Terminal {
     this.annonces.lire(texte);
     this.quandSortie(texte);
     return setTimeout(() => (this.#repit = this.#aDire === '' ? null : this.#dire()), REPIT);
+  }
+
+  #noterLeChangement() {
+    if (this.annonces.commandes.estSansNom) this.#nommage ??= setTimeout(() => this.#nommerLaCommande(), DELAI_D_UN_NOM);
+    this.quandAnnonce();
+  }
+
+  #nommerLaCommande() {
+    this.#nommage = null;
+    this.annonces.commandes.nommer(this.programme ?? '');
   }
 
   #noterLeDossier(chemin) {

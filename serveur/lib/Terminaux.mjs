@@ -21,6 +21,7 @@ const estUnId = (valeur) => typeof valeur === 'string' && /^[\w-]{1,64}$/.test(v
 // `quandListeChange` : ce que montre une page. `quandRangementChange` : noms, dossiers et ordre, que garde le carnet.
 export class Terminaux {
   quandSortie = () => {};
+  quandAppel = () => {};
   quandListeChange = () => {};
   quandRangementChange = () => {};
   liste = [];
@@ -95,9 +96,10 @@ export class Terminaux {
   }
 
   pourLaPage() {
-    return this.liste.map(({ id, nom, annonces: { titre }, groupe, dossier, colonnes, lignes, ouvert }) => (
-      { id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes, ouvert }
-    ));
+    return this.liste.map(({ id, nom, annonces: { titre, progression, commandes }, groupe, dossier, colonnes, lignes, ouvert }) => ({
+      id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes, ouvert, progression,
+      aLInvite: commandes.aLInvite,
+    }));
   }
 
   // L’un après l’autre : relire vingt terminaux d’un trait retarderait les touches.
@@ -125,6 +127,7 @@ export class Terminaux {
     const sien = estUnId(id) && !this.trouver(id) ? id : nouvelId();
     const terminal = new Terminal({ id: sien, nom: nettoyer(nom) || this.#choisirUnNom(), groupe, ...reste });
     terminal.quandAnnonce = () => this.#prevoirUnReleve(DELAI_D_UNE_ANNONCE);
+    terminal.quandAppel = (appel) => this.quandAppel(terminal, appel);
     terminal.quandSortie = (texte) => {
       // L’interpréteur a pu changer de dossier, ce qu’il n’annonce pas.
       this.#prevoirUnReleve(DELAI_D_UN_RELEVE);

@@ -90,6 +90,7 @@ function allumer(porte) {
     liaison.diffuserLaSortie(terminal, texte);
     carnet.noterLesLignes();
   };
+  terminaux.quandAppel = (terminal, appel) => liaison.diffuserUnAppel(terminal, appel);
   terminaux.quandListeChange = () => liaison.diffuserLaListe();
   terminaux.quandRangementChange = () => carnet.noterLeRangement();
   const garde = carnet.lire();

@@ -12,8 +12,8 @@ let bibliotheque = null;
 // Longue à charger : après la première page, mais sans attendre le jour où les descripteurs manqueraient.
 export const chargerLaBibliotheque = () => (bibliotheque ??= import('@xterm/headless'));
 
-// Des couleurs, un titre, le collage encadré : ce qui ne déplace pas le curseur.
-const SANS_MOUVEMENT = /\x1b\[[\d;:]*m|\x1b\][02];[^\x00-\x1f]*(?:\x07|\x1b\\)|\x1b\[\?2004[hl]/g;
+// Des couleurs, une annonce, le collage encadré : ce qui ne déplace pas le curseur.
+const SANS_MOUVEMENT = /\x1b\[[\d;:]*m|\x1b\](?:0|2|7|9|99|133|777);[^\x00-\x1f]*(?:\x07|\x1b\\)|\x1b\[\?2004[hl]/g;
 const AUTRE_COMMANDE = /[\x00-\x09\x0b-\x1f\x7f-\x9f]/;
 
 // Ce qu’imprime le plus souvent un bavard se lit sans terminal, pour cent fois moins ; rien si ce n’est pas si simple.

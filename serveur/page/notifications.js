@@ -1,9 +1,11 @@
+import { direLaFin } from '/fins.js';
 import { valeurs } from '/reglages.js';
 import { choisir, vues } from '/terminaux.js';
 import { SILENCE } from '/veille.js';
 
 const APPEL = 'Ce terminal vous appelle.';
 const ATTENTE = 'Ce terminal s’est tu et semble vous attendre.';
+const SANS_TEXTE = ['sonnerie', 'silence'];
 const ETATS = {
   accorde: 'Les notifications sont autorisées.',
   refuse: 'Les notifications sont refusées dans les réglages du système.',
@@ -24,12 +26,23 @@ else direLEtat('sansPont');
 
 // Quels terminaux sont sous les yeux de l’utilisateur : à redire dès que cela change.
 for (const nom of ['focus', 'blur', 'visibilitychange', 'choix']) addEventListener(nom, relire, true);
-addEventListener('sonnerie', ({ target }) => appeler(vues.get(target.dataset.terminal), APPEL));
+addEventListener('sonnerie', ({ target }) => appeler(vues.get(target.dataset.terminal), 'sonnerie', APPEL));
 
 export function noterLaSortie(id, nombre) {
   vues.get(id)?.veille.sortir(nombre, performance.now());
   clearTimeout(minuteurs.get(id));
-  minuteurs.set(id, setTimeout(() => vues.get(id)?.veille.echeance && appeler(vues.get(id), ATTENTE), SILENCE));
+  minuteurs.set(id, setTimeout(noterLeSilence, SILENCE, id));
+}
+
+// Ce que le serveur a lu dans la sortie : un message d’un programme, ou la fin d’une longue commande.
+export function noterUnAppel({ id, sorte, corps, ...fin }) {
+  if (vues.has(id)) appeler(vues.get(id), sorte, corps ?? direLaFin(fin));
+}
+
+// À l’invite, un interpréteur attend toujours : ce n’est pas une nouvelle.
+function noterLeSilence(id) {
+  const vue = vues.get(id);
+  if (vue?.veille.echeance && !vue.aLInvite) appeler(vue, 'silence', ATTENTE);
 }
 
 function relire() {
@@ -40,10 +53,13 @@ function relire() {
   }
 }
 
-function appeler(vue, corps) {
-  if (!vue.veille.annoncer()) return;
+// Chaque sorte d’appel a son réglage, du même nom.
+function appeler(vue, sorte, corps) {
+  if (vue.veille.regarde) return;
   vue.marquer(true);
-  if (valeurs.prevenir) pont?.postMessage({ action: 'notifier', id: vue.id, titre: vue.nom, corps });
+  if (!valeurs.prevenir || !valeurs[sorte]) return;
+  const neuf = SANS_TEXTE.includes(sorte) ? vue.veille.annoncer(performance.now()) : vue.veille.appeler(performance.now());
+  if (neuf) pont?.postMessage({ action: 'notifier', id: vue.id, titre: vue.nom, corps });
 }
 
 function direLEtat(etat) {

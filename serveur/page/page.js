@@ -1,7 +1,7 @@
 import '/depot.js';
 import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';
-import { noterLaSortie } from '/notifications.js';
+import { noterLaSortie, noterUnAppel } from '/notifications.js';
 import { prendreLeFocusDesOnglets } from '/rangee.js';
 import { ouvrirLaRecherche } from '/recherche.js';
 import { changer, ouvrirLesReglages, valeurs } from '/reglages.js';
@@ -29,6 +29,7 @@ relier({
     ecrire(id, texte);
     noterLaSortie(id, texte.length);
   },
+  appel: noterUnAppel,
   occupe({ id, programme }) {
     const phrase = `« ${programme} » tourne encore dans « ${vues.get(id)?.nom} ». Fermer ce terminal l’arrêtera.`;
     const confirmer = () => question.returnValue && envoyer({ type: 'fermer', id, certain: true });

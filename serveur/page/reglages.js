@@ -19,6 +19,10 @@ const REGLAGES = {
   lecteur: ouiOuNon(false),
   collage: ouiOuNon(true),
   prevenir: ouiOuNon(true),
+  message: ouiOuNon(true),
+  fin: ouiOuNon(true),
+  sonnerie: ouiOuNon(true),
+  silence: ouiOuNon(true),
 };
 
 const panneau = document.querySelector('.reglages');

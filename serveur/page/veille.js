@@ -1,24 +1,27 @@
 // En millisecondes, sauf la dernière, en caractères.
 export const SILENCE = 10_000;
-const LONGUE_DUREE = 10_000;
+export const LONGUE_DUREE = 10_000;
 const DELAI_DE_L_ECHO = 400;
 const GROSSE_SORTIE = 1000;
+const MINUTE = 60_000;
+const PAR_MINUTE = 6;
 
 // Ce que xterm répond de lui-même aux programmes : focus, position, nature du terminal.
 export const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|[P\]_])/;
 
 // Quand un terminal a-t-il de quoi appeler son utilisateur ? La décision seule : ni page, ni horloge.
 export class Veille {
-  #regarde = false;
+  regarde = false;
   #annonce = false;
   #saisi = Infinity;
   #sourdJusqua = -Infinity;
   #nonVu = 0;
   #derniere = null;
+  #appels = [];
 
   // Ce qui s’affiche sous les yeux de l’utilisateur n’a pas à lui être annoncé.
   regarder(oui) {
-    this.#regarde = oui;
+    this.regarde = oui;
     if (oui) this.#oublier();
   }
 
@@ -35,7 +38,7 @@ export class Veille {
   }
 
   sortir(nombre, maintenant) {
-    if (this.#regarde || maintenant < this.#sourdJusqua) return;
+    if (this.regarde || maintenant < this.#sourdJusqua) return;
     this.#nonVu += nombre;
     this.#derniere = maintenant;
   }
@@ -47,9 +50,16 @@ export class Veille {
     return digne ? this.#derniere + SILENCE : null;
   }
 
-  // Répond vrai une seule fois, jusqu’à ce que l’utilisateur revienne.
-  annoncer() {
-    if (this.#regarde || this.#annonce) return false;
+  // Ce qui n’apprend rien de plus la seconde fois : vrai une seule fois, jusqu’à ce que l’utilisateur revienne.
+  annoncer(maintenant) {
+    return !this.#annonce && this.appeler(maintenant);
+  }
+
+  // Ce qui dit chaque fois autre chose : vrai, sauf pour un programme qui appelle trop souvent.
+  appeler(maintenant) {
+    this.#appels = this.#appels.filter((heure) => maintenant - heure < MINUTE);
+    if (this.regarde || this.#appels.length === PAR_MINUTE) return false;
+    this.#appels.push(maintenant);
     return (this.#annonce = true);
   }
 

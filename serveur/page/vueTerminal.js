@@ -9,6 +9,7 @@ import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
 import { familleDuTerminal } from '/police.js';
+import { montrerLaProgression } from '/progression.js';
 import { valeurs } from '/reglages.js';
 import { apparenceDuTerminal } from '/themes.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
@@ -91,11 +92,12 @@ export class VueTerminal {
     return { colonnes: this.terminal.cols, lignes: this.terminal.rows };
   }
 
-  decrire({ nom, groupe, dossier, ouvert }) {
-    Object.assign(this, { nom, groupe, ouvert });
+  decrire({ nom, groupe, dossier, ouvert, aLInvite, progression }) {
+    Object.assign(this, { nom, groupe, ouvert, aLInvite });
     for (const element of [this.onglet, this.panneau]) element.classList.toggle('eteint', !ouvert);
     Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
+    montrerLaProgression(this.onglet.querySelector('.progression'), progression, nom);
     this.marquer(this.onglet.classList.contains('attend'));
   }
 
