@@ -107,6 +107,7 @@ essai('réordonner au clavier et à la souris, renommer, puis rendre le nom à l
   await page.ecrire('Mon nom <b>');
   await page.touche('Entrée');
   await page.attendre(`document.querySelector("#onglet-${second}").textContent === "Mon nom <b>"`);
+  assert.doesNotMatch(await page.texte(), /\$ *\n\$/, 'Entrée n’était pas pour l’interpréteur');
   await lancerUneLigne(page, "printf '\\033]0;Titre\\a'");
   await page.touche('Ctrl+Maj+O');
   await page.touche('F2');

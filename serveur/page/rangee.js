@@ -83,8 +83,11 @@ function renommer(onglet) {
     bouton.hidden = false;
     if (nom !== ancien.trim()) envoyer({ type: 'renommer', id, nom });
   }, { once: true });
-  champ.addEventListener('keydown', ({ key, isComposing }) => {
+  champ.addEventListener('keydown', (evenement) => {
+    const { key, isComposing } = evenement;
     if (isComposing || (key !== 'Enter' && key !== 'Escape')) return;
+    // La suite de la frappe irait au terminal : Entrée y lancerait ce qui s’y trouve.
+    evenement.preventDefault();
     if (key === 'Escape') champ.value = ancien;
     // Le focus perdu finit la saisie.
     rendreLeFocus();
