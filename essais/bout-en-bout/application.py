@@ -207,6 +207,14 @@ def couleur(x, y):
     return "#" + pixels.split("#")[-1][:6].upper()
 
 
+def compter_les_pixels(teinte, zone=None):
+    """Ceux de cette teinte exacte, à l’écran ou dans une zone (largeurxhauteur+x+y)."""
+    choix = ["-crop", zone] if zone else []
+    image = subprocess.run(["import", "-window", "root", *choix, "png:-"], capture_output=True).stdout
+    compte = ["-depth", "8", "-fill", "black", "+opaque", teinte, "-fill", "white", "-opaque", teinte, "-format", "%[fx:mean*w*h]", "info:"]
+    return round(float(subprocess.run(["convert", "png:-", *compte], input=image, capture_output=True).stdout))
+
+
 def fenetres(application, visible=True):
     choix = ["--onlyvisible"] if visible else []
     trouvees = subprocess.run(["xdotool", "search", *choix, "--pid", str(application.processus.pid)],

@@ -1,5 +1,4 @@
 import { FitAddon } from '/xterm/addon-fit.mjs';
-import { SearchAddon } from '/xterm/addon-search.mjs';
 import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
 import { bornerLesRepetitions } from '/bornes.js';
@@ -36,7 +35,6 @@ const modele = document.querySelector('#modele-terminal').content;
 // par un événement « sonnerie » du panneau.
 export class VueTerminal {
   veille = new Veille();
-  recherche = new SearchAddon();
   montree = false;
   #ajustement = new FitAddon();
   #rejoue;
@@ -75,7 +73,7 @@ export class VueTerminal {
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());
-    for (const ajout of [this.#ajustement, this.recherche, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
+    for (const ajout of [this.#ajustement, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
     // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
     this.terminal.unicode.activeVersion = '11';
