@@ -1,9 +1,12 @@
 """Les réglages et les petits services de la page, tels que WebKit les rend."""
 
 import glob
+import os
+import time
 
 from application import attendre, couleur, lire, touches
 from essai_terminal import Terminal, taper
+from glissement import souris
 
 NUIT = "#16202E"
 
@@ -35,4 +38,21 @@ class Historique(Terminal):
             return any(b"\n4999\n5000\n" in lire(chemin) for chemin in glob.glob(self.chemin(application, "*.txt")))
 
         attendre(enregistre, quoi="les lignes dans un fichier", pas=0.5)
+        application.quitter()
+
+
+class Molette(Terminal):
+    def lignes(self, application, rang):
+        taper(f"stty size > taille{rang}\n")
+        attendre(lambda: os.path.exists(self.chemin(application, f"taille{rang}")) and lire(self.chemin(application, f"taille{rang}")),
+                 quoi="la taille")
+        return int(lire(self.chemin(application, f"taille{rang}")).split()[0])
+
+    def test_ctrl_molette_grossit_le_texte_et_le_programme_apprend_sa_taille(self):
+        application = self.ouvrir()
+        avant = self.lignes(application, "avant")
+        souris("mousemove", 640, 500, "keydown", "ctrl", "click", "--repeat", 4, "--delay", 60, 4, "keyup", "ctrl")
+        attendre(lambda: self.lignes(application, time.monotonic_ns()) < avant - 5, quoi="des lignes plus grandes")
+        souris("keydown", "ctrl", "click", "--repeat", 4, "--delay", 60, 5, "keyup", "ctrl")
+        attendre(lambda: self.lignes(application, time.monotonic_ns()) == avant, quoi="la taille d’avant")
         application.quitter()

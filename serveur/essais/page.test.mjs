@@ -61,7 +61,7 @@ essai('taper, voir, recharger, retrouver ; puis redémarrer et retrouver encore'
   await lancerUneLigne(page, 'echo "<$jeu>"');
   await page.attendreLeTexte('/<gardé>/');
   await arreter(page.serveur);
-  await page.attendre('document.querySelector(".avis").textContent === "Connexion au serveur perdue"');
+  await page.attendre("!document.querySelector(\".coupure\").hidden");
   await lancer(t, page.maison);
   await page.attendreLeTexte('/vu-21[^]*── fin de la session précédente ──/');
   await lancerUneLigne(page, 'echo neuf-$((1 + 1))');

@@ -83,3 +83,21 @@ essai('police, curseur et historique changent les terminaux ouverts ; ce qui ne 
   await page.attendre('document.querySelector(".xterm-cursor-bar.xterm-cursor-blink")');
   assert.ok((await page.evaluer('[...vues.values()][0].terminal.buffer.normal.length')) < 1100);
 });
+
+essai('Ctrl+molette change la taille du texte ; avec Alt en plus, elle va au programme', async (page) => {
+  const corps = () => page.evaluer('import("/reglages.js").then(({ valeurs }) => valeurs.corps)');
+  const rouler = (deltaY, modifiers) => page.demander('Input.dispatchMouseEvent', { type: 'mouseWheel', x: 300, y: 300, deltaX: 0, deltaY, modifiers });
+  await page.ecrire("stty -echo; printf '\\e[?1000h\\e[?1006hpret\\n'; cat -v");
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/^pret/m');
+  for (const deltaY of [-120, -120, -120, 120]) await rouler(deltaY, 2);
+  assert.equal(await corps(), 16);
+  for (let i = 0; i < 5; i += 1) await rouler(20, 2);
+  assert.equal(await corps(), 15);
+  await rouler(-120, 2 | 1);
+  await page.touche('Entrée');
+  const vu = await page.attendreLeTexte('/\\^\\[\\[<[^M]*M/');
+  assert.match(vu, /<88;/);
+  assert.equal(await corps(), 15);
+  assert.equal(await page.evaluer('visualViewport.scale'), 1);
+});

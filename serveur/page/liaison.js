@@ -1,10 +1,15 @@
-const DELAI_DE_REPRISE = 1000;
+// En millisecondes ; chaque essai manqué double la suivante.
+const PREMIERE_ATTENTE = 1000;
+const ATTENTE_MAXIMALE = 30_000;
 const JETON_REFUSE = 4401;
 
 const jeton = document.querySelector('meta[name=keltrove-jeton]').content;
 let socket;
+let enAttente = null;
+let essais = 0;
 
-// Le fil avec le serveur, renoué tout seul quand il casse. `receptions` dit que faire d’un message, et d’une coupure.
+// Le fil avec le serveur, renoué tout seul quand il casse. `receptions` dit que faire d’un message, et d’une coupure :
+// combien d’essais elle a déjà usés, et l’attente avant le prochain.
 export function relier(receptions, { renoue = false } = {}) {
   socket = new WebSocket(`ws://${location.host}/terminaux`);
   const saluer = () => envoyer({ type: 'bonjour', jeton });
@@ -13,6 +18,7 @@ export function relier(receptions, { renoue = false } = {}) {
   socket.addEventListener('open', renoue && crypto.subtle ? () => envoyer({ type: 'defi', defi }) : saluer);
   socket.addEventListener('message', async ({ data, target }) => {
     const message = JSON.parse(data);
+    if (message.type === 'accueil') essais = 0;
     if (message.type !== 'preuve') receptions[message.type]?.(message);
     else if (message.preuve === (await prouver(defi))) saluer();
     else target.close();
@@ -20,9 +26,22 @@ export function relier(receptions, { renoue = false } = {}) {
   socket.addEventListener('close', ({ code }) => {
     // Le serveur a changé de jeton depuis que cette page a été servie : la nouvelle page aura le bon.
     if (code === JETON_REFUSE) return location.reload();
-    receptions.coupure();
-    setTimeout(relier, DELAI_DE_REPRISE, receptions, { renoue: true });
+    const attente = Math.min(PREMIERE_ATTENTE * 2 ** essais, ATTENTE_MAXIMALE);
+    receptions.coupure({ attente, essais });
+    essais += 1;
+    const minuteur = setTimeout(renouerMaintenant, attente);
+    enAttente = () => {
+      clearTimeout(minuteur);
+      relier(receptions, { renoue: true });
+    };
   });
+}
+
+// Rien pendant un essai : c’est lui que l’on attend.
+export function renouerMaintenant() {
+  const renouer = enAttente;
+  enAttente = null;
+  renouer?.();
 }
 
 // Sans liaison, la demande est perdue : la rejouer plus tard surprendrait.

@@ -1,4 +1,5 @@
 import '/depot.js';
+import { direLaCoupure, direLaReprise } from '/coupure.js';
 import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';
 import { noterLaSortie, noterUnAppel } from '/notifications.js';
@@ -6,6 +7,7 @@ import { prendreLeFocusDesOnglets } from '/rangee.js';
 import { ouvrirLaRecherche } from '/recherche.js';
 import { changer, ouvrirLesReglages, valeurs } from '/reglages.js';
 import { choisie, choisir, choisirAutour, ecrire, recommencer, rendreLeFocus, suivre, vues } from '/terminaux.js';
+import '/zoom.js';
 
 // De quoi lire un avis, même long.
 const DUREE_D_UN_AVIS = 4000;
@@ -17,7 +19,7 @@ const question = document.querySelector('.question');
 
 relier({
   accueil({ terminaux, alerte: texte }) {
-    avis.textContent = '';
+    direLaReprise();
     alerter({ texte });
     recommencer(terminaux);
   },
@@ -43,9 +45,7 @@ relier({
     aviser({ texte: `Le programme de « ${vues.get(id)?.nom} » ne lit pas ce qu’on lui envoie : le reste n’est pas envoyé.` });
   },
   avis: aviser,
-  coupure() {
-    avis.textContent = 'Connexion au serveur perdue';
-  },
+  coupure: direLaCoupure,
 });
 
 function aviser({ texte }) {
