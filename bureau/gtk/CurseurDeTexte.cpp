@@ -1,7 +1,5 @@
 #include "bureau/gtk/CurseurDeTexte.hpp"
 
-#include <gtk/gtk.h>
-
 namespace keltrove::bureau {
 namespace {
 
@@ -32,6 +30,11 @@ void retirerF7AuxTextes() {
   }
   g_object_unref(controleurs);
   g_object_unref(texte);
+}
+
+void figerLeTexteCacheDe(GtkWidget* vue) {
+  for (auto* enfant = gtk_widget_get_first_child(vue); enfant; enfant = gtk_widget_get_next_sibling(enfant))
+    if (GTK_IS_TEXT_VIEW(enfant)) gtk_text_view_set_editable(GTK_TEXT_VIEW(enfant), FALSE);
 }
 
 } // namespace keltrove::bureau

@@ -1,11 +1,16 @@
-// CurseurDeTexte : F7 doit traverser la boîte à outils jusqu’à la page.
+// CurseurDeTexte : le texte de GTK caché à qui WebKit demande ce que chaque touche veut dire.
 #pragma once
+
+#include <gtk/gtk.h>
 
 namespace keltrove::bureau {
 
-// WebKit demande à un texte de GTK caché ce que chaque touche veut dire ; F7 y cache le curseur, et GTK 4.8
-// arrête alors le programme au clignotement suivant. Retire ce sens à F7 dans tous les textes. À appeler
-// après l’initialisation de GTK.
+// F7 y cache le curseur, et GTK 4.8 arrête alors le programme au clignotement suivant. Retire ce sens à F7
+// dans tous les textes. À appeler après l’initialisation de GTK.
 void retirerF7AuxTextes();
+
+// Ce texte garde tout ce que l’on tape, et le curseur qui y clignote fait attendre à chaque image de la page
+// le prochain battement de l’horloge de GTK. `vue` est la vue de WebKit qui le contient.
+void figerLeTexteCacheDe(GtkWidget* vue);
 
 } // namespace keltrove::bureau

@@ -1,5 +1,6 @@
 #include "bureau/gtk/VueWeb.hpp"
 
+#include "bureau/gtk/CurseurDeTexte.hpp"
 #include "bureau/gtk/EssaiDeLancement.hpp"
 #include "fenetre/VueWebDepot.hpp"
 #include "pont/PontNotifications.hpp"
@@ -77,6 +78,7 @@ std::string adresseDe(WebKitNavigationAction* action) {
 
 VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
   g_object_ref_sink(vue_);
+  figerLeTexteCacheDe(GTK_WIDGET(vue_));
   g_signal_connect(vue_, "load-changed",
                    G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent evenement, VueWeb* moi) {
                      moi->quandLeChargementChange(evenement);
