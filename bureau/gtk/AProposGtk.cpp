@@ -1,5 +1,6 @@
 #include "bureau/gtk/AProposGtk.hpp"
 
+#include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/APropos.hpp"
 #include "socle/Reglages.hpp"
 
@@ -46,6 +47,7 @@ AProposGtk::AProposGtk(Gtk::Window& parente)
   set_modal(true);
   set_resizable(false);
   set_hide_on_close(true);
+  g_object_set(gobj(), "accessible-role", GTK_ACCESSIBLE_ROLE_DIALOG, nullptr);
   construireLesTextes();
   construireLeJournal();
   construireLesBoutons();
@@ -54,6 +56,7 @@ AProposGtk::AProposGtk(Gtk::Window& parente)
     pile_.append(*element);
   pile_.set_margin(marge);
   set_child(pile_);
+  nommerLesAscenseurs(*this);
   set_default_widget(fermer_);
   fermerSurEchap();
 }
@@ -73,8 +76,7 @@ void AProposGtk::construireLesTextes() {
 }
 
 void AProposGtk::construireLeJournal() {
-  gtk_accessible_update_property(GTK_ACCESSIBLE(texteDuJournal_.gobj()), GTK_ACCESSIBLE_PROPERTY_LABEL,
-                                 "Journal", -1);
+  nommer(texteDuJournal_, "Journal");
   texteDuJournal_.set_editable(false);
   texteDuJournal_.set_cursor_visible(false);
   texteDuJournal_.set_monospace(true);

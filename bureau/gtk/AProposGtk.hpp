@@ -2,6 +2,8 @@
 // suivrait la langue du système, non la nôtre.
 #pragma once
 
+#include "bureau/gtk/MenuDeTexte.hpp"
+
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
 #include <gtkmm/image.h>
@@ -32,6 +34,7 @@ private:
   Gtk::Label licence_;
   Gtk::ScrolledWindow cadreDuJournal_;
   Gtk::TextView texteDuJournal_;
+  MenuDeTexte menuDuJournal_{texteDuJournal_};
   Gtk::Box boutons_;
   Gtk::ToggleButton voir_;
   Gtk::Button copier_;

@@ -1,5 +1,6 @@
 #include "bureau/gtk/EcranGtk.hpp"
 
+#include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 
 #include <memory>
@@ -44,6 +45,7 @@ EcranGtk::EcranGtk()
     pile_.append(*element);
   }
   set_child(pile_);
+  nommerLesAscenseurs(*this);
   lierEntree();
 }
 
@@ -68,7 +70,7 @@ void EcranGtk::construireLesBoutons() {
 }
 
 void EcranGtk::construireLeDetail() {
-  gtk_accessible_update_property(GTK_ACCESSIBLE(detail_.gobj()), GTK_ACCESSIBLE_PROPERTY_LABEL, "Détail", -1);
+  nommer(detail_, "Détail");
   detail_.set_editable(false);
   detail_.set_cursor_visible(false);
   detail_.set_monospace(true);

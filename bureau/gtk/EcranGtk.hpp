@@ -1,6 +1,7 @@
 // EcranGtk : la vue de l’écran d’attente. Elle dessine un EtatEcran et rapporte les deux boutons.
 #pragma once
 
+#include "bureau/gtk/MenuDeTexte.hpp"
 #include "bureau/gtk/Roue.hpp"
 #include "bureau/gtk/TexteReplie.hpp"
 #include "fenetre/EcranAttente.hpp"
@@ -38,6 +39,7 @@ private:
   Gtk::Button boutonReessayer_;
   Gtk::Button boutonDetail_;
   Gtk::TextView detail_;
+  MenuDeTexte menuDuDetail_{detail_};
   Gtk::ScrolledWindow cadreDetail_;
   Gtk::Box boutons_;
   Gtk::Box pile_;

@@ -3,6 +3,7 @@
 #include "bureau/gtk/CadreMemorise.hpp"
 #include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "bureau/gtk/Style.hpp"
+#include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 
 #include <glibmm/main.h>
@@ -33,6 +34,8 @@ FenetreGtk::FenetreGtk(socle::Environnement environnement) : environnement_(std:
   contenu_.add_overlay(ecran_);
   contenu_.add_overlay(bandeau_);
   contenu_.set_vexpand(true);
+  taire(contenu_);
+  nommer(vueWeb_.widget(), "Page");
   pile_.append(menus_.barre());
   pile_.append(contenu_);
   set_child(pile_);
@@ -95,7 +98,7 @@ void FenetreGtk::retenirLaTaille() const {
 }
 
 void FenetreGtk::suivreLeTheme() {
-  const bool sombre = themeSombre();
+  const bool sombre = themeSombre(*this);
   remove_css_class(sombre ? "clair" : "sombre");
   add_css_class(sombre ? "sombre" : "clair");
   vueWeb_.peindreLeFond(sombre ? Apparence::fondSombre : Apparence::fondClair);

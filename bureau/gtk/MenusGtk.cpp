@@ -1,6 +1,9 @@
 #include "bureau/gtk/MenusGtk.hpp"
 
+#include "bureau/gtk/TextesDeGtk.hpp"
+
 #include <algorithm>
+#include <map>
 
 #include <glibmm/main.h>
 #include <gtkmm/popover.h>
@@ -21,6 +24,26 @@ std::string accelerateurDe(const Menus::Raccourci& raccourci) {
   if (option) return std::string("<Control><Shift><Alt>") + raccourci.lettre;
   // Maj est déjà prise : « Rétablir » a sa lettre à lui.
   return std::string("<Control><Shift>") + (maj && raccourci.lettre == 'z' ? 'y' : raccourci.lettre);
+}
+
+// GTK les écrirait dans la langue du système.
+Glib::ustring touchesDe(const Menus::Raccourci& raccourci) {
+  const auto accelerateur = accelerateurDe(raccourci);
+  if (raccourci.modificateurs.controle) return accelerateur;
+  const char lettre = Glib::Ascii::toupper(accelerateur.back());
+  return Glib::ustring("Ctrl+Maj+") + (raccourci.modificateurs.option ? "Alt+" : "") + lettre;
+}
+
+std::map<Glib::ustring, Glib::ustring> touchesDe(const Menus::Menu& menu) {
+  std::map<Glib::ustring, Glib::ustring> touches;
+  for (const auto& ligne : menu.articles)
+    if (const auto* article = std::get_if<Menus::Article>(&ligne); article != nullptr && article->raccourci)
+      touches[article->titre] = touchesDe(*article->raccourci);
+  return touches;
+}
+
+Glib::ustring titreDe(const Menus::Menu& menu) {
+  return menu.titre.empty() ? "Keltrove" : menu.titre;
 }
 
 Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& application) {
@@ -86,14 +109,15 @@ std::string nomDe(Menus::Action action) {
 
 MenusGtk::MenusGtk(Gtk::Window& fenetre) : fenetre_(fenetre) {
   gtk_window_set_handle_menubar_accel(fenetre_.gobj(), FALSE);
+  nommer(barre_, "Menus");
   ouvrirAuClavier();
   suivreLeFocus();
 }
 
 void MenusGtk::poser(const std::vector<Menus::Menu>& menus, Gtk::Application& application) {
   for (const auto& menu : menus)
-    modele_->append_submenu(menu.titre.empty() ? "Keltrove" : menu.titre, traduire(menu, application));
-  suivreLOuverture();
+    modele_->append_submenu(titreDe(menu), traduire(menu, application));
+  suivreLOuverture(menus);
 }
 
 void MenusGtk::suivreLeFocus() {
@@ -104,13 +128,17 @@ void MenusGtk::suivreLeFocus() {
   });
 }
 
-void MenusGtk::suivreLOuverture() {
-  for (auto* titre = barre_.get_first_child(); titre != nullptr; titre = titre->get_next_sibling())
+void MenusGtk::suivreLOuverture(const std::vector<Menus::Menu>& menus) {
+  auto menu = menus.begin();
+  for (auto* titre = barre_.get_first_child(); titre != nullptr; titre = titre->get_next_sibling(), ++menu)
     for (auto* volet = titre->get_first_child(); volet != nullptr; volet = volet->get_next_sibling()) {
       auto* popover = dynamic_cast<Gtk::Popover*>(volet);
       if (popover == nullptr) continue;
       volets_.push_back(popover);
-      popover->signal_show().connect([this] {
+      nommerLeMenu(*popover, titreDe(*menu));
+      // GTK n’écrit les touches d’un article qu’une fois son menu relié à l’application.
+      popover->signal_show().connect([this, popover, touches = touchesDe(*menu)] {
+        ecrireLesTouches(*popover, touches);
         if (quandUnMenuSOuvre) quandUnMenuSOuvre();
       });
       // L’action choisie s’exécute après la fermeture, et passer d’un menu au voisin en ferme un aussi.

@@ -35,7 +35,7 @@ public:
 
 private:
   void suivreLeFocus();
-  void suivreLOuverture();
+  void suivreLOuverture(const std::vector<fenetre::Menus::Menu>& menus);
   void rendreLeClavier();
   void ouvrirAuClavier();
 

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 #include <gdkmm/display.h>
-#include <gtkmm/settings.h>
+#include <gtk/gtk.h>
 
 namespace keltrove::bureau {
 
@@ -68,6 +68,15 @@ std::string regleDuDetail() {
                "background-color: rgba(255,255,255,0.28); border: none; min-width: 6px; border-radius: 6px;");
 }
 
+// GTK estompe trop, pour être lus, le titre du menu ouvert, les touches d’un article et ceux qui sont sans
+// effet.
+std::string regleDesArticles() {
+  return regle("window.keltrove menubar > item:selected", "color: inherit") +
+         regle("popover.menu modelbutton accelerator", "color: alpha(currentColor, 0.8)") +
+         regle("popover.menu modelbutton:disabled", "color: alpha(currentColor, 0.6)") +
+         regle("popover.menu modelbutton:disabled accelerator", "color: inherit");
+}
+
 // Sans compositeur, la transparence autour d’un menu ouvert est un cadre noir : l’ombre n’y a pas sa place.
 std::string regleDesMenus() {
   if (Gdk::Display::get_default()->is_composited()) return {};
@@ -81,16 +90,21 @@ Glib::ustring feuilleDeStyle() {
   return regle("window.keltrove.sombre", "background-color: " + enCSS(Apparence::fondSombre)) +
          regle("window.keltrove.clair", "background-color: " + enCSS(Apparence::fondClair)) +
          regle(".ecran-attente", "background-color: " + enCSS(Apparence::fondSombre)) + regleDesTextes() +
-         regleDesBoutons() + regleDuDetail() + regleDesMenus() +
+         regleDesBoutons() + regleDuDetail() + regleDesArticles() + regleDesMenus() +
          regle(".bandeau", police(Bandeau::tailleDuTexte) + "color: " + enCSS(Bandeau::texte) +
                                "; background-color: " + enCSS(Bandeau::fond) +
                                fmt::format("; border-radius: {}px; padding: 0 4px;", Bandeau::arrondi));
 }
 
-bool themeSombre() {
-  const auto reglages = Gtk::Settings::get_default();
-  if (reglages->property_gtk_application_prefer_dark_theme().get_value()) return true;
-  return reglages->property_gtk_theme_name().get_value().lowercase().find("dark") != Glib::ustring::npos;
+// Ni le nom du thème ni une préférence n’y suffiraient : l’environnement peut imposer une variante.
+bool themeSombre(Gtk::Widget& fenetre) {
+  GdkRGBA texte;
+#if GTK_CHECK_VERSION(4, 10, 0)
+  gtk_widget_get_color(fenetre.gobj(), &texte);
+#else
+  gtk_style_context_get_color(gtk_widget_get_style_context(fenetre.gobj()), &texte);
+#endif
+  return 0.2126F * texte.red + 0.7152F * texte.green + 0.0722F * texte.blue > 0.5F;
 }
 
 } // namespace keltrove::bureau

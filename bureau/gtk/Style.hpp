@@ -2,12 +2,13 @@
 #pragma once
 
 #include <glibmm/ustring.h>
+#include <gtkmm/widget.h>
 
 namespace keltrove::bureau {
 
 Glib::ustring feuilleDeStyle();
 
-// Vrai si le thème du système est sombre.
-bool themeSombre();
+// Vrai si le thème du système est sombre : s’il écrit en clair, dans cette fenêtre.
+bool themeSombre(Gtk::Widget& fenetre);
 
 } // namespace keltrove::bureau

@@ -1,5 +1,7 @@
 #include "bureau/gtk/TexteReplie.hpp"
 
+#include "bureau/gtk/TextesDeGtk.hpp"
+
 namespace keltrove::bureau {
 
 TexteReplie::TexteReplie(int largeur, const Glib::ustring& classe) : largeur_(largeur) {
@@ -8,6 +10,7 @@ TexteReplie::TexteReplie(int largeur, const Glib::ustring& classe) : largeur_(la
   label_.set_wrap_mode(Pango::WrapMode::WORD_CHAR);
   label_.set_justify(Gtk::Justification::CENTER);
   label_.set_parent(*this);
+  taire(*this);
 }
 
 TexteReplie::~TexteReplie() {

@@ -79,6 +79,37 @@ def articles(pid):
     return _lire(pid, lus)
 
 
+def rectangles(pid, role):
+    """Où sont les articles de ce menu, ou de cette barre, mesurés depuis son coin : x, y, largeur, hauteur."""
+    def de(objet):
+        etendue = objet.get_extents(Atspi.CoordType.WINDOW)
+        return etendue.x, etendue.y, etendue.width, etendue.height
+
+    def lus(objets):
+        menu = next(objet for objet in objets if objet.get_role_name() == role)
+        # Les coordonnées d’un menu ouvert partent du titre qui l’ouvre, celles de la barre, de la fenêtre.
+        gauche, haut = de(menu)[:2]
+        trouves = {objet.get_name(): de(objet) for objet in _parcourir(menu) if objet.get_role_name() == "menu item"}
+        return {nom: (x - gauche, y - haut, l, h) for nom, (x, y, l, h) in trouves.items()}
+
+    return _lire(pid, lus)
+
+
+def touches_dites(pid):
+    """Les touches que montre chaque article du menu ouvert."""
+    def lus(objets):
+        return {o.get_name(): [e.get_name() for e in _parcourir(o) if e.get_role_name() == "label"][1:]
+                for menu in objets if menu.get_role_name() == "menu"
+                for o in _parcourir(menu) if o.get_role_name() == "menu item"}
+
+    return _lire(pid, lus)
+
+
+def noms(pid):
+    """Le rôle et le nom de tout ce qui est à l’écran."""
+    return _lire(pid, lambda objets: [(o.get_role_name(), o.get_name()) for o in objets])
+
+
 def _au_clavier(pid):
     """Le rôle et le nom de ce qui a le clavier."""
     return _lire(pid, lambda objets: [(objet.get_role_name(), objet.get_name()) for objet in objets
@@ -106,9 +137,13 @@ def ouvrir_le_menu(pid, titre):
     attendre(lambda: articles(pid), quoi=f"le menu {titre}")
 
 
+def avancer_jusqu_a(pid, article):
+    _avancer(pid, "Down", lambda ici: ("menu item", article) in ici)
+
+
 def choisir(pid, titre, article):
     ouvrir_le_menu(pid, titre)
-    _avancer(pid, "Down", lambda ici: ("menu item", article) in ici)
+    avancer_jusqu_a(pid, article)
     touches("Return")
 
 

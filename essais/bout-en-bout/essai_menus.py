@@ -1,8 +1,10 @@
 """Les menus et leurs raccourcis ; les touches qui restent à la page."""
 
 import os
+import re
 import string
 import subprocess
+import tempfile
 
 import ecran
 import page_notee
@@ -29,6 +31,12 @@ TOUS = {
                 "Tout sélectionner"],
     "Présentation": ["Recharger la page", "Activer le plein écran"],
     "Fenêtre": ["Réduire", "Fermer", "Tout ramener au premier plan"],
+}
+TOUCHES = {
+    "Masquer Keltrove": "Ctrl+Maj+H", "Masquer les autres": "Ctrl+Maj+Alt+H", "Quitter Keltrove": "Ctrl+Maj+Q",
+    "Annuler": "Ctrl+Maj+Z", "Rétablir": "Ctrl+Maj+Y", "Couper": "Ctrl+Maj+X", "Copier": "Ctrl+Maj+C", "Coller": "Ctrl+Maj+V",
+    "Coller sans la mise en forme": "Ctrl+Maj+Alt+V", "Tout sélectionner": "Ctrl+Maj+A", "Recharger la page": "Ctrl+Maj+R",
+    "Activer le plein écran": "F11", "Réduire": "Ctrl+Maj+M", "Fermer": "Ctrl+Maj+W",
 }
 SANS_EFFET_ICI = {"Masquer les autres", "Tout afficher", "Tout ramener au premier plan"}
 
@@ -150,6 +158,83 @@ class Menus(AvecUnePage):
                                  SANS_EFFET_ICI & set(titres))
             touches("Escape")
             attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+        application.quitter()
+
+    def langues(self, racine):
+        """Celle des essais, et deux autres : compilées sur place, car la machine peut n’en avoir installé aucune."""
+        for nom in ("fr_FR", "en_US"):
+            # localedef rend 1 pour de simples avertissements.
+            subprocess.run(["localedef", "-i", nom, "-f", "UTF-8", os.path.join(racine, f"{nom}.UTF-8")],
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            yield {"LOCPATH": racine, "LANG": f"{nom}.UTF-8", "LC_ALL": f"{nom}.UTF-8"}
+        yield {}
+
+    def test_les_touches_sont_en_francais_quelle_que_soit_la_langue(self):
+        with tempfile.TemporaryDirectory() as dossier:
+            for langue in self.langues(dossier):
+                with self.subTest(langue=langue):
+                    application = self.ouvrir(ORDINAIRE, variables=langue)
+                    pid = application.processus.pid
+                    for menu, titres in TOUS.items():
+                        ecran.ouvrir_le_menu(pid, menu)
+                        voulues = {titre: [TOUCHES[titre]] if titre in TOUCHES else [] for titre in titres}
+                        attendre(lambda: ecran.touches_dites(pid) == voulues,
+                                 quoi=lambda: f"les touches du menu {menu} ({ecran.touches_dites(pid)})")
+                        touches("Escape")
+                        attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+                    application.quitter()
+
+    def les_noms_sont_des_mots(self, pid):
+        """Ni vides là où il en faut un, ni ceux de classes."""
+        lus = ecran.noms(pid)
+        self.assertEqual([(role, nom) for role, nom in lus if re.search(r"(?i)gtk|webkit|keltrove\d|__", nom)], [])
+        self.assertEqual([role for role, nom in lus if role in ("menu", "menu bar", "menu item", "push button", "dialog") and not nom], [])
+        return lus
+
+    def test_les_noms_accessibles_sont_des_mots(self):
+        application = self.application(code="console.error('panne illustree'); process.exit(3);").lancer()
+        pid = application.processus.pid
+        application.attendre("echec-demarrage")
+        attendre_le_clavier(application)
+        ecran.presser(pid, "Voir le détail")
+        ecran.attendre_le_texte(pid, "panne illustree")
+        self.assertIn(("text", "Détail"), self.les_noms_sont_des_mots(pid))
+        for menu in TOUS:
+            ecran.ouvrir_le_menu(pid, menu)
+            self.assertIn(("menu", menu), self.les_noms_sont_des_mots(pid))
+            touches("Escape")
+            attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+        ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
+        ecran.attendre_le_texte(pid, "Version 0.")
+        lus = self.les_noms_sont_des_mots(pid)
+        self.assertIn(("menu bar", "Menus"), lus)
+        self.assertIn(("dialog", "À propos de Keltrove"), lus)
+        application.quitter()
+
+    def test_le_texte_d_un_probleme_a_son_menu_en_francais(self):
+        application = self.application(code="console.error('panne illustree'); process.exit(3);").lancer()
+        pid = application.processus.pid
+        application.attendre("echec-demarrage")
+        attendre_le_clavier(application)
+        ecran.presser(pid, "Voir le détail")
+        ecran.attendre_le_texte(pid, "panne illustree")
+        ecran.mettre_le_clavier_sur_le_detail(pid)
+        for touche in ("shift+F10", "Menu"):
+            touches(touche)
+            attendre(lambda: ecran.articles(pid) == {"Copier": False, "Tout sélectionner": True},
+                     quoi=lambda: f"le menu du détail ({ecran.articles(pid)})")
+            self.les_noms_sont_des_mots(pid)
+            touches("Escape")
+            attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+        touches("Menu")
+        ecran.avancer_jusqu_a(pid, "Tout sélectionner")
+        touches("Return")
+        attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+        touches("Menu")
+        attendre(lambda: ecran.articles(pid).get("Copier"), quoi="de quoi copier")
+        ecran.avancer_jusqu_a(pid, "Copier")
+        touches("Return")
+        attendre(lambda: "panne illustree" in ecran.presse_papiers(), quoi="le détail copié")
         application.quitter()
 
     def test_l_edition_se_grise_selon_ce_que_la_page_permet(self):

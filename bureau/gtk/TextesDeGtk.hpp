@@ -1,0 +1,26 @@
+// TextesDeGtk : ce que GTK écrirait dans la langue du système, ou nommerait du nom de ses classes.
+#pragma once
+
+#include <map>
+
+#include <glibmm/ustring.h>
+#include <gtkmm/widget.h>
+
+namespace keltrove::bureau {
+
+// Le nom que dit un lecteur d’écran.
+void nommer(Gtk::Widget& element, const Glib::ustring& nom);
+
+// Les barres de défilement que GTK a mises dans cet élément.
+void nommerLesAscenseurs(Gtk::Widget& racine);
+
+// De même, et les enveloppes dont GTK entoure les articles d’un menu.
+void nommerLeMenu(Gtk::Widget& volet, const Glib::ustring& nom);
+
+// Un cadre qui n’a rien à dire de plus que ce qu’il contient. À appeler avant qu’il ne se montre.
+void taire(Gtk::Widget& cadre);
+
+// Les touches que montre chaque article de ce menu, par titre. Le raccourci lui-même ne change pas.
+void ecrireLesTouches(Gtk::Widget& volet, const std::map<Glib::ustring, Glib::ustring>& touches);
+
+} // namespace keltrove::bureau
