@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import tempfile
 
 from application import SERVEUR, attendre, attendre_le_clavier, couleur, touches
 from bus import Bus
@@ -30,7 +31,7 @@ class Appels(Terminal):
     def ouvrir(self, **options):
         bus = Bus(self)
         self.service = Service(self, bus)
-        return super().ouvrir(variables={**bus.variables, **options.pop("variables", {})}, **options)
+        return super().ouvrir(variables=bus.variables, **options)
 
     def poser(self, application, nom, *lignes):
         with open(self.chemin(application, nom), "w") as fichier:
@@ -88,4 +89,29 @@ class Messages(Appels):
         attendre(lambda: 0.6 < part_en_erreur() < 0.8, quoi=lambda: f"la progression sur l’onglet (vu : {part_en_erreur()})")
         photographier("progression")
         self.assertEqual(self.textes(), [("Terminal 1", f"n° {i}") for i in range(1, 7)])
+        application.quitter()
+
+
+class Commandes(Appels):
+    def maison(self):
+        """Celle d’un utilisateur dont l’interpréteur dit où commencent ses commandes."""
+        maison = tempfile.TemporaryDirectory()
+        self.addCleanup(maison.cleanup)
+        with open(os.path.join(maison.name, ".bashrc"), "w") as fichier:
+            fichier.write("PS1='$ '\n[ -z \"$KELTROVE_INTEGRATION\" ] || . \"$KELTROVE_INTEGRATION/keltrove.bash\"\n")
+        return maison.name
+
+    def test_une_longue_commande_qui_finit_dans_l_ombre_dit_laquelle_et_comment(self):
+        application = self.ouvrir(maison=self.maison())
+        self.poser(application, "long", "touch lancee; sleep 10; until [ -e va ]; do sleep .02; done; exit 2")
+        taper("sh long\n")
+        self.attendre_le_fichier(application, "lancee")
+        touches("ctrl+shift+t")
+        attendre(lambda: len(self.carnet(application)) == 2, quoi="le second terminal ouvert")
+        self.taper_jusqu_a(application, "touch second\n", "second")
+        self.poser(application, "va")
+        self.service.attendre_les_appels(1)
+        [(titre, corps)] = self.textes()
+        self.assertEqual(titre, "Terminal 1")
+        self.assertRegex(corps, r"^sh long a échoué \(2\) après (1 min )?\d+ s$")
         application.quitter()

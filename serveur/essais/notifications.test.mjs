@@ -95,13 +95,24 @@ test('un message, même en plusieurs morceaux, devient une notification, jamais 
   assert.deepEqual(page.fautes, []);
 });
 
-test('un programme trop bavard appelle six fois par minute, et sa progression jamais', { skip: sansNavigateur }, async (t) => {
-  const { page, premier, second } = await ouvrirDeux(t);
-  await page.ecrire(`${ATTENDRE} for i in 1 2 3 4 5 6 7 8; do printf "\\e]9;4;2;$i\\a\\e]9;n° $i\\a"; sleep 0.05; done; printf "\\e]9;4;4;99\\a"`);
+test('à l’invite d’un interpréteur qui l’annonce, le silence ne prévient pas', { skip: sansNavigateur }, async (t) => {
+  const { page, premier } = await ouvrirDeux(t);
+  await page.ecrire(`. "$KELTROVE_INTEGRATION/keltrove.bash"`);
+  await page.touche('Entrée');
+  await page.ecrire(`${ATTENDRE} seq 2000; printf "\\e]2;fi%s\\a" n`);
   await page.touche('Entrée');
   await choisir(page, premier);
   donnerLeDepart(page);
-  await page.attendre(`document.querySelector('.onglet[data-terminal="${second}"] .progression').ariaValueText === "99 %, en pause"`);
+  await page.attendre('document.querySelector(".onglet + .onglet .choisir").textContent === "fin"');
+  await page.evaluer('new Promise((suite) => setTimeout(suite, 12_000))');
+  assert.deepEqual(await page.evaluer('recus'), [{ action: 'etat' }]);
+});
+
+test('un programme trop bavard appelle six fois par minute', { skip: sansNavigateur }, async (t) => {
+  const { page, premier } = await ouvrirDeux(t);
+  await page.evaluer(`import('/notifications.js').then((m) => {
+    for (let i = 1; i <= 8; i += 1) m.noterUnAppel({ id: '${premier}', sorte: 'message', corps: 'n° ' + i });
+  })`);
   assert.deepEqual(await page.evaluer('recus.slice(1).map(({ corps }) => corps)'), [1, 2, 3, 4, 5, 6].map((n) => `n° ${n}`));
 });
 

@@ -1,6 +1,7 @@
 import { spawn } from '@lydell/node-pty';
 import { accessSync, closeSync, constants, openSync, readFileSync, readlinkSync, writeSync } from 'node:fs';
 import { basename } from 'node:path';
+import { fileURLToPath } from 'node:url';
 import { essayer } from '../page/essayer.js';
 import { limiteDeFichiers } from './heritage.mjs';
 import { Saisie } from './Saisie.mjs';
@@ -9,6 +10,9 @@ import { Saisie } from './Saisie.mjs';
 const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
 // Le serveur, lui, garde la limite que Node a portée au maximum.
 const AVEC_LA_LIMITE = ['-c', 'ulimit -S -n "$1" 2>/dev/null; shift; exec "$@"', 'sh'];
+
+// Les fichiers qu’un utilisateur peut faire lire à son interpréteur, pour qu’il dise où commencent ses commandes.
+const INTEGRATION = fileURLToPath(new URL('../integration', import.meta.url));
 
 const estExecutable = (chemin) => essayer(() => accessSync(chemin, constants.X_OK) ?? true, false);
 
@@ -45,7 +49,7 @@ export class Interpreteur {
       cols: colonnes,
       rows: lignes,
       cwd: dossier,
-      env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor' },
+      env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor', KELTROVE_INTEGRATION: INTEGRATION },
     });
     // Une lecture qui échoue annonce sa fin ; sans cette écoute, elle arrêterait le serveur entier.
     this.#pty.on('error', () => {});
