@@ -182,6 +182,7 @@ export class PageVue {
 const TOUCHES = {
   Entrée: ['Enter', 'Enter', 13], Échap: ['Escape', 'Escape', 27], Tab: ['Tab', 'Tab', 9],
   Gauche: ['ArrowLeft', 'ArrowLeft', 37], Droite: ['ArrowRight', 'ArrowRight', 39],
+  Haut: ['ArrowUp', 'ArrowUp', 38], Bas: ['ArrowDown', 'ArrowDown', 40], Fin: ['End', 'End', 35],
   PageSuivante: ['PageDown', 'PageDown', 34], PagePrécédente: ['PageUp', 'PageUp', 33],
   F2: ['F2', 'F2', 113], Espace: [' ', 'Space', 32], Plus: ['+', 'Equal', 187], Moins: ['_', 'Minus', 189],
 };

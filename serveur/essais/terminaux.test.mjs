@@ -76,6 +76,7 @@ test('une demande insensée ne coûte que la liaison, ou rien', async (t) => {
     { type: 'taille', id, colonnes: -1, lignes: 1e9 }, { type: 'renommer', id, nom: ' \n' }, { type: 'renommer', id, nom: 3 },
     { type: 'recu', id, nombre: -5 }, { type: 'fermer', id: null }, { type: 'deplacer', id, rang: 7 }, { type: 'deplacer', id, rang: '0' },
     { type: 'accoler', id }, { type: 'accoler' },
+    { type: 'repartir', id, chemin: 3, parts: {} }, { type: 'repartir', id, chemin: [null], parts: null },
   ];
   for (const message of insensees) page.envoyer(message);
   page.envoyer('pas un message');

@@ -2,6 +2,7 @@ import { createHmac } from 'node:crypto';
 import { WebSocket, WebSocketServer } from 'ws';
 import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
+import { estUnSens } from './divisions.mjs';
 import { enregistrerLHistorique } from './historique.mjs';
 
 const TAILLE_MAXIMALE = 1024 * 1024;
@@ -120,10 +121,10 @@ export class Liaison {
     for (const texte of this.#avis.splice(0)) this.aviser(texte);
   }
 
-  // Un terminal neuf s’ouvre dans le dossier de celui d’où on le demande, et à côté de lui si on le veut.
-  #ouvrir({ colonnes, lignes, depuis, aCote }, page) {
+  // Un terminal neuf s’ouvre dans le dossier de celui d’où on le demande, et à côté ou au-dessous de lui si on le veut.
+  #ouvrir({ colonnes, lignes, depuis, aCote, sens }, page) {
     const voisin = this.#terminaux.trouver(depuis);
-    const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe } : {};
+    const place = aCote === true && voisin ? { apres: voisin, groupe: voisin.groupe, sens: estUnSens(sens) ? sens : 'colonnes' } : {};
     const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
     if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
     else page.envoyer({ type: 'avis', texte: SANS_PLACE });
@@ -162,6 +163,7 @@ export class Liaison {
     renommer: (terminal, { nom }) => this.#terminaux.renommer(terminal, nom),
     deplacer: (terminal, { rang }) => this.#terminaux.deplacer(terminal, rang),
     accoler: (terminal) => this.#terminaux.accoler(terminal),
+    repartir: (terminal, { chemin, parts }) => this.#terminaux.repartir(terminal, chemin, parts),
     // Un historique entier ne tiendrait pas dans un message.
     historique: (_, { texte }, page) => {
       page.historique += typeof texte === 'string' ? texte : '';

@@ -1,6 +1,7 @@
 import { randomBytes } from 'node:crypto';
 import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { essayer } from '../page/essayer.js';
+import { accorder, estUneDivision, repartir } from './divisions.mjs';
 import { Terminal } from './Terminal.mjs';
 
 const MAXIMUM = 50;
@@ -11,12 +12,11 @@ const DELAI_D_UN_RELEVE = 500;
 const DELAI_D_UNE_ANNONCE = 100;
 const NOM_D_OFFICE = /^Terminal \d+$/;
 
-const ranger = ({ id, nom, groupe, dossier }) => ({ id, nom, groupe, dossier });
 const nouvelId = () => randomBytes(6).toString('hex');
 const estUnId = (valeur) => typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
 
 // Les terminaux, dans l’ordre des onglets. Il en reste toujours un, sauf pendant l’arrêt ; éteint, quand le système n’a
-// pas de quoi l’ouvrir. Ceux qui se suivent et sont du même groupe se montrent côte à côte.
+// pas de quoi l’ouvrir. Ceux qui se suivent et sont du même groupe se montrent ensemble, comme le dit sa division.
 //
 // `quandListeChange` : ce que montre une page. `quandRangementChange` : noms, dossiers et ordre, que garde le carnet.
 export class Terminaux {
@@ -30,10 +30,12 @@ export class Terminaux {
   #heureDuReleve = Infinity;
   #listeRelevee = '';
   #rangementReleve = '';
+  #divisions = new Map();
 
   // Ce qui ne peut pas s’ouvrir reste, éteint, tel que le carnet l’a gardé.
   restaurer(entrees) {
-    for (const { id, nom, dossier, groupe, lignes } of entrees) {
+    for (const { id, nom, dossier, groupe, division, lignes } of entrees) {
+      if (essayer(() => estUneDivision(division))) this.#divisions.set(groupe, division);
       this.#allumer(this.#creer({ id, nom, dossier, groupe: estUnId(groupe) ? groupe : nouvelId(), lignesPassees: lignes }));
     }
     this.#garderUnTerminal();
@@ -41,10 +43,10 @@ export class Terminaux {
   }
 
   // Rend le terminal, ou rien quand il n’y a plus de place ici ou dans le système.
-  ouvrir({ apres, ...description } = {}) {
+  ouvrir({ apres, sens, ...description } = {}) {
     const terminal = this.#creer(description, apres);
     const allume = this.#allumer(terminal);
-    if (allume) this.relever();
+    if (allume) this.relever({ sens });
     else this.#oter(terminal);
     return allume ? terminal : null;
   }
@@ -91,6 +93,12 @@ export class Terminaux {
     this.relever();
   }
 
+  repartir({ groupe }, chemin, parts) {
+    if (!this.#divisions.has(groupe) || !Array.isArray(chemin)) return;
+    this.#divisions.set(groupe, repartir(this.#divisions.get(groupe), chemin, parts));
+    this.relever();
+  }
+
   trouver(id) {
     return this.liste.find((terminal) => terminal.id === id);
   }
@@ -98,7 +106,7 @@ export class Terminaux {
   pourLaPage() {
     return this.liste.map(({ id, nom, annonces: { titre, progression, commandes }, groupe, dossier, colonnes, lignes, ouvert }) => ({
       id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes, ouvert, progression,
-      aLInvite: commandes.aLInvite,
+      aLInvite: commandes.aLInvite, division: this.#divisions.get(groupe),
     }));
   }
 
@@ -106,7 +114,7 @@ export class Terminaux {
   async pourLeCarnet({ relireLesLignes }) {
     const entrees = [];
     for (const terminal of this.liste) {
-      entrees.push({ ...ranger(terminal), lignes: await terminal.dernieresLignes({ relire: relireLesLignes }) });
+      entrees.push({ ...this.#ranger(terminal), lignes: await terminal.dernieresLignes({ relire: relireLesLignes }) });
       await cederLaMain();
     }
     return entrees;
@@ -175,15 +183,34 @@ export class Terminaux {
 
   // Dit à chacun ce qui a changé pour lui, et rien d’autre : un titre n’est pas gardé, une ligne ne se montre pas ici.
   // Une page qui vient se fait décrire la liste juste après : les autres et elle en sont alors au même point.
-  relever() {
+  relever({ sens } = {}) {
+    this.#accorder(sens);
     clearTimeout(this.#releve);
     this.#heureDuReleve = Infinity;
-    const [liste, rangement] = [this.pourLaPage(), this.liste.map(ranger)].map((valeur) => JSON.stringify(valeur));
+    const [liste, rangement] = [this.pourLaPage(), this.liste.map((terminal) => this.#ranger(terminal))].map((valeur) => JSON.stringify(valeur));
     const [listeChange, rangementChange] = [liste !== this.#listeRelevee, rangement !== this.#rangementReleve];
     this.#listeRelevee = liste;
     this.#rangementReleve = rangement;
     if (listeChange) this.quandListeChange();
     if (rangementChange) this.quandRangementChange();
+  }
+
+  #ranger({ id, nom, groupe, dossier }) {
+    return { id, nom, groupe, dossier, division: this.#divisions.get(groupe) };
+  }
+
+  // L’un des siens peut couper un groupe en partant seul : ce qui le suit en est alors un autre.
+  #accorder(sens) {
+    const groupes = new Map();
+    let [avant, groupe] = [];
+    for (const terminal of this.liste) {
+      if (terminal.groupe !== avant) groupe = groupes.has(terminal.groupe) ? nouvelId() : terminal.groupe;
+      avant = terminal.groupe;
+      terminal.groupe = groupe;
+      groupes.set(groupe, [...(groupes.get(groupe) ?? []), terminal.id]);
+    }
+    const plusieurs = [...groupes].filter(([, ids]) => ids.length > 1);
+    this.#divisions = new Map(plusieurs.map(([cle, ids]) => [cle, accorder(this.#divisions.get(cle), ids, sens)]));
   }
 
   #choisirUnNom() {

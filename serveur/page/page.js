@@ -6,7 +6,7 @@ import { noterLaSortie, noterUnAppel } from '/notifications.js';
 import { prendreLeFocusDesOnglets } from '/rangee.js';
 import { ouvrirLaRecherche } from '/recherche.js';
 import { changer, ouvrirLesReglages, valeurs } from '/reglages.js';
-import { choisie, choisir, choisirAutour, ecrire, recommencer, rendreLeFocus, suivre, vues } from '/terminaux.js';
+import { choisie, choisir, choisirAutour, choisirVers, diviser, ecrire, recommencer, rendreLeFocus, suivre, vues } from '/terminaux.js';
 import '/zoom.js';
 
 // De quoi lire un avis, même long.
@@ -61,20 +61,23 @@ function alerter({ texte }) {
   alerte.textContent = texte ?? '';
 }
 
-function ouvrir(aCote = false) {
-  envoyer({ type: 'ouvrir', depuis: choisie()?.id, aCote, ...(aCote ? {} : choisie()?.taille) });
-}
+const ouvrir = () => envoyer({ type: 'ouvrir', depuis: choisie()?.id, ...choisie()?.taille });
 
 const gestes = {
   b: () => envoyer({ type: 'accoler', id: choisie()?.id }),
   c: () => document.execCommand('copy'),
-  d: () => ouvrir(true),
+  d: () => diviser('colonnes'),
+  e: () => diviser('lignes'),
   f: ouvrirLaRecherche,
   k: () => envoyer({ type: 'fermer', id: choisie()?.id }),
   o: prendreLeFocusDesOnglets,
   p: ouvrirLesReglages,
   s: () => enregistrerLHistorique(),
-  t: () => ouvrir(),
+  t: ouvrir,
+  arrowleft: () => choisirVers([-1, 0]),
+  arrowright: () => choisirVers([1, 0]),
+  arrowup: () => choisirVers([0, -1]),
+  arrowdown: () => choisirVers([0, 1]),
   pagedown: () => choisirAutour(1),
   pageup: () => choisirAutour(-1),
   '+': () => changer('corps', valeurs.corps + 1),
@@ -91,13 +94,13 @@ addEventListener('keydown', (evenement) => {
   const touche = code === 'Digit0' ? '0' : key.toLowerCase();
   // Le navigateur colle de lui-même, et le terminal reçoit alors le collage.
   if (touche === 'v') return evenement.stopPropagation();
-  if (!gestes[touche]) return;
+  // Ce qui n’a rien fait ici revient au programme.
+  if (!gestes[touche] || gestes[touche]() === false) return;
   evenement.preventDefault();
   evenement.stopPropagation();
-  gestes[touche]();
 }, true);
 
-document.querySelector('.nouveau').addEventListener('click', () => ouvrir());
-document.querySelector('.partager').addEventListener('click', () => ouvrir(true));
+document.querySelector('.nouveau').addEventListener('click', ouvrir);
+for (const bouton of document.querySelectorAll('.diviser')) bouton.addEventListener('click', () => diviser(bouton.name));
 document.querySelector('.regler').addEventListener('click', ouvrirLesReglages);
 for (const fenetre of document.querySelectorAll('dialog')) fenetre.addEventListener('close', rendreLeFocus);

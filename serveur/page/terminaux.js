@@ -1,4 +1,6 @@
+import { disposer, trouverLeVoisin } from '/division.js';
 import { Lectures } from '/lectures.js';
+import { envoyer } from '/liaison.js';
 import { VueTerminal } from '/vueTerminal.js';
 
 const CLE_DU_CHOISI = 'keltrove-terminal-choisi';
@@ -8,7 +10,7 @@ const rangee = document.querySelector('.onglets');
 const lectures = new Lectures();
 let idChoisi = null;
 
-// Les terminaux de la page, dans l’ordre des onglets. L’un est choisi, et d’autres peuvent se montrer à côté de lui ;
+// Les terminaux de la page, dans l’ordre des onglets. L’un est choisi, et d’autres peuvent se montrer avec lui ;
 // ce qui change s’annonce par un événement « choix ».
 export const vues = new Map();
 export const choisie = () => vues.get(idChoisi);
@@ -26,6 +28,16 @@ export function choisir(id, { avecLeFocus = true } = {}) {
 export function choisirAutour(pas) {
   const ids = [...vues.keys()];
   choisir(ids[(ids.indexOf(idChoisi) + pas + ids.length) % ids.length]);
+}
+
+// Un terminal neuf à côté du choisi (« colonnes ») ou au-dessous (« lignes »), qui lui laisse la moitié de sa place.
+export const diviser = (sens) => envoyer({ type: 'ouvrir', depuis: idChoisi, aCote: true, sens });
+
+// Faux quand rien ne se montre de ce côté.
+export function choisirVers(direction) {
+  const id = zone.contains(document.activeElement) && trouverLeVoisin(idChoisi, direction);
+  if (id) choisir(id);
+  return Boolean(id);
 }
 
 export function ecrire(id, texte) {
@@ -53,7 +65,6 @@ export function suivre(descriptions, { souhaite, reprise = false } = {}) {
     vue.decrire(description);
     vue.onglet.classList.toggle('joint', descriptions[rang - 1]?.groupe === vue.groupe);
     if (rangee.children[rang] !== vue.onglet) rangee.insertBefore(vue.onglet, rangee.children[rang] ?? null);
-    vue.panneau.style.order = rang;
     if (!vues.has(vue.id)) zone.append(vue.panneau);
     // Remis à la fin, chacun à son tour : leur ordre est celui des descriptions.
     vues.delete(vue.id);
@@ -73,6 +84,7 @@ function montrer() {
   let fin = debut + 1;
   while (toutes[debut - 1]?.groupe === choisie().groupe) debut -= 1;
   while (toutes[fin]?.groupe === choisie().groupe) fin += 1;
+  disposer(toutes.slice(debut, fin), choisie().division);
   for (const [rang, vue] of toutes.entries()) {
     const montree = rang >= debut && rang < fin;
     if (montree && !vue.montree) lectures.rattraper(vue);
@@ -88,7 +100,12 @@ function retirer(vue) {
 }
 
 zone.addEventListener('focusin', ({ target }) => {
-  const { terminal: id } = target.closest('.panneau').dataset;
-  if (id !== idChoisi) choisir(id, { avecLeFocus: false });
+  const id = target.closest('.panneau')?.dataset.terminal;
+  if (id && id !== idChoisi) choisir(id, { avecLeFocus: false });
+});
+zone.addEventListener('keydown', (evenement) => {
+  if (evenement.key !== 'Escape' || !evenement.target.matches('.separateur')) return;
+  evenement.preventDefault();
+  rendreLeFocus();
 });
 addEventListener('reglages', () => vues.forEach((vue) => vue.regler()));

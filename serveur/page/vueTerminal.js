@@ -90,8 +90,8 @@ export class VueTerminal {
     return { colonnes: this.terminal.cols, lignes: this.terminal.rows };
   }
 
-  decrire({ nom, groupe, dossier, ouvert, aLInvite, progression }) {
-    Object.assign(this, { nom, groupe, ouvert, aLInvite });
+  decrire({ nom, groupe, division, dossier, ouvert, aLInvite, progression }) {
+    Object.assign(this, { nom, groupe, division, ouvert, aLInvite });
     for (const element of [this.onglet, this.panneau]) element.classList.toggle('eteint', !ouvert);
     Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
