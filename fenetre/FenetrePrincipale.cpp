@@ -43,6 +43,7 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications&
   vue_.quandUnLienNeSOuvrePas = [this](const std::string& adresse) {
     afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
   };
+  vue_.quandLeLecteurDEcranChange = [this](const LecteurDEcran& lecteur) { noterLeLecteur(lecteur); };
   pont_.vue = [this](const std::string& ligne) {
     if (portAffiche_) vue_.evaluer(ligne, [](const auto&) {}); // sans page, la ligne se perd
   };
@@ -55,6 +56,7 @@ FenetrePrincipale::~FenetrePrincipale() {
   vue_.quandOnRecharge = nullptr;
   vue_.quandLaPageEcrit = nullptr;
   vue_.quandUnLienNeSOuvrePas = nullptr;
+  vue_.quandLeLecteurDEcranChange = nullptr;
   vue_.quandNavigationAvance = nullptr;
   vue_.quandNavigationFinie = nullptr;
   vue_.quandNavigationRatee = nullptr;
@@ -87,6 +89,8 @@ void FenetrePrincipale::quandLaPageEstLa() {
   delaiDeChargement_.annuler();
   ecran_.cacher();
   Journal::etape("page-affichee", {{"port", std::int64_t{portAffiche_.value_or(0)}}});
+  // D’elle-même, la page croit qu’aucun ne tourne et qu’il la verrait.
+  if (lecteur_ != LecteurDEcran{}) direLeLecteur();
   minuteurSonde_ = boucle_.apres(delaiAvantLaSonde, [this] { sonderLeContenu(); });
 }
 
@@ -95,6 +99,18 @@ void FenetrePrincipale::sonderLeContenu() {
                [existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
                  if (reponse && existe.lock()) Journal::etape("page-contenu", lireSonde(*reponse));
                });
+}
+
+void FenetrePrincipale::noterLeLecteur(const LecteurDEcran& lecteur) {
+  if (lecteur == lecteur_) return;
+  if (lecteur.tourne != lecteur_.tourne)
+    Journal::etape("lecteur-ecran", {{"tourne", lecteur.tourne}, {"page", lecteur.voitLaPage}});
+  lecteur_ = lecteur;
+  if (portAffiche_) direLeLecteur();
+}
+
+void FenetrePrincipale::direLeLecteur() {
+  vue_.evaluer(annonceALaPage(lecteur_), [](const auto&) {});
 }
 
 void FenetrePrincipale::signalerPageRatee(const EchecDeNavigation& echec) {

@@ -43,6 +43,8 @@ private:
   void surveillerLeDelai();
   void quandLaPageEstLa();
   void sonderLeContenu();
+  void noterLeLecteur(const LecteurDEcran& lecteur);
+  void direLeLecteur();
   void signalerPageRatee(const EchecDeNavigation& echec);
 
   VueFenetre& vue_;
@@ -50,6 +52,7 @@ private:
   EcranAttente ecran_;
   pont::PontNotifications pont_;
   std::optional<int> portAffiche_;
+  LecteurDEcran lecteur_;
   bool pageIgnoree_ = false;
   socle::Minuteur minuteurBandeau_;
   socle::Minuteur minuteurSonde_;

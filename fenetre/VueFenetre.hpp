@@ -5,6 +5,7 @@
 #pragma once
 
 #include "fenetre/EcranAttente.hpp"
+#include "fenetre/LecteurDEcran.hpp"
 #include "fenetre/Menus.hpp"
 
 #include <functional>
@@ -58,6 +59,8 @@ public:
   std::function<void()> quandOnRecharge;
   // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
   std::function<void(const std::string& adresse)> quandUnLienNeSOuvrePas;
+  // Dès qu’on le sait, puis quand cela change.
+  std::function<void(const LecteurDEcran& lecteur)> quandLeLecteurDEcranChange;
   // Un message de la page : le canal, et son corps en JSON s’il en a un.
   std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 };

@@ -79,6 +79,11 @@ void FenetreGtk::relierLesVues() {
   vueWeb_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
     if (quandLaPageEcrit) quandLaPageEcrit(canal, corps);
   };
+  lecteur_.quandOnLeSait = [this](bool tourne) {
+    // GTK sait montrer l’arbre d’un autre processus, comme celui de la page, depuis sa version 4.14.
+    const bool voitLaPage = gtk_check_version(4, 14, 0) == nullptr;
+    if (quandLeLecteurDEcranChange) quandLeLecteurDEcranChange({.tourne = tourne, .voitLaPage = voitLaPage});
+  };
   vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
     if (quandNavigationRatee) quandNavigationRatee(echec);
   };

@@ -4,6 +4,7 @@
 #include "bureau/gtk/ActionsGtk.hpp"
 #include "bureau/gtk/DepotGtk.hpp"
 #include "bureau/gtk/EcranGtk.hpp"
+#include "bureau/gtk/LecteurDuBureau.hpp"
 #include "bureau/gtk/MenusGtk.hpp"
 #include "bureau/gtk/ThemeSysteme.hpp"
 #include "bureau/gtk/VueWeb.hpp"
@@ -49,6 +50,7 @@ private:
 
   const socle::Environnement environnement_;
   ThemeSysteme theme_;
+  LecteurDuBureau lecteur_;
   Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
   VueWeb vueWeb_;

@@ -144,6 +144,44 @@ TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
   EXPECT_FALSE(vue.bandeaux.back().visible);
 }
 
+constexpr const char* lecteurTourne = "window.keltroveLecteur = { tourne: true, voitLaPage: true }; "
+                                      "window.dispatchEvent(new Event('lecteur'));";
+constexpr const char* lecteurParti = "window.keltroveLecteur = { tourne: false, voitLaPage: true }; "
+                                     "window.dispatchEvent(new Event('lecteur'));";
+constexpr const char* pageInvisible = "window.keltroveLecteur = { tourne: false, voitLaPage: false }; "
+                                      "window.dispatchEvent(new Event('lecteur'));";
+
+TEST_F(EssaiFenetre, UnLecteurDEcranConnuAvantLaPageSeDitDesQuElleEstLa) {
+  vue.quandLeLecteurDEcranChange({.tourne = true});
+  EXPECT_EQ(derniereEtape(),
+            (Journal::Details{{"etape", "lecteur-ecran"}, {"tourne", true}, {"page", true}}));
+  EXPECT_TRUE(vue.evaluations.empty());
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  ASSERT_EQ(vue.evaluations.size(), 1U);
+  EXPECT_EQ(vue.evaluations[0].first, lecteurTourne);
+}
+
+TEST_F(EssaiFenetre, UnLecteurDEcranQuiVientPuisPartSeDitUneFois) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  for (const bool tourne : {false, true, true, false})
+    vue.quandLeLecteurDEcranChange({.tourne = tourne});
+  ASSERT_EQ(vue.evaluations.size(), 2U);
+  EXPECT_EQ(vue.evaluations[0].first, lecteurTourne);
+  EXPECT_EQ(vue.evaluations[1].first, lecteurParti);
+}
+
+TEST_F(EssaiFenetre, UnePageQuUnLecteurNeVerraitPasLApprendAChaqueChargement) {
+  vue.quandLeLecteurDEcranChange({.voitLaPage = false});
+  for (int i = 0; i < 2; ++i) {
+    fenetre.chargerLaPage(8080);
+    vue.quandNavigationFinie();
+  }
+  ASSERT_EQ(vue.evaluations.size(), 2U);
+  EXPECT_EQ(vue.evaluations[1].first, pageInvisible);
+}
+
 TEST(SondeContenu, UnTitreVideDecaleLesMorceaux) {
   EXPECT_EQ(lireSonde("|52|jeton-rempli"),
             (Journal::Details{{"titre", "52"}, {"elements", std::int64_t{0}}, {"cle", "?"}}));

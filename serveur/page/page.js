@@ -1,4 +1,5 @@
 import '/depot.js';
+import '/lecteur.js';
 import { direLaCoupure, direLaReprise } from '/coupure.js';
 import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';

@@ -41,6 +41,13 @@ export function changer(nom, valeur) {
   dispatchEvent(new Event('reglages'));
 }
 
+// Ce que le bureau préfère, tant que l’utilisateur n’a rien choisi.
+export function preferer(nom, valeur) {
+  valeurs = { ...valeurs, [nom]: REGLAGES[nom](lire()[nom] ?? valeur) };
+  montrer(nom);
+  dispatchEvent(new Event('reglages'));
+}
+
 export function ouvrirLesReglages() {
   for (const nom of Object.keys(valeurs)) montrer(nom);
   if (!panneau.open) panneau.showModal();

@@ -1,0 +1,89 @@
+"""Un lecteur d’écran : ce que l’application en sait, et ce qu’il lit des terminaux à travers elle."""
+
+import os
+import subprocess
+
+import gi
+
+import ecran
+import page_notee
+from application import attendre, attendre_le_clavier, touches
+from cas import Cas
+from essai_terminal import Terminal, taper
+from page_notee import attendre_la_note
+
+gi.require_version("Gtk", "4.0")
+from gi.repository import Gtk  # noqa: E402
+
+ICI = os.path.dirname(os.path.abspath(__file__))
+# Ce que GTK offre ici, et que l’application doit en dire.
+VOIT_LA_PAGE = Gtk.check_version(4, 14, 0) is None
+PAGE = page_notee.code("<script>addEventListener('lecteur', () => noter(window.keltroveLecteur));</script>")
+
+
+class ServiceDAccessibilite:
+    """Celui du bureau, réduit à ce qu’il dit d’un lecteur d’écran."""
+
+    def __init__(self, cas, bus, tourne):
+        self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ICI, "service_d_accessibilite.py"), str(tourne)],
+                                          env={**os.environ, **bus.variables}, stdin=subprocess.PIPE,
+                                          stdout=subprocess.PIPE, text=True)
+        cas.addCleanup(self.processus.communicate)
+        cas.assertEqual(self.processus.stdout.readline(), "pret\n")
+
+    def dire(self, tourne):
+        print(tourne, file=self.processus.stdin, flush=True)
+
+
+class LecteurDuBureau(Cas):
+    def attendre_l_etat(self, application, tourne):
+        attendre_la_note(application, {"tourne": tourne, "voitLaPage": VOIT_LA_PAGE})
+
+    def test_la_page_sait_s_il_tourne_et_le_suit(self):
+        application = self.application(code=PAGE).avoir_un_bus()
+        service = ServiceDAccessibilite(self, application.bus, 1)
+        application.lancer().attendre("page-affichee")
+        self.attendre_l_etat(application, True)
+        service.dire(0)
+        self.attendre_l_etat(application, False)
+        application.quitter()
+
+    def test_il_peut_venir_apres_l_application(self):
+        application = self.application(code=PAGE).avoir_un_bus().lancer()
+        application.attendre("page-affichee")
+        ServiceDAccessibilite(self, application.bus, 1)
+        self.attendre_l_etat(application, True)
+        application.quitter()
+
+    def test_le_reglage_de_gnome_suffit(self):
+        application = self.application(code=PAGE)
+        reglages = os.path.join(application.racine, "reglages")
+        os.makedirs(os.path.join(reglages, "glib-2.0/settings"))
+
+        def regler(valeur):
+            with open(os.path.join(reglages, "glib-2.0/settings/keyfile"), "w") as fichier:
+                fichier.write(f"[org/gnome/desktop/a11y/applications]\nscreen-reader-enabled={valeur}\n")
+
+        regler("true")
+        application.variables.update(GSETTINGS_BACKEND="keyfile", XDG_CONFIG_HOME=reglages)
+        application.lancer().attendre("page-affichee")
+        self.attendre_l_etat(application, True)
+        regler("false")
+        self.attendre_l_etat(application, False)
+        application.quitter()
+
+
+class DansLaFenetre(Terminal):
+    def test_les_terminaux_se_lisent_ou_le_reglage_dit_pourquoi_non(self):
+        application = self.ouvrir()
+        touches("ctrl+shift+p")
+
+        def copier():
+            touches("ctrl+shift+a", "ctrl+shift+c")
+            copies.append(ecran.presse_papiers())
+            return "Faire lire les terminaux" in copies[-1]
+
+        copies = []
+        attendre(copier, quoi="les réglages")
+        self.assertEqual("un lecteur d’écran ne voit pas l’intérieur de cette fenêtre" in copies[-1], not VOIT_LA_PAGE)
+        application.quitter()
