@@ -17,6 +17,18 @@ void retirerF7(GListModel* raccourcis) {
   }
 }
 
+void figer(GtkWidget* texte) {
+  gtk_text_view_set_editable(GTK_TEXT_VIEW(texte), FALSE);
+  gtk_widget_action_set_enabled(texte, "menu.popup", FALSE);
+  g_signal_connect(texte, "move-focus", G_CALLBACK(+[](GtkWidget* moi, GtkDirectionType) {
+                     g_signal_stop_emission_by_name(moi, "move-focus");
+                   }),
+                   nullptr);
+  g_signal_connect(texte, "insert-emoji",
+                   G_CALLBACK(+[](GtkWidget* moi) { g_signal_stop_emission_by_name(moi, "insert-emoji"); }),
+                   nullptr);
+}
+
 } // namespace
 
 void retirerF7AuxTextes() {
@@ -34,7 +46,7 @@ void retirerF7AuxTextes() {
 
 void figerLeTexteCacheDe(GtkWidget* vue) {
   for (auto* enfant = gtk_widget_get_first_child(vue); enfant; enfant = gtk_widget_get_next_sibling(enfant))
-    if (GTK_IS_TEXT_VIEW(enfant)) gtk_text_view_set_editable(GTK_TEXT_VIEW(enfant), FALSE);
+    if (GTK_IS_TEXT_VIEW(enfant)) figer(enfant);
 }
 
 } // namespace keltrove::bureau

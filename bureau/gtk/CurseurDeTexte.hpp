@@ -10,7 +10,9 @@ namespace keltrove::bureau {
 void retirerF7AuxTextes();
 
 // Ce texte garde tout ce que l’on tape, et le curseur qui y clignote fait attendre à chaque image de la page
-// le prochain battement de l’horloge de GTK. `vue` est la vue de WebKit qui le contient.
+// le prochain battement de l’horloge de GTK. Ses touches agiraient aussi pour lui-même : Tab et Ctrl+Tab
+// emmèneraient le clavier hors de la page, Ctrl+. et Ctrl+; y écriraient un emoji, Maj+F10 et Menu
+// ouvriraient son menu. `vue` est la vue de WebKit qui le contient.
 void figerLeTexteCacheDe(GtkWidget* vue);
 
 } // namespace keltrove::bureau

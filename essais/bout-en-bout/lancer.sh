@@ -20,6 +20,10 @@ export LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWR
 export ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0:exitcode=66 UBSAN_OPTIONS=print_stacktrace=1
 unset WAYLAND_DISPLAY NO_AT_BRIDGE XDG_STATE_HOME
 trap 'fermer_l_ecran_virtuel; rm -rf "$HOME"' EXIT
+# Des touches, le gestionnaire de fenêtres ne garde que celle qui ferme : les autres s’essaient toutes.
+mkdir -p "$XDG_CONFIG_HOME/openbox"
+sed '/<keyboard>/,/<\/keyboard>/c <keyboard><keybind key="A-F4"><action name="Close"/></keybind></keyboard>' \
+  /etc/xdg/openbox/rc.xml >"$XDG_CONFIG_HOME/openbox/rc.xml"
 ouvrir_un_ecran_virtuel
 # Chaque application a son bus de session, mais toutes se lisent sur ce seul bus d’accessibilité.
 dbus-update-activation-environment DISPLAY

@@ -11,6 +11,7 @@ import { familleDuTerminal } from '/police.js';
 import { montrerLaProgression } from '/progression.js';
 import { valeurs } from '/reglages.js';
 import { apparenceDuTerminal } from '/themes.js';
+import { prendreLesTouches } from '/touches.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
 
 Terminal.strings.promptLabel = 'Saisie du terminal';
@@ -72,6 +73,7 @@ export class VueTerminal {
     bornerLesRepetitions(this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
+    prendreLesTouches(this.terminal);
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());
     for (const ajout of [this.#ajustement, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
