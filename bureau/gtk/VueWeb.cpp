@@ -36,6 +36,8 @@ WebKitWebView* creerLaVue() {
   const Objet<WebKitSettings> reglages(webkit_settings_new());
   webkit_settings_set_enable_developer_extras(reglages.get(), TRUE);
   webkit_settings_set_enable_back_forward_navigation_gestures(reglages.get(), FALSE);
+  // Un programme autorisé à écrire dans le presse-papiers le fait quand il veut, sans attendre un geste.
+  webkit_settings_set_javascript_can_access_clipboard(reglages.get(), TRUE);
   const Objet<WebKitUserContentManager> contenus(webkit_user_content_manager_new());
   auto* ouverture =
       webkit_user_script_new(fenetre::VueWebDepot::scriptDOuverture, WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,

@@ -1,5 +1,6 @@
 import '/depot.js';
 import '/lecteur.js';
+import { aviser } from '/avis.js';
 import { direLaCoupure, direLaReprise } from '/coupure.js';
 import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';
@@ -10,11 +11,6 @@ import { changer, ouvrirLesReglages, valeurs } from '/reglages.js';
 import { choisie, choisir, choisirAutour, choisirVers, diviser, ecrire, recommencer, rendreLeFocus, suivre, vues } from '/terminaux.js';
 import '/zoom.js';
 
-// De quoi lire un avis, même long.
-const DUREE_D_UN_AVIS = 4000;
-const DUREE_D_UN_SIGNE = 70;
-
-const avis = document.querySelector('.avis');
 const alerte = document.querySelector('.alerte');
 const question = document.querySelector('.question');
 
@@ -48,13 +44,6 @@ relier({
   avis: aviser,
   coupure: direLaCoupure,
 });
-
-function aviser({ texte }) {
-  avis.textContent = texte;
-  setTimeout(() => {
-    if (avis.textContent === texte) avis.textContent = '';
-  }, DUREE_D_UN_AVIS + texte.length * DUREE_D_UN_SIGNE);
-}
 
 // Ce qui ne va pas et dure, jusqu’à ce que le serveur dise que c’est passé.
 function alerter({ texte }) {

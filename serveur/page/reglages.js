@@ -18,6 +18,8 @@ const REGLAGES = {
   historique: entier(10_000, { de: 1000, a: 100_000 }),
   lecteur: ouiOuNon(false),
   collage: ouiOuNon(true),
+  copie: ouiOuNon(false),
+  pressePapiers: ouiOuNon(false),
   prevenir: ouiOuNon(true),
   message: ouiOuNon(true),
   fin: ouiOuNon(true),

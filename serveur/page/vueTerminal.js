@@ -8,6 +8,7 @@ import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
 import { familleDuTerminal } from '/police.js';
+import { copierEnSelectionnant, prendreLesEcritures } from '/pressePapiers.js';
 import { montrerLaProgression } from '/progression.js';
 import { valeurs } from '/reglages.js';
 import { apparenceDuTerminal } from '/themes.js';
@@ -72,6 +73,8 @@ export class VueTerminal {
     });
     bornerLesRepetitions(this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
+    prendreLesEcritures(this, { passe: () => this.#rejoue });
+    copierEnSelectionnant(this);
     composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
     prendreLesTouches(this.terminal);
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());

@@ -1,0 +1,68 @@
+"""Le presse-papiers : ce qu’un programme y écrit, ce que la souris y met en sélectionnant."""
+
+import base64
+import os
+import shutil
+import subprocess
+
+import ecran
+from application import CONSTRUCTION, attendre, couleur, touches
+from essai_terminal import Terminal, taper
+from glissement import souris
+
+CLAIR = "#FBFBFC"
+
+
+class PressePapiers(Terminal):
+    def ouvrir_avec(self, *reglages):
+        """Ces réglages, mis d’origine : le clavier n’a pas à traverser toute la boîte."""
+        application = self.application()
+        dossier = os.path.join(application.ressources, "keltrove")
+        shutil.copytree(os.path.join(CONSTRUCTION, "ressources/keltrove"), dossier, ignore=shutil.ignore_patterns("node_modules"))
+        os.symlink(os.path.join(CONSTRUCTION, "ressources/keltrove/node_modules"), os.path.join(dossier, "node_modules"))
+        chemin = os.path.join(dossier, "page/reglages.js")
+        with open(chemin) as fichier:
+            source = fichier.read()
+        for nom in reglages:
+            self.assertIn(f"{nom}: ouiOuNon(false)", source)
+            source = source.replace(f"{nom}: ouiOuNon(false)", f"{nom}: ouiOuNon(true)")
+        with open(chemin, "w") as fichier:
+            fichier.write(source)
+        application.lancer().attendre("page-contenu")
+        self.taper_jusqu_a(application, "touch pret\n", "pret")
+        subprocess.run(["xclip", "-selection", "clipboard"], input="ancien", text=True, check=True)
+        return application
+
+    def ecrire(self, application, texte, fichier):
+        taper(f"printf '\\033]52;c;{base64.b64encode(texte.encode()).decode()}\\a'; touch {fichier}\n")
+        self.attendre_le_fichier(application, fichier)
+
+    def attendre_le_presse_papiers(self, voulu):
+        attendre(lambda: ecran.presse_papiers() == voulu, quoi=lambda: f"{voulu!r} (vu : {ecran.presse_papiers()!r})")
+
+    def test_un_programme_autorise_ecrit_ensuite_sans_que_l_on_touche_a_rien(self):
+        application = self.ouvrir_avec("pressePapiers")
+        self.assertEqual(couleur(680, 700), CLAIR)
+        self.ecrire(application, "un été", "un")
+        # Sous la question, la page s’assombrit ; et le clavier n’y est sur aucun bouton.
+        attendre(lambda: couleur(680, 700) != CLAIR, quoi="la question")
+        touches("Return")
+        touches("Tab", "Tab", "Tab", "Return")
+        self.attendre_le_presse_papiers("un été")
+        taper("sleep 3; ")
+        self.ecrire(application, "bien plus tard", "deux")
+        self.attendre_le_presse_papiers("bien plus tard")
+        application.quitter()
+
+    def test_la_souris_copie_ce_qu_elle_selectionne(self):
+        application = self.ouvrir_avec("copie")
+        taper("clear; yes mot-choisi | head -45; touch ecrit\n")
+        self.attendre_le_fichier(application, "ecrit")
+        souris("mousemove", 90, 400)
+
+        def copier():
+            souris("click", "--repeat", 2, "--delay", 60, 1)
+            return ecran.presse_papiers() == "mot-choisi"
+
+        attendre(copier, quoi="le mot copié", pas=0.5)
+        application.quitter()
