@@ -12,9 +12,20 @@ if [ -z "${KELTROVE_BANC_LANCE:-}" ]; then
   # Deux séries à la fois se fausseraient l’une l’autre.
   exec env KELTROVE_BANC_LANCE=1 flock "${TMPDIR:-/tmp}/keltrove-banc.verrou" dbus-run-session -- "$0" "$@"
 fi
-# Ce que la machine fait d’autre ne doit pas compter : l’écran et les programmes mesurés passent devant.
-[ "$(id -u)" != 0 ] || chrt -r -p 1 $$
+# Ce que la machine fait d’autre ne doit pas compter : ce que l’on mesure passe devant, mais garde entre soi le partage
+# ordinaire du processeur, que fausserait le temps réel.
+groupe=/sys/fs/cgroup/cpu/keltrove-banc
+if mkdir -p $groupe 2>/dev/null; then
+  echo 262144 >$groupe/cpu.shares
+  echo $$ >$groupe/cgroup.procs
+else
+  dire "Sans groupe de processeur à soi, ces mesures comptent aussi ce que la machine fait d’autre."
+fi
 export LANG=C.UTF-8 LC_ALL=C.UTF-8 NO_AT_BRIDGE=1
-trap fermer_l_ecran_virtuel EXIT
+fermer() {
+  fermer_l_ecran_virtuel
+  echo $$ >"${groupe%/*}/cgroup.procs" && rmdir $groupe || true
+} 2>/dev/null
+trap fermer EXIT
 ouvrir_un_ecran_virtuel
 python3 "$racine/essais/bancs/terminal.py" "$racine/build/release/keltrove" "${BANC_AUTRE:-${TMPDIR:-/tmp}/banc-wetty}" "$@"

@@ -105,6 +105,8 @@ export class Page {
   lus = new Map();
   recus = 0;
   accuse = true;
+  // Ce qu’une page garde de lignes, quand elle le dit.
+  lignesGardees = undefined;
   // Ne garder que la fin de chaque texte : un essai de charge ne tiendrait pas en mémoire.
   compter = false;
   #socket;
@@ -156,7 +158,11 @@ export class Page {
   // L’accusé de réception de tout ce que la page a gardé pour elle jusque-là.
   rattraper() {
     this.accuse = true;
-    for (const [id, texte] of this.textes) this.envoyer({ type: 'recu', id, nombre: texte.length });
+    for (const [id, texte] of this.textes) this.#accuser(id, texte);
+  }
+
+  #accuser(id, texte) {
+    this.envoyer({ type: 'recu', id, nombre: texte.length, lignesGardees: this.lignesGardees });
   }
 
   #recevoir(message) {
@@ -167,7 +173,7 @@ export class Page {
       this.recus += message.texte.length;
       if (this.compter) this.fins.set(message.id, ((this.fins.get(message.id) ?? '') + message.texte).slice(-200));
       else this.textes.set(message.id, this.texte(message.id) + message.texte);
-      if (this.accuse) this.envoyer({ type: 'recu', id: message.id, nombre: message.texte.length });
+      if (this.accuse) this.#accuser(message.id, message.texte);
     }
     for (const attente of this.#attentes) attente();
   }

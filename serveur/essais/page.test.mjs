@@ -3,7 +3,7 @@ import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
-import { arreter, lancer } from './outils.mjs';
+import { arreter, attendreLeFichier, lancer } from './outils.mjs';
 
 const ONGLETS = '[...document.querySelectorAll(".onglet")]';
 const MONTRES = '[...document.querySelectorAll(".panneau:not([hidden])")].map((p) => p.dataset.terminal)';
@@ -215,6 +215,39 @@ essai('dix mille lignes en arrière, les couleurs, les larges et les composés',
   const copie = await page.evaluer('copie');
   assert.ok(copie.split('\n').length > 10_000);
   assert.ok(copie.includes('vrai 日本🎉e\u0301|'));
+});
+
+// La page ne dit où elle en est de sa lecture qu’une fois `attendre` faux.
+const LECTURE_LENTE = `window.lus = 0; window.attendre = false; window.attendus = []; window.WebSocket = class extends WebSocket {
+  constructor(adresse) {
+    super(adresse);
+    this.addEventListener('message', ({ data }) => (lus += JSON.parse(data).texte?.length ?? 0));
+  }
+  send(texte) {
+    if (attendre && JSON.parse(texte).type === 'recu') attendus.push(() => super.send(texte));
+    else super.send(texte);
+  }
+}`;
+
+test('d’une inondation, la page ne lit qu’une part, et l’historique en a pourtant toute la fin', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur, { avant: LECTURE_LENTE });
+  const fini = join(page.maison.maison, 'fini');
+  await lancerUneLigne(page, 'read -p pret-$((1 + 1)); seq 600000; echo oui > ~/fini; echo fin-$((1 + 1))');
+  await page.attendreLeTexte('/pret-2/');
+  await page.evaluer('attendre = true');
+  await page.touche('Entrée');
+  await attendreLeFichier(fini, (texte) => texte === 'oui\n');
+  await page.evaluer('attendre = false; attendus.forEach((suite) => suite())');
+  await page.attendreLeTexte('/fin-2/');
+  assert.ok(await page.evaluer('lus') < 1_000_000);
+  await page.evaluer(TOUT_SELECTIONNER);
+  await page.evaluer(NOTER_LA_COPIE);
+  await page.touche('Ctrl+Maj+C');
+  const lignes = (await page.evaluer('copie')).split('\n');
+  const fin = lignes.indexOf('fin-2');
+  assert.ok(fin >= 10_000);
+  assert.deepEqual(lignes.slice(0, fin), Array.from({ length: fin }, (_, i) => `${600_000 - fin + i + 1}`));
+  assert.deepEqual(page.fautes, []);
 });
 
 essai('un programme plein écran, la souris et le collage encadré survivent à un rechargement', async (page) => {

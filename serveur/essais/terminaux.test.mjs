@@ -1,7 +1,8 @@
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { test } from 'node:test';
-import { lancer, Page, preparerMaison } from './outils.mjs';
+import { attendreLeFichier, lancer, Page, preparerMaison } from './outils.mjs';
 
 async function ouvrirUnePage(t) {
   const maison = await preparerMaison(t);
@@ -159,13 +160,32 @@ test('un terminal bavard attend la page qui ne suit pas, sans gêner les autres'
   const autre = await ouvrirUnTerminal(page);
   page.accuse = false;
   page.envoyer({ type: 'saisie', id: bavard, texte: 'head -c 4000000 /dev/zero | tr "\\0" a; echo fin-$((1 + 1))\r' });
-  await page.attendre(() => page.texte(bavard).length > 256 * 1024, 'la borne atteinte');
+  await page.attendre(() => page.texte(bavard).length > 32 * 1024, 'la borne atteinte');
   page.envoyer({ type: 'saisie', id: autre, texte: 'echo libre-$((2 + 2))\r' });
   await page.attendreLeTexte(autre, /libre-4/);
   assert.ok(page.texte(bavard).length < 1024 * 1024);
   page.rattraper();
   await page.attendre(() => page.texte(bavard).includes('fin-2'), 'la fin de la sortie');
   assert.ok(page.texte(bavard).length > 4_000_000);
+});
+
+test('une inondation de lignes n’attend pas la page, qui n’en lit que ce qu’elle garde', async (t) => {
+  const { page, maison } = await ouvrirUnePage(t);
+  const [{ id }] = page.terminaux;
+  const fini = join(maison.maison, 'fini');
+  page.lignesGardees = 1000;
+  page.envoyer({ type: 'saisie', id, texte: `read -p pret-$((1 + 1)); seq 500000; echo oui > '${fini}'\r` });
+  await page.attendreLeTexte(id, /pret-2/);
+  // Elle ne lit rien de plus, et pourtant tout s’imprime.
+  page.accuse = false;
+  page.envoyer({ type: 'saisie', id, texte: '\r' });
+  await attendreLeFichier(fini, (texte) => texte === 'oui\n');
+  assert.ok(page.recus < 500_000, `${page.recus}`);
+  page.rattraper();
+  await page.attendreLeTexte(id, /\n500000\r\n/);
+  assert.ok(page.recus < 500_000, `${page.recus}`);
+  const fin = Array.from({ length: 900 }, (_, i) => `${499_101 + i}\r\n`).join('');
+  assert.ok(page.texte(id).includes(fin));
 });
 
 test('un grand collage arrive entier', async (t) => {

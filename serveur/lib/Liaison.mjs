@@ -2,20 +2,22 @@ import { createHmac } from 'node:crypto';
 import { WebSocket, WebSocketServer } from 'ws';
 import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
+import { Arriere } from './Arriere.mjs';
 import { estUnSens } from './divisions.mjs';
 import { enregistrerLHistorique } from './historique.mjs';
 
 const TAILLE_MAXIMALE = 1024 * 1024;
 const DELAI_DU_JETON = 5000;
-// En caractères envoyés à une page et dont elle n’a pas encore accusé réception.
-const RETARD_HAUT = 512 * 1024;
-const RETARD_BAS = 256 * 1024;
+// En caractères qu’une page n’a pas encore lus.
+const RETARD_HAUT = 256 * 1024;
+const RETARD_BAS = 128 * 1024;
 // En octets, tous terminaux ensemble.
 const RETARD_ABANDON = 32 * 1024 * 1024;
 // En caractères : cent mille lignes de mille colonnes, et de la marge.
 const HISTORIQUE_MAXIMAL = 128 * 1024 * 1024;
 
 const SANS_PLACE = 'Le système n’a pas de quoi ouvrir un terminal de plus. Fermez des programmes, puis réessayez.';
+const estUnNombre = (valeur) => Number.isInteger(valeur) && valeur > 0;
 const CODES = { arret: 1001, illisible: 4400, jeton: 4401 };
 
 // Relie les pages ouvertes aux terminaux, et retient un terminal bavard tant qu’aucune page ne suit.
@@ -38,6 +40,7 @@ export class Liaison {
   }
 
   diffuserLaListe() {
+    for (const page of this.#pages) page.oublierSauf(this.#terminaux.liste);
     this.#diffuser({ type: 'liste', terminaux: this.#terminaux.pourLaPage() });
   }
 
@@ -62,10 +65,10 @@ export class Liaison {
 
   diffuserLaSortie(terminal, texte) {
     for (const page of this.#pages) {
-      page.envoyerDuTexte('sortie', terminal.id, texte);
+      page.arriere(terminal).ajouter(texte);
       // Celle-là ne suit plus du tout alors qu’une autre suit : elle reviendra avec une reprise, bien plus courte. Sans
       // adieu : un adieu attendrait derrière tout ce que la page n’a pas encore lu.
-      if (page.bufferedAmount - page.reprise > RETARD_ABANDON) page.terminate();
+      if (page.bufferedAmount - page.reprise + page.enAttente > RETARD_ABANDON) page.terminate();
     }
     this.#reglerLeDebit(terminal);
   }
@@ -115,7 +118,7 @@ export class Liaison {
     });
     this.#terminaux.relever();
     page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage(), alerte: this.#alerte });
-    for (const { id, tampon } of this.#terminaux.liste) page.envoyerDuTexte('reprise', id, tampon.rejouer());
+    for (const terminal of this.#terminaux.liste) page.arriere(terminal).reprendre(terminal.tampon.rejouer());
     page.reprise = page.bufferedAmount;
     this.#pages.add(page);
     for (const texte of this.#avis.splice(0)) this.aviser(texte);
@@ -174,40 +177,45 @@ export class Liaison {
       page.historique = '';
       page.envoyer({ type: 'avis', texte: await enregistrerLHistorique(nom, texte) });
     },
-    recu: (terminal, { id, nombre }, page) => {
-      if (Number.isInteger(nombre) && nombre > 0) page.retards.set(id, Math.max(0, page.retard(id) - nombre));
+    recu: (terminal, { nombre, lignesGardees }, page) => {
+      if (estUnNombre(nombre)) page.arriere(terminal).lu(nombre, estUnNombre(lignesGardees) ? lignesGardees : null);
       this.#reglerLeDebit(terminal);
     },
   }));
 
   // La page la plus rapide donne l’allure ; sans page, le terminal avance et seul son tampon borné est gardé.
   #reglerLeDebit(terminal) {
-    const retards = [...this.#pages].map((page) => page.retard(terminal.id));
+    const retards = [...this.#pages].map((page) => page.arriere(terminal).retard);
     const retard = retards.length === 0 ? 0 : Math.min(...retards);
     if (retard > RETARD_HAUT) terminal.suspendre(true);
     else if (retard < RETARD_BAS) terminal.suspendre(false);
   }
 }
 
-// Une page connectée, et ce qu’elle n’a pas encore fini d’afficher de chaque terminal.
+// Une page connectée, et ce qu’elle n’a pas encore lu de chaque terminal.
 class Page extends WebSocket {
-  retards = new Map();
   // Ce que la reprise lui laisse à lire, en octets.
   reprise = 0;
   // Ce qu’elle a déjà donné de l’historique qu’elle enregistre.
   historique = '';
+  #arrieres = new Map();
 
-  retard(id) {
-    return this.retards.get(id) ?? 0;
+  arriere(terminal) {
+    const { id } = terminal;
+    if (!this.#arrieres.has(terminal)) this.#arrieres.set(terminal, new Arriere((type, texte) => this.envoyer({ type, id, texte })));
+    return this.#arrieres.get(terminal);
+  }
+
+  oublierSauf(terminaux) {
+    for (const terminal of this.#arrieres.keys()) if (!terminaux.includes(terminal)) this.#arrieres.delete(terminal);
+  }
+
+  get enAttente() {
+    return [...this.#arrieres.values()].reduce((somme, { enAttente }) => somme + enAttente, 0);
   }
 
   envoyer(message) {
     this.send(JSON.stringify(message), () => {});
-  }
-
-  envoyerDuTexte(type, id, texte) {
-    this.retards.set(id, this.retard(id) + texte.length);
-    this.envoyer({ type, id, texte });
   }
 }
 

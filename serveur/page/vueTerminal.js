@@ -7,6 +7,7 @@ import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
+import { compterLesLignesGardees } from '/lignesGardees.js';
 import { familleDuTerminal } from '/police.js';
 import { copierEnSelectionnant, prendreLesEcritures } from '/pressePapiers.js';
 import { montrerLaProgression } from '/progression.js';
@@ -131,7 +132,7 @@ export class VueTerminal {
   // replieraient de travers.
   ecrire(texte, quandLu = () => {}) {
     this.terminal.write(texte, () => {
-      envoyer({ type: 'recu', id: this.id, nombre: texte.length });
+      envoyer({ type: 'recu', id: this.id, nombre: texte.length, lignesGardees: compterLesLignesGardees(this.terminal) });
       if (this.#rejoue) {
         this.#rejoue = false;
         this.#ajuster();
