@@ -11,7 +11,7 @@ abandonner() {
 
 paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-dev libwayland-dev libwebkitgtk-6.0-dev
   libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
-paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus)
+paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus xdg-utils)
 paquets_ecran=(xvfb openbox imagemagick)
 paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 ibus ibus-gtk4 ibus-unikey x11-xkb-utils at-spi2-core python3 python3-gi
   gir1.2-atspi-2.0 gir1.2-gtk-4.0 gir1.2-vte-2.91 gsettings-desktop-schemas dunst locales procps x11-utils weston)

@@ -60,6 +60,14 @@ test('une ligne repliée n’en fait qu’une, et ses cases se retrouvent malgr�
   assert.deepEqual(ou('fin'), [[2, 8, 2], [3, 0, 1]]);
 });
 
+test('au bout d’un tampon plein, la dernière ligne finit là', async () => {
+  const terminal = new headless.Terminal({ cols: 10, rows: 2, scrollback: 3, allowProposedApi: true });
+  await new Promise((suite) => terminal.write(`${'a'.repeat(40)}\r\nfin`, suite));
+  assert.deepEqual(reperer(terminal.buffer.active).map(({ texte }) => texte), ['a'.repeat(40), 'fin']);
+  await new Promise((suite) => terminal.write('\r\nb', suite));
+  assert.deepEqual(reperer(terminal.buffer.active).map(({ texte }) => texte), ['a'.repeat(30), 'fin', 'b']);
+});
+
 essai('chercher compte juste au-delà du millier, et dans tout l’historique', async (page) => {
   await lancerUneLigne(page, 'yes "aiguille et AIGUILLE, aiguilles" | head -9000; echo fi-$((1 + 1))');
   await page.attendreLeTexte('/^fi-2/m');

@@ -3,13 +3,8 @@ import { accessSync, closeSync, constants, openSync, readFileSync, readlinkSync,
 import { basename } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { essayer } from '../page/essayer.js';
-import { limiteDeFichiers } from './heritage.mjs';
+import { avecSaLimite, environnementTransmis } from './heritage.mjs';
 import { Saisie } from './Saisie.mjs';
-
-// Ces variables décrivent un autre terminal, celui d’où le serveur a peut-être été lancé, ou le serveur lui-même.
-const OTEES = /^(COLUMNS|LINES|STY|TERMCAP|TERM_PROGRAM(_VERSION)?|TMUX(_PANE)?|VTE_VERSION|WINDOW(ID)?|KELTROVE_.*)$/;
-// Le serveur, lui, garde la limite que Node a portée au maximum.
-const AVEC_LA_LIMITE = ['-c', 'ulimit -S -n "$1" 2>/dev/null; shift; exec "$@"', 'sh'];
 
 // Les fichiers qu’un utilisateur peut faire lire à son interpréteur, pour qu’il dise où commencent ses commandes.
 const INTEGRATION = fileURLToPath(new URL('../integration', import.meta.url));
@@ -40,16 +35,14 @@ export class Interpreteur {
   // Lève une exception quand le système ne donne plus de pseudo-terminal, ou de processus.
   constructor({ dossier, colonnes, lignes, quandTexte, quandFin }) {
     verifierLaReserve();
-    const gardees = Object.entries(process.env).filter(([variable]) => !OTEES.test(variable));
     // Chaque système a son usage : sous macOS un terminal ouvre une session, ailleurs la session a déjà tout préparé.
-    const commande = [this.#programme, ...(process.platform === 'darwin' ? ['-l'] : [])];
-    const [programme, ...arguments_] = limiteDeFichiers === null ? commande : ['/bin/sh', ...AVEC_LA_LIMITE, limiteDeFichiers, ...commande];
+    const [programme, ...arguments_] = avecSaLimite([this.#programme, ...(process.platform === 'darwin' ? ['-l'] : [])]);
     this.#pty = spawn(programme, arguments_, {
       name: 'xterm-256color',
       cols: colonnes,
       rows: lignes,
       cwd: dossier,
-      env: { ...Object.fromEntries(gardees), TERM: 'xterm-256color', COLORTERM: 'truecolor', KELTROVE_INTEGRATION: INTEGRATION },
+      env: { ...environnementTransmis(), TERM: 'xterm-256color', COLORTERM: 'truecolor', KELTROVE_INTEGRATION: INTEGRATION },
     });
     // Une lecture qui échoue annonce sa fin ; sans cette écoute, elle arrêterait le serveur entier.
     this.#pty.on('error', () => {});

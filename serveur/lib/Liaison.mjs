@@ -4,6 +4,7 @@ import { essayer } from '../page/essayer.js';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
 import { Arriere } from './Arriere.mjs';
 import { estUnSens } from './divisions.mjs';
+import { editer, trouverLesFichiers } from './editeur.mjs';
 import { enregistrerLHistorique } from './historique.mjs';
 
 const TAILLE_MAXIMALE = 1024 * 1024;
@@ -176,6 +177,13 @@ export class Liaison {
       const texte = page.historique;
       page.historique = '';
       page.envoyer({ type: 'avis', texte: await enregistrerLHistorique(nom, texte) });
+    },
+    chemins: async ({ dossier }, { demande, chemins }, page) => {
+      page.envoyer({ type: 'chemins', demande, existent: (await trouverLesFichiers(chemins, dossier)).map(Boolean) });
+    },
+    editer: async ({ dossier }, message, page) => {
+      const texte = await editer({ ...message, dossier }).catch((erreur) => `Ce fichier ne s’ouvre pas : ${erreur.message}`);
+      if (texte) page.envoyer({ type: 'avis', texte });
     },
     recu: (terminal, { nombre, lignesGardees }, page) => {
       if (estUnNombre(nombre)) page.arriere(terminal).lu(nombre, estUnNombre(lignesGardees) ? lignesGardees : null);

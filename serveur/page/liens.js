@@ -6,7 +6,7 @@ const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
 const COURRIEL = /(^|[^\w.+/:-])([\w.+-]+@[\w-]+(?:\.[\w-]+)+)(?![\w/-]|:\S)/g;
 
 const indication = document.querySelector('.lien');
-const montrer = (lien) => (indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien}` : '');
+export const montrer = (lien) => (indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien}` : '');
 const survol = { hover: (_, adresse) => montrer(lire(adresse)), leave: () => montrer(null) };
 
 // Les liens que des programmes déclarent eux-mêmes.

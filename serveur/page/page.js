@@ -1,3 +1,4 @@
+import { recevoirLesChemins } from '/chemins.js';
 import '/depot.js';
 import '/lecteur.js';
 import { aviser } from '/avis.js';
@@ -36,6 +37,7 @@ relier({
     question.querySelector('p').textContent = phrase;
     if (!question.open) question.showModal();
   },
+  chemins: recevoirLesChemins,
   lu: ({ id, nombre }) => vues.get(id)?.lu(nombre),
   sourd({ id }) {
     vues.get(id)?.sourd();

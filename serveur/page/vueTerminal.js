@@ -2,6 +2,7 @@ import { FitAddon } from '/xterm/addon-fit.mjs';
 import { Unicode11Addon } from '/xterm/addon-unicode11.mjs';
 import { Terminal } from '/xterm/xterm.mjs';
 import { bornerLesRepetitions } from '/bornes.js';
+import { chercherLesChemins } from '/chemins.js';
 import { coller, prendreLesCollages } from '/collage.js';
 import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
@@ -81,6 +82,7 @@ export class VueTerminal {
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());
     for (const ajout of [this.#ajustement, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
     chercherLesLiens(this.terminal);
+    chercherLesChemins(this.terminal, id);
     // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
     this.terminal.unicode.activeVersion = '11';
     this.terminal.onData((texte) => this.#saisir(texte));
