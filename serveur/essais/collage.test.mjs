@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { existsSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { Navigateur, PageVue, sansNavigateur, TEXTE } from './navigateur.mjs';
 import { preparerMaison } from './outils.mjs';
 
 const PIEGES = ['\x1b[201~\rtouch pris\r', 'a\x03\rtouch pris\r', '\x9b201~\rtouch pris\r', 'a\x16\x1b[201~\ntouch pris\n', '\x0dtouch pris\x0d\x1b\x1b[201~\r'];
@@ -28,7 +28,7 @@ const QUESTION = 'document.querySelector("dialog.collage[open]")';
 
 essai('un collage encadré ne s’exécute jamais de lui-même', async (page) => {
   // Un Ctrl+C efface aussi ce qui est tapé d’avance : on attend chaque fois l’invite.
-  const attendreLeCompte = (motif, nombre) => page.attendre(`(document.querySelector(".xterm-rows").innerText.match(${motif}) ?? []).length === ${nombre}`);
+  const attendreLeCompte = (motif, nombre) => page.attendre(`(${TEXTE}.match(${motif}) ?? []).length === ${nombre}`);
   for (const [rang, piege] of PIEGES.entries()) {
     await coller(page, `echo ${piege}`);
     await attendreLeCompte('/touch.pris/g', rang + 1);

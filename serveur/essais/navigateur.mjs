@@ -67,7 +67,12 @@ export class Navigateur {
   }
 }
 
-const PRETE = 'document.querySelector(".panneau:not([hidden]) .xterm-rows")?.textContent.includes("$")';
+// Les terminaux sont peints sur une toile : leur texte se lit dans ce que la page en sait.
+const RETENIR_LES_TERMINAUX = `
+  addEventListener('DOMContentLoaded', () => import('/terminaux.js').then((module) => (globalThis.terminaux = module), () => {}));`;
+export const TEXTE = `[...terminaux.vues.values()].filter(({ montree }) => montree).flatMap(({ terminal: { rows, buffer: { active } } }) =>
+  Array.from({ length: rows }, (_, y) => active.getLine(active.viewportY + y)?.translateToString(true) ?? '')).join('\\n')`;
+const PRETE = `${TEXTE}.includes('$')`;
 
 // La page servie par un vrai serveur, dans le navigateur ; `avant` y joue le rôle de l’application. Les bancs mesurent
 // aussi celle d’un autre : elle est à `adresse`, et prête quand l’expression `prete` est vraie.
@@ -91,7 +96,7 @@ export class PageVue {
     await page.demander('Runtime.enable');
     await page.demander('Page.enable');
     await page.demander('Emulation.setFocusEmulationEnabled', { enabled: true });
-    await page.demander('Page.addScriptToEvaluateOnNewDocument', { source: avant });
+    await page.demander('Page.addScriptToEvaluateOnNewDocument', { source: avant + RETENIR_LES_TERMINAUX });
     await page.demander('Page.navigate', { url: adresse ?? `http://${hote}:${page.serveur.port}/` });
     await page.attendre(prete);
     return page;
@@ -120,11 +125,11 @@ export class PageVue {
   }
 
   texte() {
-    return this.evaluer('[...document.querySelectorAll(".panneau:not([hidden]) .xterm-rows > div")].map((l) => l.textContent.replaceAll("\\u00a0", " ")).join("\\n")');
+    return this.evaluer(TEXTE);
   }
 
   attendreLeTexte(motif) {
-    return this.attendre(`${motif}.exec([...document.querySelectorAll(".panneau:not([hidden]) .xterm-rows > div")].map((l) => l.textContent.replaceAll("\\u00a0", " ")).join("\\n"))?.[0]`);
+    return this.attendre(`${motif}.exec(${TEXTE})?.[0]`);
   }
 
   ecrire(text) {

@@ -36,9 +36,9 @@ const ouvrirEncore = async (page, touche = 'Ctrl+Maj+T') => {
 
 // Un clic sur le lien qui passe à cette ligne et à cette colonne.
 const viserUnLien = async (page, rang, { modifiers = 0, colonne = 1 } = {}) => {
-  const [x, y, largeur, hauteur] = await page.evaluer(`(() => { const { x, y } = document.querySelector('.xterm-rows').getBoundingClientRect();
-    const { width, height } = document.querySelector('.xterm-char-measure-element').getBoundingClientRect();
-    return [x, y, width / 32, document.querySelector('.xterm-rows > div').getBoundingClientRect().height]; })()`);
+  const [x, y, largeur, hauteur] = await page.evaluer(`(() => { const { x, y } = document.querySelector('.xterm-screen').getBoundingClientRect();
+    const { width, height } = terminaux.choisie().terminal._core._renderService.dimensions.css.cell;
+    return [x, y, width, height]; })()`);
   const [la, haut] = [x + largeur * (colonne + 0.5), y + hauteur * (rang + 0.5)];
   // Le terminal ne cherche les liens que sous une souris qui bouge.
   const bouger = async (vers, hauteurVisee, surUnLien) => {
@@ -189,26 +189,27 @@ essai('une adresse de courrier s’ouvre aussi ; un dépôt ou un chemin qui lui
 });
 
 essai('la taille du texte et le lecteur d’écran se règlent, et restent', async (page) => {
-  const corps = 'getComputedStyle(document.querySelector(".panneau:not([hidden]) .xterm-rows")).fontSize';
+  const corps = 'terminaux.choisie().terminal.options.fontSize';
   await page.touche('Ctrl+Maj+Plus');
   await page.touche('Ctrl+Maj+Plus');
-  await page.attendre(`${corps} === "16px"`);
+  await page.attendre(`${corps} === 16`);
   await page.touche('Ctrl+Maj+P');
   await page.cliquer('[name=lecteur]');
   await page.touche('Échap');
   await page.taper('echo relu-$((1 + 1))\r');
   await page.attendre('/relu-2/.test(document.querySelector(".xterm-accessibility").textContent)');
   await page.recharger();
-  assert.equal(await page.evaluer(corps), '16px');
+  assert.equal(await page.evaluer(corps), 16);
   assert.ok(await page.evaluer('document.querySelector(".xterm-accessibility") !== null'));
 });
 
 essai('dix mille lignes en arrière, les couleurs, les larges et les composés', async (page) => {
   await lancerUneLigne(page, 'seq 12000; printf "\\e[38;2;1;2;3mvrai\\e[0m 日本🎉e\\u0301|\\n"');
   await page.attendreLeTexte('/^vrai/m');
-  const mesures = await page.evaluer(`(() => { const s = [...document.querySelectorAll('.xterm-rows span')];
-    const vrai = s.find((e) => e.textContent === 'vrai'); return getComputedStyle(vrai).color; })()`);
-  assert.equal(mesures, 'rgb(1, 2, 3)');
+  const points = await page.evaluer(`(() => { const toile = document.querySelector('.xterm-screen canvas');
+    const { data } = toile.getContext('2d').getImageData(0, 0, toile.width, toile.height);
+    return new Uint32Array(data.buffer).filter((point) => point === 0xff030201).length; })()`);
+  assert.ok(points > 0, 'aucun point de la couleur demandée');
   await page.evaluer(TOUT_SELECTIONNER);
   await page.evaluer(NOTER_LA_COPIE);
   await page.touche('Ctrl+Maj+C');
@@ -275,11 +276,11 @@ essai('le terminal prend la taille qu’on lui laisse, et le dit au programme', 
   };
   const [lignes, colonnes] = await tailles('grand');
   await page.demander('Emulation.setDeviceMetricsOverride', { width: 500, height: 300, deviceScaleFactor: 1, mobile: false });
-  const rangs = '.panneau:not([hidden]) .xterm-rows > div';
-  await page.attendre(`document.querySelectorAll("${rangs}").length < ${lignes}`);
+  const rangs = 'terminaux.choisie().terminal.rows';
+  await page.attendre(`${rangs} < ${lignes}`);
   const [moins, etroit] = await tailles('petit');
   assert.ok(moins < lignes && etroit < colonnes / 1.5);
-  assert.equal(await page.evaluer(`document.querySelectorAll("${rangs}").length`), moins);
+  assert.equal(await page.evaluer(rangs), moins);
   await page.touche('Ctrl+Maj+D');
   await page.attendre(`${MONTRES}.length === 2`);
   // Trop étroit pour deux colonnes : l’un sous l’autre.

@@ -80,7 +80,8 @@ essai('police, curseur et historique changent les terminaux ouverts ; ce qui ne 
   await page.ecrire('seq 3000');
   await page.touche('Entrée');
   await page.attendreLeTexte('/3000\\n\\$ /');
-  await page.attendre('document.querySelector(".xterm-cursor-bar.xterm-cursor-blink")');
+  assert.equal(await page.evaluer(OPTIONS('cursorStyle')), 'bar');
+  assert.equal(await page.evaluer(OPTIONS('cursorBlink')), true);
   assert.ok((await page.evaluer('[...vues.values()][0].terminal.buffer.normal.length')) < 1100);
 });
 

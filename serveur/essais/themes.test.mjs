@@ -73,8 +73,8 @@ essai('« Comme le bureau » suit le bureau ; un thème choisi lui résiste, et 
   await page.touche('Ctrl+Maj+P');
   await page.evaluer('Object.assign(document.querySelector("[name=theme]"), { value: "nuit" }).dispatchEvent(new Event("change", { bubbles: true }))');
   const nuit = await fond(page);
-  const texte = await page.evaluer('getComputedStyle(document.querySelector(".xterm-rows")).color');
-  assert.equal(texte, await page.evaluer('getComputedStyle(document.body).color'));
+  const texte = await page.evaluer('terminaux.choisie().terminal.options.theme.foreground');
+  assert.equal(texte, await page.evaluer('getComputedStyle(document.documentElement).getPropertyValue("--texte").trim()'));
   await prefererClair(page, false);
   await page.recharger();
   assert.equal(await fond(page), nuit);

@@ -28,7 +28,7 @@ export function apparenceDuTerminal() {
   const curseur = { cursor: foreground, cursorAccent: background, selectionBackground: lire('--selection') };
   return {
     theme: { background, foreground, ...curseur, ...Object.fromEntries(seize) },
-    // Bien des programmes choisissent leurs couleurs pour un fond noir : sur fond clair, elles sont foncées au besoin.
-    minimumContrastRatio: style.colorScheme === 'light' ? 4.5 : 1,
+    // Un programme choisit ses couleurs sans savoir sur quel fond, ni ce que valent les nôtres.
+    minimumContrastRatio: 4.5,
   };
 }

@@ -13,6 +13,7 @@ import { familleDuTerminal } from '/police.js';
 import { copierEnSelectionnant, prendreLesEcritures } from '/pressePapiers.js';
 import { montrerLaProgression } from '/progression.js';
 import { valeurs } from '/reglages.js';
+import { Rendu } from '/rendu.js';
 import { apparenceDuTerminal } from '/themes.js';
 import { prendreLesTouches } from '/touches.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
@@ -43,6 +44,7 @@ export class VueTerminal {
   #ajustement = new FitAddon();
   #rejoue;
   #bouton;
+  #rendu = null;
   #envois = new Envois({
     envoyer: (texte) => envoyer({ type: 'saisie', id: this.id, texte }),
     quandSourd: () => envoyer({ type: 'abandon', id: this.id }),
@@ -67,8 +69,6 @@ export class VueTerminal {
       ...preferences(),
       cols: colonnes,
       rows: lignes,
-      // À un, la hauteur de ligne s’arrondit vers le bas et les soulignés « _ » disparaissent.
-      lineHeight: 1.1,
       // Le choix de largeurs des caractères et les trouvailles surlignées ne sont ouverts qu’à ce prix.
       allowProposedApi: true,
       linkHandler: liensDeclares,
@@ -120,8 +120,10 @@ export class VueTerminal {
     this.panneau.classList.toggle('choisi', choisie && !seule);
     this.onglet.classList.toggle('choisi', choisie);
     Object.assign(this.#bouton, { ariaSelected: choisie, tabIndex: choisie ? 0 : -1 });
+    this.#rendu?.montrer(montree);
     if (!montree || this.terminal.element) return;
     this.terminal.open(this.panneau);
+    this.#rendu = new Rendu(this.terminal);
     // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
     this.terminal.textarea.addEventListener('selectstart', (evenement) => {
       evenement.preventDefault();

@@ -4,7 +4,7 @@ import { once } from 'node:events';
 import { createWriteStream, existsSync, readFileSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
-import { Navigateur, PageVue } from '../navigateur.mjs';
+import { Navigateur, PageVue, TEXTE } from '../navigateur.mjs';
 import { lancer, preparerMaison, trouverUnPort } from '../outils.mjs';
 
 const PASSES = Number(process.argv[2] ?? 5);
@@ -12,7 +12,6 @@ const LIGNE = 'une ligne ordinaire de texte, soixante-dix caractères environ, v
 const LIGNES = Math.ceil(100e6 / Buffer.byteLength(LIGNE));
 const DOSSIER_DE_L_AUTRE = process.env.BANC_AUTRE ?? join(tmpdir(), 'banc-wetty');
 const PROGRAMME_DE_L_AUTRE = join(DOSSIER_DE_L_AUTRE, 'node_modules/wetty/build/main.js');
-const PRETE = 'document.querySelector(".xterm-rows")?.textContent.includes("$")';
 
 if (!existsSync(PROGRAMME_DE_L_AUTRE) || process.getuid() !== 0) {
   console.log(`Pour comparer, en root : npm install --prefix ${DOSSIER_DE_L_AUTRE} wetty@3.2.0 (Node ≥ 20, make et g++).`);
@@ -21,6 +20,8 @@ if (!existsSync(PROGRAMME_DE_L_AUTRE) || process.getuid() !== 0) {
 
 const NOTRES = {
   nom: 'Keltrove',
+  texte: TEXTE,
+  ecouter: '(faire) => terminaux.choisie().terminal.onRender(faire)',
   lancer,
   adresse: (port) => `http://localhost:${port}/`,
   async vingtTerminaux(t, navigateur, options) {
@@ -35,6 +36,8 @@ const NOTRES = {
 // Lancé en root, il ouvre l’interpréteur lui-même, comme nous : ni ssh ni login.
 const AUTRE = {
   nom: `WeTTY ${JSON.parse(readFileSync(join(PROGRAMME_DE_L_AUTRE, '../../package.json'))).version}`,
+  texte: 'document.querySelector(".xterm-rows").textContent',
+  ecouter: '(faire) => new MutationObserver(faire).observe(document.querySelector(".xterm-rows"), { childList: true, subtree: true, characterData: true })',
   async lancer(t, { maison }) {
     const port = await trouverUnPort();
     const options = ['--host', '127.0.0.1', '--port', port, '--base', '/', '--command', '/bin/bash', '--log-level', 'error'];
@@ -60,23 +63,21 @@ const memoire = ({ processus: { pid } }) => (
 );
 
 // De l’événement de saisie au glyphe dans la page, aller et retour par l’interpréteur compris.
-const TOUCHES = `(async () => {
+const mesurerLesTouches = ({ texte, ecouter }) => `(async () => {
   const durees = [];
-  const rangs = document.querySelector('.xterm-rows');
+  let voir = () => {};
+  (${ecouter})(() => voir());
   for (let i = 1; i <= 101; i += 1) {
     const depart = performance.now();
     document.activeElement.dispatchEvent(new InputEvent('input', { data: 'x', inputType: 'insertText', bubbles: true }));
-    await new Promise((suite) => {
-      const veilleur = new MutationObserver(() => rangs.textContent.includes('x'.repeat(i)) && (veilleur.disconnect(), suite()));
-      veilleur.observe(rangs, { childList: true, subtree: true, characterData: true });
-    });
+    await new Promise((suite) => (voir = () => ${texte}.includes('x'.repeat(i)) && suite()));
     durees.push(performance.now() - depart);
     await new Promise((suite) => setTimeout(suite, 20));
   }
   return durees.sort((a, b) => a - b);
 })()`;
 
-// Un serveur, une maison et un navigateur neufs ; les deux terminaux se peignent en HTML : ici, WebGL serait simulé.
+// Un serveur, une maison et un navigateur neufs ; ici, WebGL serait simulé : il est coupé.
 async function mesurer(lui, faire) {
   const finir = [];
   const t = { after: (suite) => finir.unshift(suite) };
@@ -85,7 +86,7 @@ async function mesurer(lui, faire) {
     const maison = await preparerMaison(t);
     writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '\n");
     const serveur = await lui.lancer(t, maison);
-    await faire(t, navigateur, { maison, serveur, adresse: lui.adresse(serveur.port), prete: PRETE });
+    await faire(t, navigateur, { maison, serveur, adresse: lui.adresse(serveur.port), prete: `${lui.texte}.includes('$')` });
   } finally {
     for (const suite of finir) await suite();
     await navigateur.fermer();
@@ -99,7 +100,7 @@ async function passer(lui) {
     await page.demander('Emulation.setDeviceMetricsOverride', { width: 1600, height: 900, deviceScaleFactor: 1, mobile: false });
     await page.attendre('document.activeElement.className === "xterm-helper-textarea"');
     vu['serveur, un terminal (Mo)'] = memoire(options.serveur);
-    const durees = await page.evaluer(TOUCHES);
+    const durees = await page.evaluer(mesurerLesTouches(lui));
     vu['de la touche au glyphe, médiane (ms)'] = durees[50];
     vu['de la touche au glyphe, 95 % (ms)'] = durees[95];
     await page.touche('Ctrl+c');
@@ -110,7 +111,7 @@ async function passer(lui) {
     const depart = performance.now();
     await page.ecrire('cat ~/gros; echo fini-$((1 + 1))');
     await page.touche('Entrée');
-    while (!(await page.evaluer('/fini-2/.test(document.querySelector(".xterm-rows").textContent)'))) await pause(100);
+    while (!(await page.evaluer(`/fini-2/.test(${lui.texte})`))) await pause(100);
     vu['cat de 100 Mo (Mo/s)'] = 100e3 / (performance.now() - depart);
     vu['serveur, ensuite (Mo)'] = memoire(options.serveur);
   });
