@@ -89,7 +89,8 @@ essai('copier en sélectionnant : à la souris seulement, et si on le veut', asy
   await page.touche('Entrée');
   await page.attendreLeTexte('/^un-mot-a-copier *\\n\\$ /m');
   const double = async () => {
-    const { x, y } = await page.evaluer('(({ x, y, height }) => ({ x: x + 40, y: y + height / 2 }))(document.querySelector(".xterm-rows > div").getBoundingClientRect())');
+    const { x, y } = await page.evaluer(`(() => { const { x, y } = document.querySelector('.xterm-screen').getBoundingClientRect();
+      return { x: x + 40, y: y + terminaux.choisie().terminal._core._renderService.dimensions.css.cell.height / 2 }; })()`);
     for (const clickCount of [1, 2]) {
       await page.souris('mousePressed', x, y, { clickCount });
       await page.souris('mouseReleased', x, y, { clickCount });
