@@ -1,5 +1,6 @@
 import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { bornerLesRepetitions } from '../page/bornes.js';
+import { compterLesLargeurs } from '../page/largeurs.js';
 import { lireLesLignes } from '../page/lignes.js';
 
 export const NOMBRE_DE_LIGNES = 200;
@@ -10,7 +11,7 @@ const MORCEAU = 4096;
 let bibliotheque = null;
 
 // Longue à charger : après la première page, mais sans attendre le jour où les descripteurs manqueraient.
-export const chargerLaBibliotheque = () => (bibliotheque ??= import('@xterm/headless'));
+export const chargerLaBibliotheque = () => (bibliotheque ??= Promise.all([import('@xterm/headless'), import('@xterm/addon-unicode11')]));
 
 // Des couleurs, une annonce, le collage encadré : ce qui ne déplace pas le curseur.
 const SANS_MOUVEMENT = /\x1b\[[\d;:]*m|\x1b\](?:0|2|7|9|99|133|777);[^\x00-\x1f]*(?:\x07|\x1b\\)|\x1b\[\?2004[hl]/g;
@@ -32,9 +33,10 @@ export async function lireLesDernieresLignes(sortie, taille) {
 }
 
 async function lireUnEcran(sortie, { colonnes, lignes }) {
-  const { default: { Terminal } } = await chargerLaBibliotheque();
+  const [{ default: { Terminal } }, { default: { Unicode11Addon } }] = await chargerLaBibliotheque();
   const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
   bornerLesRepetitions(terminal);
+  compterLesLargeurs(terminal, Unicode11Addon);
   for (let debut = 0; debut < sortie.length; debut += MORCEAU) {
     await new Promise((suite) => terminal.write(sortie.slice(debut, debut + MORCEAU), suite));
     await cederLaMain();

@@ -6,6 +6,7 @@ import { chercherLesChemins } from '/chemins.js';
 import { coller, prendreLesCollages } from '/collage.js';
 import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
+import { compterLesLargeurs } from '/largeurs.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
 import { compterLesLignesGardees } from '/lignesGardees.js';
@@ -80,11 +81,10 @@ export class VueTerminal {
     composer(this.panneau, this.terminal, (texte) => this.terminal.input(texte));
     prendreLesTouches(this.terminal);
     this.panneau.querySelector('.rouvrir').addEventListener('click', () => this.#rouvrir());
-    for (const ajout of [this.#ajustement, new Unicode11Addon()]) this.terminal.loadAddon(ajout);
+    this.terminal.loadAddon(this.#ajustement);
     chercherLesLiens(this.terminal);
     chercherLesChemins(this.terminal, id);
-    // Les largeurs que comptent aussi les interpréteurs et les éditeurs d’aujourd’hui.
-    this.terminal.unicode.activeVersion = '11';
+    compterLesLargeurs(this.terminal, Unicode11Addon);
     this.terminal.onData((texte) => this.#saisir(texte));
     // Ce qui a sonné jadis ne sonne plus.
     this.terminal.onBell(() => this.#rejoue || this.panneau.dispatchEvent(new Event('sonnerie', { bubbles: true })));
