@@ -117,7 +117,10 @@ bool ActionsGtk::ilYADeQuoiColler() const {
 }
 
 void ActionsGtk::montrerAPropos() {
-  if (!aPropos_) aPropos_ = std::make_unique<AProposGtk>(fenetre_);
+  if (!aPropos_) {
+    aPropos_ = std::make_unique<AProposGtk>(fenetre_);
+    if (quandUneBoiteSOuvre) quandUneBoiteSOuvre(*aPropos_);
+  }
   aPropos_->present();
 }
 

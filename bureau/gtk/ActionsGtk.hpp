@@ -24,6 +24,7 @@ public:
 
   std::function<void()> quandOnQuitte;
   std::function<void()> quandOnRecharge;
+  std::function<void(Gtk::Window&)> quandUneBoiteSOuvre; // une fois chacune
 
 private:
   void ajouterCellesDeLaFenetre();

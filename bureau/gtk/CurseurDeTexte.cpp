@@ -1,18 +1,24 @@
 #include "bureau/gtk/CurseurDeTexte.hpp"
 
+#include <algorithm>
+#include <array>
+
 namespace keltrove::bureau {
 namespace {
 
-bool estF7(GtkShortcut* raccourci) {
+constexpr std::array<guint, 3> touches{GDK_KEY_F7, GDK_KEY_Menu, GDK_KEY_F10};
+
+bool estANous(GtkShortcut* raccourci) {
   auto* declencheur = gtk_shortcut_get_trigger(raccourci);
   return GTK_IS_KEYVAL_TRIGGER(declencheur) &&
-         gtk_keyval_trigger_get_keyval(GTK_KEYVAL_TRIGGER(declencheur)) == GDK_KEY_F7;
+         std::ranges::find(touches, gtk_keyval_trigger_get_keyval(GTK_KEYVAL_TRIGGER(declencheur))) !=
+             touches.end();
 }
 
-void retirerF7(GListModel* raccourcis) {
+void retirer(GListModel* raccourcis) {
   for (guint i = 0; i < g_list_model_get_n_items(raccourcis); ++i) {
     auto* raccourci = GTK_SHORTCUT(g_list_model_get_item(raccourcis, i));
-    if (estF7(raccourci)) gtk_shortcut_set_action(raccourci, g_object_ref(gtk_nothing_action_get()));
+    if (estANous(raccourci)) gtk_shortcut_set_action(raccourci, g_object_ref(gtk_nothing_action_get()));
     g_object_unref(raccourci);
   }
 }
@@ -31,13 +37,13 @@ void figer(GtkWidget* texte) {
 
 } // namespace
 
-void retirerF7AuxTextes() {
+void retirerDesTouchesAuxTextes() {
   // Les raccourcis d’une classe sont partagés par tous ses éléments : un seul suffit à les atteindre.
   auto* texte = GTK_WIDGET(g_object_ref_sink(gtk_text_view_new()));
   auto* controleurs = gtk_widget_observe_controllers(texte);
   for (guint i = 0; i < g_list_model_get_n_items(controleurs); ++i) {
     auto* controleur = g_list_model_get_item(controleurs, i);
-    if (GTK_IS_SHORTCUT_CONTROLLER(controleur)) retirerF7(G_LIST_MODEL(controleur));
+    if (GTK_IS_SHORTCUT_CONTROLLER(controleur)) retirer(G_LIST_MODEL(controleur));
     g_object_unref(controleur);
   }
   g_object_unref(controleurs);

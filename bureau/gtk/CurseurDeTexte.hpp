@@ -5,9 +5,10 @@
 
 namespace keltrove::bureau {
 
-// F7 y cache le curseur, et GTK 4.8 arrête alors le programme au clignotement suivant. Retire ce sens à F7
-// dans tous les textes. À appeler après l’initialisation de GTK.
-void retirerF7AuxTextes();
+// F7 y cache le curseur, et GTK 4.8 arrête alors le programme au clignotement suivant ; Menu et Maj+F10 y
+// ouvrent un menu dont la page n’a que faire. Retire ce sens à ces touches dans tous les textes. À appeler
+// après l’initialisation de GTK.
+void retirerDesTouchesAuxTextes();
 
 // Ce texte garde tout ce que l’on tape, et le curseur qui y clignote fait attendre à chaque image de la page
 // le prochain battement de l’horloge de GTK. Ses touches agiraient aussi pour lui-même : Tab et Ctrl+Tab

@@ -6,6 +6,9 @@
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 
+#include <algorithm>
+
+#include <fmt/format.h>
 #include <glibmm/main.h>
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/settings.h>
@@ -40,6 +43,7 @@ FenetreGtk::FenetreGtk(socle::Environnement environnement) : environnement_(std:
   pile_.append(contenu_);
   set_child(pile_);
   relierLesVues();
+  suivreLeRegard(*this);
 
   const auto reglages = Gtk::Settings::get_default();
   reglages->property_gtk_theme_name().signal_changed().connect([this] { suivreLeTheme(); });
@@ -68,9 +72,13 @@ void FenetreGtk::relierLesVues() {
   ecran_.quandOnReessaie = [=, this] { transmettre(quandOnReessaie); };
   ecran_.quandOnBasculeLeDetail = [=, this] { transmettre(quandOnBasculeLeDetail); };
   actions_.quandOnRecharge = [=, this] { transmettre(quandOnRecharge); };
+  actions_.quandUneBoiteSOuvre = [this](Gtk::Window& boite) { suivreLeRegard(boite); };
   actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
   vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
-  vueWeb_.quandNavigationFinie = [=, this] { transmettre(quandNavigationFinie); };
+  vueWeb_.quandNavigationFinie = [=, this] {
+    direLeRegard();
+    transmettre(quandNavigationFinie);
+  };
   vueWeb_.quandUneAdresseEstPourLeNavigateur = [this](const std::string& adresse) {
     ouvrirDansLeNavigateur(adresse, environnement_, [this, adresse, existe = std::weak_ptr(existe_)] {
       if (existe.lock() && quandUnLienNeSOuvrePas) quandUnLienNeSOuvrePas(adresse);
@@ -87,6 +95,21 @@ void FenetreGtk::relierLesVues() {
   vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
     if (quandNavigationRatee) quandNavigationRatee(echec);
   };
+}
+
+void FenetreGtk::suivreLeRegard(Gtk::Window& fenetre) {
+  fenetre.property_is_active().signal_changed().connect([this, existe = std::weak_ptr(existe_)] {
+    if (existe.lock()) direLeRegard();
+  });
+}
+
+// Un menu ou une boîte prend le clavier à la page sans que l’utilisateur regarde ailleurs.
+void FenetreGtk::direLeRegard() {
+  const auto fenetres = Gtk::Window::list_toplevels();
+  // Une boîte refermée peut se croire encore active.
+  const bool ici = std::ranges::any_of(
+      fenetres, [](auto* fenetre) { return fenetre->get_visible() && fenetre->is_active(); });
+  vueWeb_.evaluer(fmt::format("window.keltrovePont?.regard?.({})", ici), [](const auto&) {});
 }
 
 void FenetreGtk::reprendreLaTaille() {

@@ -46,6 +46,8 @@ private:
   void suivreLeTheme();
   void construireLeBandeau();
   void relierLesVues();
+  void suivreLeRegard(Gtk::Window& fenetre);
+  void direLeRegard();
   bool on_close_request() override;
 
   const socle::Environnement environnement_;

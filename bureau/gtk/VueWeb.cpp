@@ -6,6 +6,7 @@
 #include "pont/PontNotifications.hpp"
 
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <glibmm/main.h>
@@ -138,6 +139,21 @@ void VueWeb::garderLaPage() {
                      return nullptr;
                    }),
                    this);
+  g_signal_connect(vue_, "permission-request",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitPermissionRequest* demande, VueWeb* moi) -> gboolean {
+                     return moi->permettre(demande);
+                   }),
+                   this);
+}
+
+// La page servie colle elle-même, depuis son menu ; rien d’autre n’est permis à personne.
+bool VueWeb::permettre(WebKitPermissionRequest* demande) {
+  const char* adresse = webkit_web_view_get_uri(vue_);
+  if (!WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(demande) || adresse == nullptr || origine_.empty() ||
+      !std::string_view(adresse).starts_with(origine_ + "/"))
+    return false;
+  webkit_permission_request_allow(demande);
+  return true;
 }
 
 bool VueWeb::decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte) {

@@ -49,6 +49,7 @@ private:
   void ouvrirLeCanal();
   void garderLaPage();
   void envoyer(const std::string& adresse, fenetre::Destination destination);
+  bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);
   void quandLeChargementChange(WebKitLoadEvent evenement);
   void quandLeChargementEchoue(const GError& erreur);

@@ -55,7 +55,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   g_set_prgname("keltrove");
   g_set_application_name("Keltrove");
   if (!gtk_init_check()) return sansEcran();
-  bureau::retirerF7AuxTextes();
+  bureau::retirerDesTouchesAuxTextes();
   const auto boucle = contexte.boucle;
   const auto environnement = contexte.environnement;
   auto moteur = std::make_shared<moteur::MoteurServeur>(std::move(contexte));

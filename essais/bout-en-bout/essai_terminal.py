@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 
 import ecran
-from application import attendre, attendre_le_clavier, lire, touches
+from application import active, attendre, attendre_le_clavier, couleur, fenetres, lire, touches
 from bus import Bus
 from cas import Cas
 from glissement import Source, souris
@@ -139,6 +139,39 @@ class Notifications(Terminal):
         self.attendre_le_fichier(application, "sonne")
         service.ordonner(signal=["ActionInvoked", 101, "default"])
         self.taper_jusqu_a(application, "touch qui-$QUI\n", "qui-premier")
+        self.assertEqual(len(service.appels()), 1)
+        application.quitter()
+
+
+class Regard(Terminal):
+    """La page perd le clavier à un menu ou à une boîte : l’utilisateur, lui, regarde toujours son terminal."""
+
+    def sonner(self, application, n):
+        """Une sonnerie, et un écran peint en rouge ou en vert une fois qu’elle a été entendue."""
+        open(self.chemin(application, f"va-{n}"), "w").close()
+        rouge, vert = "#B3261E", "#1D6B34"
+        attendre(lambda: couleur(200, 800) == (rouge if n % 2 else vert), quoi=lambda: f"la sonnerie {n} (vu : {couleur(200, 800)})")
+
+    def test_ni_un_menu_ni_une_boite_ne_font_un_terminal_qui_attend(self):
+        bus = Bus(self)
+        service = Service(self, bus)
+        application = self.ouvrir(variables=bus.variables)
+        pid = application.processus.pid
+        taper("for n in 1 2 3; do until [ -e va-$n ]; do sleep .1; done; printf '\\a\\033[4'$((2 - n % 2))'m\\033[2J'; done; touch parti\n")
+        ecran.ouvrir_le_menu(pid, "Édition")
+        self.sonner(application, 1)
+        touches("Escape")
+        attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
+        attendre_le_clavier(application)
+        ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
+        ecran.attendre_le_texte(pid, "Version 0.")
+        self.sonner(application, 2)
+        touches("Escape")
+        attendre_le_clavier(application)
+        Source(self, "texte", "ailleurs")
+        attendre(lambda: active() not in map(str, fenetres(application)), quoi="une autre fenêtre au clavier")
+        self.sonner(application, 3)
+        service.attendre_les_appels(1)
         self.assertEqual(len(service.appels()), 1)
         application.quitter()
 

@@ -186,6 +186,8 @@ export class PageVue {
 
 const TOUCHES = {
   Entrée: ['Enter', 'Enter', 13], Échap: ['Escape', 'Escape', 27], Tab: ['Tab', 'Tab', 9],
+  Menu: ['ContextMenu', 'ContextMenu', 93], Haut: ['ArrowUp', 'ArrowUp', 38], Bas: ['ArrowDown', 'ArrowDown', 40],
+  Début: ['Home', 'Home', 36], Fin: ['End', 'End', 35],
   Gauche: ['ArrowLeft', 'ArrowLeft', 37], Droite: ['ArrowRight', 'ArrowRight', 39],
   Haut: ['ArrowUp', 'ArrowUp', 38], Bas: ['ArrowDown', 'ArrowDown', 40], Fin: ['End', 'End', 35],
   PageSuivante: ['PageDown', 'PageDown', 34], PagePrécédente: ['PageUp', 'PageUp', 33],

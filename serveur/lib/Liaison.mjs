@@ -166,6 +166,10 @@ export class Liaison {
     taille: (terminal, { colonnes, lignes }) => terminal.dimensionner(colonnes, lignes),
     renommer: (terminal, { nom }) => this.#terminaux.renommer(terminal, nom),
     deplacer: (terminal, { rang }) => this.#terminaux.deplacer(terminal, rang),
+    effacer: (terminal) => {
+      terminal.effacer();
+      this.#diffuser({ type: 'effacer', id: terminal.id });
+    },
     accoler: (terminal) => this.#terminaux.accoler(terminal),
     repartir: (terminal, { chemin, parts }) => this.#terminaux.repartir(terminal, chemin, parts),
     // Un historique entier ne tiendrait pas dans un message.

@@ -20,6 +20,13 @@ export class Tampon {
     this.#texte = this.#texte.slice(coupe);
   }
 
+  // La ligne en cours reste : l’invite, et ce qu’on y tape.
+  effacer() {
+    const debut = this.#texte.lastIndexOf('\n') + 1;
+    retenirLesModes(this.#modes, this.#texte.slice(0, debut));
+    this.#texte = this.#texte.slice(debut);
+  }
+
   rejouer({ caracteres = Infinity, lignes = Infinity } = {}) {
     const fin = this.#texte.slice(this.#trouverUneCoupe(caracteres)).split('\n').slice(-lignes).join('\n');
     const modes = new Map(this.#modes);

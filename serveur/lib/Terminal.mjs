@@ -106,6 +106,12 @@ export class Terminal {
     this.#interpreteur?.dimensionner(this.colonnes, this.lignes);
   }
 
+  // Ce qui est effacé ne doit revenir ni à une page rechargée, ni par le carnet.
+  effacer() {
+    this.tampon.effacer();
+    this.#lignesPerimees = true;
+  }
+
   suspendre(oui) {
     this.#interpreteur?.suspendre(oui);
   }

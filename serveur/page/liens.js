@@ -7,7 +7,13 @@ const COURRIEL = /(^|[^\w.+/:-])([\w.+-]+@[\w-]+(?:\.[\w-]+)+)(?![\w/-]|:\S)/g;
 
 const indication = document.querySelector('.lien');
 export const montrer = (lien) => (indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien}` : '');
-const survol = { hover: (_, adresse) => montrer(lire(adresse)), leave: () => montrer(null) };
+let survole = null;
+const survoler = (lien) => montrer((survole = lien));
+const survol = { hover: (_, adresse) => survoler(lire(adresse)), leave: () => survoler(null) };
+
+// La vraie adresse de celui qui est sous la souris.
+export const lienSurvole = () => survole;
+export const ouvrirLeLien = (lien) => open(lien, '_blank', 'noopener');
 
 // Les liens que des programmes déclarent eux-mêmes.
 export const liensDeclares = { activate: ouvrir, allowNonHttpProtocols: true, ...survol };
@@ -35,7 +41,7 @@ function trouverLesCourriels(terminal, y) {
 // clic, fait pour prendre le focus ou sélectionner, n’ouvre rien.
 function ouvrir(evenement, adresse) {
   const lien = lire(adresse);
-  if (lien && (evenement.ctrlKey || evenement.metaKey)) open(lien, '_blank', 'noopener');
+  if (lien && (evenement.ctrlKey || evenement.metaKey)) ouvrirLeLien(lien);
 }
 
 function lire(adresse) {

@@ -19,7 +19,16 @@ const pont = window.webkit?.messageHandlers?.keltroveNotifications;
 const systeme = document.querySelector('.systeme');
 const minuteurs = new Map();
 
-window.keltrovePont = { etat: direLEtat, ouvrir: choisir };
+let devant = false;
+window.keltrovePont = {
+  etat: direLEtat,
+  ouvrir: choisir,
+  // L’application le sait mieux que la page, à qui ses menus et ses boîtes prennent le clavier.
+  regard(oui) {
+    devant = oui;
+    relire();
+  },
+};
 systeme.addEventListener('click', () => pont.postMessage({ action: 'reglages' }));
 if (pont) pont.postMessage({ action: 'etat' });
 else direLEtat('sansPont');
@@ -47,7 +56,7 @@ function noterLeSilence(id) {
 
 function relire() {
   for (const vue of vues.values()) {
-    const regarde = vue.montree && !document.hidden && document.hasFocus();
+    const regarde = vue.montree && !document.hidden && (devant || document.hasFocus());
     vue.veille.regarder(regarde);
     if (regarde) vue.marquer(false);
   }

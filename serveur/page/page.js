@@ -2,6 +2,7 @@ import { recevoirLesChemins } from '/chemins.js';
 import '/depot.js';
 import '/lecteur.js';
 import { aviser } from '/avis.js';
+import { poserLesMenus } from '/clicDroit.js';
 import { direLaCoupure, direLaReprise } from '/coupure.js';
 import { enregistrerLHistorique } from '/historique.js';
 import { envoyer, relier } from '/liaison.js';
@@ -25,6 +26,7 @@ relier({
   liste: ({ terminaux }) => suivre(terminaux),
   ouvert: ({ id }) => choisir(id),
   reprise: ({ id, texte }) => ecrire(id, texte),
+  effacer: ({ id }) => vues.get(id)?.effacer(),
   sortie({ id, texte }) {
     ecrire(id, texte);
     noterLaSortie(id, texte.length);
@@ -92,6 +94,7 @@ addEventListener('keydown', (evenement) => {
   evenement.stopPropagation();
 }, true);
 
+poserLesMenus(gestes);
 document.querySelector('.nouveau').addEventListener('click', ouvrir);
 for (const bouton of document.querySelectorAll('.diviser')) bouton.addEventListener('click', () => diviser(bouton.name));
 document.querySelector('.regler').addEventListener('click', ouvrirLesReglages);

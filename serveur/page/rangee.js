@@ -7,7 +7,7 @@ const SEUIL_DU_GLISSER = 6;
 const rangee = document.querySelector('.onglets');
 const rangDe = (onglet) => [...rangee.children].indexOf(onglet);
 const viser = (onglet) => onglet.querySelector('.choisir').focus();
-const fermer = ({ dataset: { terminal: id } }) => envoyer({ type: 'fermer', id });
+export const fermer = ({ dataset: { terminal: id } }) => envoyer({ type: 'fermer', id });
 
 export const prendreLeFocusDesOnglets = () => viser(rangee.querySelector('.choisi'));
 
@@ -67,7 +67,7 @@ function deplacer({ dataset: { terminal: id } }, rang) {
 }
 
 // Vide, le nom redevient celui que l’interpréteur donne ; inchangé, il ne doit pas s’y figer.
-function renommer(onglet) {
+export function renommer(onglet) {
   const bouton = onglet.querySelector('.choisir');
   const champ = document.createElement('input');
   // Le titre peut changer pendant la saisie : c’est avec ce que l’on a vu au départ que l’on compare.
@@ -77,12 +77,16 @@ function renommer(onglet) {
   bouton.before(champ);
   champ.select();
   champ.focus();
-  champ.addEventListener('blur', () => {
+  const finir = ({ relatedTarget }) => {
+    // Le menu de ce champ lui rendra le clavier.
+    if (relatedTarget?.closest('.menu')) return;
+    champ.removeEventListener('blur', finir);
     const [id, nom] = [onglet.dataset.terminal, champ.value.trim()];
     champ.remove();
     bouton.hidden = false;
     if (nom !== ancien.trim()) envoyer({ type: 'renommer', id, nom });
-  }, { once: true });
+  };
+  champ.addEventListener('blur', finir);
   champ.addEventListener('keydown', (evenement) => {
     const { key, isComposing } = evenement;
     if (isComposing || (key !== 'Enter' && key !== 'Escape')) return;

@@ -127,7 +127,7 @@ export class VueTerminal {
     // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
     this.terminal.textarea.addEventListener('selectstart', (evenement) => {
       evenement.preventDefault();
-      this.#toutSelectionner();
+      this.toutSelectionner();
     });
   }
 
@@ -166,6 +166,19 @@ export class VueTerminal {
     this.#ajuster();
   }
 
+  // Jusqu’à la dernière ligne écrite : le reste de l’écran n’est rien à copier.
+  toutSelectionner() {
+    const tampon = this.terminal.buffer.active;
+    let fin = tampon.length - 1;
+    while (fin > 0 && tampon.getLine(fin).translateToString(true) === '') fin -= 1;
+    this.terminal.selectLines(0, fin);
+  }
+
+  // La ligne en cours reste, en haut ; un programme plein écran garde son dessin.
+  effacer() {
+    this.terminal.write('', () => this.terminal.buffer.active.type === 'normal' && this.terminal.clear());
+  }
+
   retirer() {
     this.#envois.oublier();
     this.terminal.dispose();
@@ -179,14 +192,6 @@ export class VueTerminal {
 
   #rouvrir() {
     envoyer({ type: 'rouvrir', id: this.id });
-  }
-
-  // Jusqu’à la dernière ligne écrite : le reste de l’écran n’est rien à copier.
-  #toutSelectionner() {
-    const tampon = this.terminal.buffer.active;
-    let fin = tampon.length - 1;
-    while (fin > 0 && tampon.getLine(fin).translateToString(true) === '') fin -= 1;
-    this.terminal.selectLines(0, fin);
   }
 
   #saisir(texte) {
