@@ -102,3 +102,18 @@ essai('Ctrl+molette change la taille du texte ; avec Alt en plus, elle va au pro
   assert.equal(await corps(), 15);
   assert.equal(await page.evaluer('visualViewport.scale'), 1);
 });
+
+essai('l’interpréteur se choisit parmi ceux du système, et le prochain terminal en est', async (page) => {
+  await page.touche('Ctrl+Maj+P');
+  const dash = await page.attendre('[...document.querySelectorAll("[name=interpreteur] option")].map((o) => o.value).find((chemin) => chemin.endsWith("/dash"))');
+  await regler(page, 'interpreteur', dash);
+  await page.touche('Échap');
+  await page.touche('Ctrl+Maj+T');
+  await page.attendre('document.querySelector(".onglet + .onglet.choisi")');
+  await page.attendreLeTexte('/[$#] /');
+  await page.ecrire('echo "<$0>"');
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/^<.*dash>/m');
+  await page.recharger();
+  assert.equal(await page.attendre('document.querySelector("[name=interpreteur]").value'), dash);
+});

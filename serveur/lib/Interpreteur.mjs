@@ -1,15 +1,14 @@
 import { spawn } from '@lydell/node-pty';
-import { accessSync, closeSync, constants, openSync, readFileSync, readlinkSync, writeSync } from 'node:fs';
+import { closeSync, openSync, readFileSync, readlinkSync, writeSync } from 'node:fs';
 import { basename } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { essayer } from '../page/essayer.js';
 import { avecSaLimite, environnementTransmis } from './heritage.mjs';
+import { estExecutable, lireLesInterpreteurs } from './interpreteurs.mjs';
 import { Saisie } from './Saisie.mjs';
 
 // Les fichiers qu’un utilisateur peut faire lire à son interpréteur, pour qu’il dise où commencent ses commandes.
 const INTEGRATION = fileURLToPath(new URL('../integration', import.meta.url));
-
-const estExecutable = (chemin) => essayer(() => accessSync(chemin, constants.X_OK) ?? true, false);
 
 // Un terminal qui prendrait les derniers descripteurs empêcherait d’ouvrir la page qui doit le montrer.
 const RESERVE = 8;
@@ -25,7 +24,7 @@ function verifierLaReserve() {
 
 // Un interpréteur de commandes dans son pseudo-terminal.
 export class Interpreteur {
-  #programme = [process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
+  #programme = [lireLesInterpreteurs().choisi, process.env.SHELL, '/bin/bash'].find(estExecutable) ?? '/bin/sh';
   #pty;
   #saisie = new Saisie((octets) => writeSync(this.#pty.fd, octets));
   // Fermé, son descripteur peut aussitôt servir à un autre terminal : plus rien ne doit s’y écrire ni s’y demander.
@@ -42,7 +41,7 @@ export class Interpreteur {
       cols: colonnes,
       rows: lignes,
       cwd: dossier,
-      env: { ...environnementTransmis(), TERM: 'xterm-256color', COLORTERM: 'truecolor', KELTROVE_INTEGRATION: INTEGRATION },
+      env: { ...environnementTransmis(), SHELL: this.#programme, TERM: 'xterm-256color', COLORTERM: 'truecolor', KELTROVE_INTEGRATION: INTEGRATION },
     });
     // Une lecture qui échoue annonce sa fin ; sans cette écoute, elle arrêterait le serveur entier.
     this.#pty.on('error', () => {});

@@ -6,6 +6,7 @@ import { Arriere } from './Arriere.mjs';
 import { estUnSens } from './divisions.mjs';
 import { editer, trouverLesFichiers } from './editeur.mjs';
 import { enregistrerLHistorique } from './historique.mjs';
+import { choisirUnInterpreteur, lireLesInterpreteurs } from './interpreteurs.mjs';
 
 const TAILLE_MAXIMALE = 1024 * 1024;
 const DELAI_DU_JETON = 5000;
@@ -109,6 +110,7 @@ export class Liaison {
       if (!message) return page.close(CODES.illisible);
       const terminal = this.#terminaux.trouver(message.id);
       if (message.type === 'ouvrir') this.#ouvrir(message, page);
+      else if (message.type === 'interpreteur') this.#choisirUnInterpreteur(message, page);
       // Un type inconnu est ignoré : une page d’une autre version ne doit pas être coupée pour autant.
       else if (terminal) this.#demandes.get(message.type)?.(terminal, message, page);
     });
@@ -119,6 +121,7 @@ export class Liaison {
     });
     this.#terminaux.relever();
     page.envoyer({ type: 'accueil', terminaux: this.#terminaux.pourLaPage(), alerte: this.#alerte });
+    page.envoyer({ type: 'interpreteurs', ...lireLesInterpreteurs() });
     for (const terminal of this.#terminaux.liste) page.arriere(terminal).reprendre(terminal.tampon.rejouer());
     page.reprise = page.bufferedAmount;
     this.#pages.add(page);
@@ -132,6 +135,12 @@ export class Liaison {
     const terminal = this.#terminaux.ouvrir({ colonnes, lignes, dossier: voisin?.dossier, ...place });
     if (terminal) page.envoyer({ type: 'ouvert', id: terminal.id });
     else page.envoyer({ type: 'avis', texte: SANS_PLACE });
+  }
+
+  async #choisirUnInterpreteur({ chemin }, page) {
+    const refus = ({ message }) => page.envoyer({ type: 'avis', texte: `Votre choix n’a pas pu être gardé : ${message}` });
+    await choisirUnInterpreteur(chemin).catch(refus);
+    this.#diffuser({ type: 'interpreteurs', ...lireLesInterpreteurs() });
   }
 
   #saisir(terminal, { id, texte }, page) {

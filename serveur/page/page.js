@@ -5,6 +5,7 @@ import { aviser } from '/avis.js';
 import { poserLesMenus } from '/clicDroit.js';
 import { direLaCoupure, direLaReprise } from '/coupure.js';
 import { enregistrerLHistorique } from '/historique.js';
+import { montrerLesInterpreteurs } from '/interpreteurs.js';
 import { envoyer, relier } from '/liaison.js';
 import { noterLaSortie, noterUnAppel } from '/notifications.js';
 import { prendreLeFocusDesOnglets } from '/rangee.js';
@@ -23,6 +24,7 @@ relier({
     recommencer(terminaux);
   },
   alerte: alerter,
+  interpreteurs: montrerLesInterpreteurs,
   liste: ({ terminaux }) => suivre(terminaux),
   ouvert: ({ id }) => choisir(id),
   reprise: ({ id, texte }) => ecrire(id, texte),
