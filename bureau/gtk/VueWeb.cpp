@@ -106,6 +106,26 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                    this);
   ouvrirLeCanal();
   garderLaPage();
+  collerLaSelectionAuClavier();
+}
+
+// Le bouton du milieu la colle de lui-même ; Maj+Inser, pour WebKit, est le presse-papiers. La page est
+// prévenue, car rien d’autre ne lui dit lequel des deux elle reçoit.
+void VueWeb::collerLaSelectionAuClavier() {
+  auto* action = gtk_callback_action_new(
+      [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
+        auto* vueWeb = static_cast<VueWeb*>(moi);
+        vueWeb->appeler("dispatchEvent(new Event('collerlaselection'))", nlohmann::json::object());
+        vueWeb->editer("PasteGlobalSelection");
+        return TRUE;
+      },
+      this, nullptr);
+  auto* raccourcis = gtk_shortcut_controller_new();
+  gtk_event_controller_set_propagation_phase(raccourcis, GTK_PHASE_CAPTURE);
+  gtk_shortcut_controller_add_shortcut(
+      GTK_SHORTCUT_CONTROLLER(raccourcis),
+      gtk_shortcut_new(gtk_shortcut_trigger_parse_string("<Shift>Insert|<Shift>KP_Insert"), action));
+  gtk_widget_add_controller(GTK_WIDGET(vue_), raccourcis);
 }
 
 void VueWeb::ouvrirLeCanal() {

@@ -48,6 +48,7 @@ public:
 private:
   void ouvrirLeCanal();
   void garderLaPage();
+  void collerLaSelectionAuClavier();
   void envoyer(const std::string& adresse, fenetre::Destination destination);
   bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);

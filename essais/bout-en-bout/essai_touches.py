@@ -30,8 +30,12 @@ AUTRES = ["space", "Tab", "Return", "Escape", "BackSpace"] + [f"F{n}" for n in r
 MODES_D_UN_EDITEUR = ["1", "66", "1049"]
 
 # Les raccourcis de la page, de l’application et du gestionnaire de fenêtres.
-A_NOUS = {"F11", "alt+F4", "ctrl+Insert", "shift+Insert", "ctrl+shift+Insert"}
-A_NOUS |= {f"ctrl+shift+{touche}" for touche in "a c z 0 agrave minus equal underscore parenright Prior Next F10".split()}
+A_NOUS = {"F11", "alt+F4"}
+A_NOUS |= {f"{avec}Insert" for avec in AVEC if "ctrl" in avec or "shift" in avec}
+A_NOUS |= {f"ctrl+shift+{touche}" for touche in "a c z 0 agrave minus equal underscore parenright Up Down Left Right Prior Next "
+                                               "F10".split()}
+# VTE y fait défiler d’une ligne, comme sans Alt ; sans Alt, ici, on change de terminal.
+A_NOUS |= {"ctrl+shift+alt+Up", "ctrl+shift+alt+Down"}
 # Une touche morte attend la suivante : elle a ses essais.
 A_NOUS |= {"dead_circumflex", "shift+dead_circumflex", "alt+dead_circumflex", "shift+alt+dead_circumflex"}
 

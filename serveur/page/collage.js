@@ -20,25 +20,28 @@ export function coller(terminal, texte) {
   else terminal.paste(propre);
 }
 
+// Le bouton du milieu, et Maj+Inser que l’application annonce, collent la sélection et non le presse-papiers.
+let laSelection = false;
+addEventListener('mousedown', ({ button }) => (laSelection = button === 1), true);
+addEventListener('keydown', () => (laSelection = false), true);
+addEventListener('collerlaselection', () => (laSelection = true));
+
 // Tout ce que l’on colle dans ce panneau va à `prendre`, au lieu de la zone de saisie.
 export function prendreLesCollages(panneau, prendre) {
-  let auMilieu = false;
   const detourner = (evenement, texte) => {
     evenement.preventDefault();
     evenement.stopPropagation();
     if (texte) prendre(texte);
   };
   const ecouter = (nom, quand) => panneau.addEventListener(nom, quand, true);
-  ecouter('mousedown', ({ button }) => (auMilieu = button === 1));
-  ecouter('keydown', () => (auMilieu = false));
   ecouter('paste', (evenement) => {
-    if (!auMilieu) return detourner(evenement, evenement.clipboardData?.getData('text/plain'));
-    // Le bouton du milieu colle la sélection, mais WebKit montre ici le presse-papiers : on la lit une fois écrite.
+    if (!laSelection) return detourner(evenement, evenement.clipboardData?.getData('text/plain'));
+    // WebKit montre ici le presse-papiers : on lit la sélection une fois écrite.
     evenement.stopPropagation();
     evenement.target.value = '';
   });
   ecouter('beforeinput', (evenement) => {
-    if (!auMilieu && COLLAGES.test(evenement.inputType)) detourner(evenement, evenement.dataTransfer?.getData('text/plain'));
+    if (!laSelection && COLLAGES.test(evenement.inputType)) detourner(evenement, evenement.dataTransfer?.getData('text/plain'));
   });
   ecouter('input', (evenement) => {
     if (!COLLAGES.test(evenement.inputType)) return;

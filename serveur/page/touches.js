@@ -10,8 +10,6 @@ const DEFILEMENTS = {
   End: (terminal) => terminal.scrollToBottom(),
   PageUp: (terminal) => terminal.scrollPages(-1),
   PageDown: (terminal) => terminal.scrollPages(1),
-  'Ctrl+ArrowUp': (terminal) => terminal.scrollLines(-1),
-  'Ctrl+ArrowDown': (terminal) => terminal.scrollLines(1),
 };
 
 export function prendreLesTouches(terminal) {
@@ -27,9 +25,8 @@ export function prendreLesTouches(terminal) {
   });
 }
 
-function trouverLeDefilement(terminal, { key, shiftKey, ctrlKey }) {
-  if (!shiftKey || terminal.buffer.active.type !== 'normal') return undefined;
-  return DEFILEMENTS[key] ?? (ctrlKey ? DEFILEMENTS[`Ctrl+${key}`] : undefined);
+function trouverLeDefilement(terminal, { key, shiftKey }) {
+  return shiftKey && terminal.buffer.active.type === 'normal' ? DEFILEMENTS[key] : undefined;
 }
 
 // Rien, si xterm s’en tire bien.

@@ -15,6 +15,7 @@ import { copierEnSelectionnant, prendreLesEcritures } from '/pressePapiers.js';
 import { montrerLaProgression } from '/progression.js';
 import { valeurs } from '/reglages.js';
 import { Rendu } from '/rendu.js';
+import { donnerLaSelection } from '/selection.js';
 import { apparenceDuTerminal } from '/themes.js';
 import { prendreLesTouches } from '/touches.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
@@ -124,6 +125,7 @@ export class VueTerminal {
     if (!montree || this.terminal.element) return;
     this.terminal.open(this.panneau);
     this.#rendu = new Rendu(this.terminal);
+    donnerLaSelection(this.terminal);
     // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
     this.terminal.textarea.addEventListener('selectstart', (evenement) => {
       evenement.preventDefault();
