@@ -17,7 +17,7 @@ test('la page porte son titre, son jeton et une politique stricte', async (t) =>
   assert.ok(corps.includes(`<meta name="keltrove-jeton" content="${lireJeton(maison)}">`));
   assert.ok(!corps.includes('__JETON__'));
   assert.equal(entetes['cache-control'], 'no-store');
-  assert.match(entetes['content-security-policy'], /default-src 'none'; script-src 'self';/);
+  assert.match(entetes['content-security-policy'], /default-src 'none'; script-src 'self' 'wasm-unsafe-eval';/);
 });
 
 test('tout ce que la page réclame est servi sans jeton', async (t) => {

@@ -123,7 +123,7 @@ test('la politique de la page est stricte, et toute réponse se garde chez soi',
   const { port } = await lancerUneCible(t);
   const { entetes } = await demander(port, '/', { entetes: { host: `localhost:${port}` } });
   assert.equal(entetes['content-security-policy'], [
-    "default-src 'none'", "script-src 'self'", "style-src 'self' 'unsafe-inline'", `connect-src 'self' ws://localhost:${port}`,
+    "default-src 'none'", "script-src 'self' 'wasm-unsafe-eval'", "style-src 'self' 'unsafe-inline'", `connect-src 'self' ws://localhost:${port}`,
     "img-src 'self' data:", "font-src 'self' data:", "base-uri 'none'", "form-action 'none'", "frame-ancestors 'none'",
   ].join('; '));
   assert.equal(entetes['cross-origin-opener-policy'], 'same-origin');

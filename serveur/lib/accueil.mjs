@@ -5,7 +5,7 @@ import { fileURLToPath } from 'node:url';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
 
 const PAGE = fileURLToPath(new URL('../page/', import.meta.url));
-const MODULES = ['xterm', 'addon-fit', 'addon-unicode11', 'addon-web-links'];
+const MODULES = ['xterm', 'addon-fit', 'addon-image', 'addon-unicode11', 'addon-web-links'];
 const trouverModule = createRequire(import.meta.url).resolve;
 
 // Liste fermée au démarrage : aucun chemin demandé ne devient jamais un chemin de fichier.
@@ -72,7 +72,8 @@ function entetesDeLaPage(hote) {
 function politique(hote) {
   return [
     "default-src 'none'",
-    "script-src 'self'",
+    // Les images des programmes se décodent en WebAssembly ; cela n’admet aucun script de plus.
+    "script-src 'self' 'wasm-unsafe-eval'",
     // Le terminal pose ses couleurs et ses mesures dans des feuilles de style qu’il crée lui-même.
     "style-src 'self' 'unsafe-inline'",
     // Tous les moteurs ne comptent pas ws: dans 'self'.

@@ -16,6 +16,7 @@ const REGLAGES = {
   curseur: parmi('bloc', 'barre', 'souligne'),
   clignotant: ouiOuNon(false),
   historique: entier(10_000, { de: 1000, a: 100_000 }),
+  images: ouiOuNon(true),
   editeur: texte('', /^\P{Cc}{1,300}$/u),
   lecteur: ouiOuNon(false),
   collage: ouiOuNon(true),

@@ -6,8 +6,8 @@ const GROSSE_SORTIE = 1000;
 const MINUTE = 60_000;
 const PAR_MINUTE = 6;
 
-// Ce que xterm répond de lui-même aux programmes : focus, position, nature du terminal.
-export const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|[P\]_])/;
+// Ce que xterm répond de lui-même aux programmes : focus, position, taille, nature du terminal.
+export const REPONSE_D_OFFICE = /^\x1b(\[[IO]$|\[[?>]?[\d;]*[cnRty]|\[\?[\d;]+S|[P\]_])/;
 
 // Quand un terminal a-t-il de quoi appeler son utilisateur ? La décision seule : ni page, ni horloge.
 export class Veille {

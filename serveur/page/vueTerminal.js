@@ -6,6 +6,7 @@ import { chercherLesChemins } from '/chemins.js';
 import { coller, prendreLesCollages } from '/collage.js';
 import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
+import { Images } from '/images.js';
 import { compterLesLargeurs } from '/largeurs.js';
 import { envoyer } from '/liaison.js';
 import { chercherLesLiens, liensDeclares } from '/liens.js';
@@ -44,6 +45,7 @@ export class VueTerminal {
   veille = new Veille();
   montree = false;
   #ajustement = new FitAddon();
+  #images;
   #rejoue;
   #bouton;
   #rendu = null;
@@ -86,6 +88,7 @@ export class VueTerminal {
     chercherLesLiens(this.terminal);
     chercherLesChemins(this.terminal, id);
     compterLesLargeurs(this.terminal, Unicode11Addon);
+    this.#images = new Images(this.terminal);
     this.terminal.onData((texte) => this.#saisir(texte));
     // Ce qui a sonné jadis ne sonne plus.
     this.terminal.onBell(() => this.#rejoue || this.panneau.dispatchEvent(new Event('sonnerie', { bubbles: true })));
@@ -165,6 +168,7 @@ export class VueTerminal {
 
   regler() {
     Object.assign(this.terminal.options, preferences());
+    this.#images.regler();
     this.#ajuster();
   }
 
