@@ -4,6 +4,7 @@ import os
 import subprocess
 import tempfile
 
+import ecran
 from application import SERVEUR, attendre, attendre_le_clavier, couleur, touches
 from bus import Bus
 from essai_terminal import Terminal, taper
@@ -114,4 +115,22 @@ class Commandes(Appels):
         [(titre, corps)] = self.textes()
         self.assertEqual(titre, "Terminal 1")
         self.assertRegex(corps, r"^sh long a échoué \(2\) après (1 min )?\d+ s$")
+        application.quitter()
+
+    def test_d_une_commande_a_l_autre_sa_sortie_se_copie(self):
+        application = self.ouvrir(maison=self.maison())
+        taper("seq 3 5; touch finie\n")
+        self.attendre_le_fichier(application, "finie")
+        taper("seq 100; touch longue\n")
+        self.attendre_le_fichier(application, "longue")
+        self.attendre_l_echo(application, "100")
+        touches("ctrl+shift+Up", "ctrl+shift+Up", "ctrl+shift+l")
+
+        def copier():
+            # Copier est un menu : il peut arriver avant les touches que la page n’a pas encore lues.
+            touches("ctrl+shift+c")
+            return ecran.presse_papiers() == "3\n4\n5"
+
+        attendre(copier, quoi=lambda: f"la sortie copiée (vu : {ecran.presse_papiers()!r})")
+        photographier("visite")
         application.quitter()

@@ -4,6 +4,7 @@ import { Terminal } from '/xterm/xterm.mjs';
 import { bornerLesRepetitions } from '/bornes.js';
 import { chercherLesChemins } from '/chemins.js';
 import { coller, prendreLesCollages } from '/collage.js';
+import { Commandes } from '/commandes.js';
 import { composer } from '/composition.js';
 import { Envois } from '/envois.js';
 import { Images } from '/images.js';
@@ -78,6 +79,7 @@ export class VueTerminal {
       linkHandler: liensDeclares,
     });
     bornerLesRepetitions(this.terminal);
+    this.commandes = new Commandes(this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     prendreLesEcritures(this, { passe: () => this.#rejoue });
     copierEnSelectionnant(this);
