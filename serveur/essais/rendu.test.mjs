@@ -98,13 +98,14 @@ essai('à chaque corps et à chaque échelle, la case est entière, la toile tom
       assert.ok(croix.every((ligne) => ligne.some(Boolean)) && croix.some((ligne) => ligne.every(Boolean)), `${ici} : ┼ a un trou`);
       const [souligne, ...autres] = vu.bas;
       const base = autres.pop();
-      assert.ok(souligne - base >= Math.round(0.19 * corps * echelle), `${ici} : « _ » manque`);
-      for (const bas of autres) assert.ok(bas - base >= Math.round(0.2 * corps * echelle), `${ici} : un jambage est coupé`);
+      // La mise au point des contours peut prendre un point à un jambage ; « _ » descend au moins aussi bas.
+      const jambage = Math.max(1, Math.floor(0.2 * corps * echelle) - 1);
+      for (const bas of autres) assert.ok(bas - base >= jambage && bas <= souligne, `${ici} : un jambage est coupé, ${vu.bas}`);
     }
   }
 });
 
-essai('curseur, sélection, pâle, inverse et invisible gardent leur sens', async (page, dansLaPage) => {
+essai('curseur, sélection, trouvaille, pâle, inverse et invisible gardent leur sens', async (page, dansLaPage) => {
   const vu = await dansLaPage(`
     const lire = async (texte, x = 0) => { await ecrire('\\x1b[0m\\x1b[2J\\x1b[H' + texte); return couleurs(x, 0); };
     const { foreground, background, cursor } = terminal._core._themeService.colors;
@@ -128,7 +129,11 @@ essai('curseur, sélection, pâle, inverse et invisible gardent leur sens', asyn
     await image();
     const selection = couleurs(0, 0);
     const fondDeSelection = terminal._core._themeService.colors.selectionBackgroundOpaque.rgba >>> 8;
-    return { pale, normal, inverse, invisible, formes, clignote, selection, fondDeSelection, texte: foreground.rgba >>> 8, fond: background.rgba >>> 8 };`);
+    terminal.clearSelection();
+    terminal.registerDecoration({ marker: terminal.registerMarker(0), x: 1, width: 1, backgroundColor: '#8a6d1f' });
+    await image();
+    const trouvaille = [couleurs(0, 0), couleurs(1, 0)].map((vues) => vues.includes(0x8a6d1f));
+    return { pale, normal, inverse, invisible, formes, clignote, selection, fondDeSelection, trouvaille, texte: foreground.rgba >>> 8, fond: background.rgba >>> 8 };`);
   const encre = (couleurs) => couleurs.find((couleur) => couleur !== vu.fond);
   assert.equal(encre(vu.normal), vu.texte);
   const dePale = contraste(encre(vu.pale), vu.fond);
@@ -139,6 +144,7 @@ essai('curseur, sélection, pâle, inverse et invisible gardent leur sens', asyn
   for (const forme of ['souligne', 'barre']) assert.ok(vu.formes[forme] > 0 && vu.formes[forme] < 0.3, forme);
   assert.ok(vu.clignote, 'le curseur ne clignote pas');
   assert.ok(vu.selection.includes(vu.fondDeSelection));
+  assert.deepEqual(vu.trouvaille, [false, true]);
 });
 
 essai('un terminal caché rend sa toile, et la retrouve entière', async (page, dansLaPage) => {

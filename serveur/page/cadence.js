@@ -25,11 +25,6 @@ export class Cadence {
     return this.#image;
   }
 
-  dispose() {
-    cancelAnimationFrame(this.#image);
-    this.#image = NaN;
-  }
-
   #attendreUneImage() {
     this.#image ??= requestAnimationFrame(() => this.#quandUneImage());
   }

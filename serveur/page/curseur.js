@@ -26,10 +26,13 @@ export class Curseur {
     return this.#coeur.coreService.decPrivateModes.cursorStyle ?? cursorStyle;
   }
 
-  get visible() {
+  get #demande() {
     const { isCursorHidden, isCursorInitialized } = this.#coeur.coreService;
-    this.#suivre();
-    return !isCursorHidden && isCursorInitialized && !this.#eteint;
+    return isCursorInitialized && !isCursorHidden;
+  }
+
+  get visible() {
+    return this.#demande && !this.#eteint;
   }
 
   get plein() {
@@ -59,10 +62,10 @@ export class Curseur {
     for (const gauche of [x, x + largeur - trait]) bande.remplir(gauche, 0, trait, hauteur, couleur);
   }
 
-  // Il ne clignote que là où l’on tape.
-  #suivre() {
+  // À chaque dessin de sa ligne. Il ne clignote que là où l’on tape.
+  suivre() {
     const clignote = this.#coeur.coreService.decPrivateModes.cursorBlink ?? this.#options.cursorBlink;
-    if (!clignote || !this.#coeur._coreBrowserService.isFocused) this.bouger();
+    if (!clignote || !this.#demande || !this.#coeur._coreBrowserService.isFocused) this.bouger();
     else this.#minuteur ??= setInterval(() => this.#basculer(), CLIGNOTEMENT);
   }
 

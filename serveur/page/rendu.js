@@ -109,6 +109,7 @@ export class Rendu {
 
   #peindre(ligne, { y, rang, decore, curseur }) {
     const { largeur } = this.#glyphes;
+    if (curseur) this.#curseur.suivre();
     const colonneDuCurseur = curseur && this.#curseur.visible ? this.#curseur.colonne(ligne) : -1;
     for (let x = 0; x < this.#coeur.cols; x += 1) {
       const cellule = ligne.loadCell(x, this.#cellule);
