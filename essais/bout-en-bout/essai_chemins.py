@@ -4,7 +4,7 @@ import contextlib
 import os
 import tempfile
 
-from application import attendre, compter_les_pixels
+from application import attendre, compter_les_pixels, touches
 from essai_terminal import Terminal as CasDeTerminal, taper
 from glissement import souris
 
@@ -60,4 +60,9 @@ class Chemins(CasDeTerminal):
         souris("keydown", "ctrl", "click", 1, "keyup", "ctrl")
         attendre(self.notes, quoi="le fichier dans l’éditeur")
         self.assertEqual(self.notes(), [self.chemin(application, "a.txt")])
+        # Par le menu aussi : son « Ouvrir le lien » est pour ce que l’on survole.
+        self.survoler(1, lien=True)
+        souris("click", 3)
+        touches("Up", "Up", "Up", "Up", "Up", "Return")
+        attendre(lambda: len(self.notes()) == 2, quoi="le fichier par le menu")
         application.quitter()

@@ -1,5 +1,5 @@
 import { envoyer } from '/liaison.js';
-import { montrer } from '/liens.js';
+import { survoler } from '/liens.js';
 import { placer, repererLaLigne } from '/lignes.js';
 import { valeurs } from '/reglages.js';
 import { reconnaitreLesChemins } from '/traces.js';
@@ -33,13 +33,12 @@ function enLien(terminal, id, dansLaLigne, { texte, index, chemin, ligne, colonn
   const places = placer(terminal.buffer.active, dansLaLigne, index, texte.length);
   if (places.length === 0) return [];
   const [debut, fin] = [places[0], places.at(-1)];
+  const ouvrir = () => envoyer({ type: 'editer', id, chemin, ligne, colonne, commande: valeurs.editeur });
   return {
     range: { start: { x: debut.colonne + 1, y: debut.rang + 1 }, end: { x: fin.colonne + fin.largeur, y: fin.rang + 1 } },
     text: texte,
-    hover: () => montrer(`${chemin}, ligne ${ligne}`),
-    leave: () => montrer(null),
-    activate({ ctrlKey, metaKey }) {
-      if (ctrlKey || metaKey) envoyer({ type: 'editer', id, chemin, ligne, colonne, commande: valeurs.editeur });
-    },
+    hover: () => survoler({ texte: `${chemin}, ligne ${ligne}`, ouvrir }),
+    leave: () => survoler(null),
+    activate: ({ ctrlKey, metaKey }) => (ctrlKey || metaKey) && ouvrir(),
   };
 }

@@ -1,6 +1,6 @@
 import { aviser } from '/avis.js';
 import { envoyer } from '/liaison.js';
-import { lienSurvole, ouvrirLeLien } from '/liens.js';
+import { lienSurvole } from '/liens.js';
 import { menuOuvert, ouvrirUnMenu } from '/menu.js';
 import { fermer, renommer } from '/rangee.js';
 import { choisie, choisir, rendreLeFocus, vues } from '/terminaux.js';
@@ -62,7 +62,7 @@ function duTerminal(vue, gestes) {
       { titre: 'Tout sélectionner', touches: 'Ctrl+Maj+A', faire: () => vue.toutSelectionner() },
       null,
       { titre: 'Chercher', touches: 'Ctrl+Maj+F', faire: gestes.f },
-      { titre: 'Ouvrir le lien', note: lien ?? '', actif: lien !== null, faire: () => ouvrirLeLien(lien) },
+      { titre: 'Ouvrir le lien', note: lien?.texte ?? '', actif: lien !== null, faire: () => lien.ouvrir() },
       // Un programme plein écran y perdrait son dessin.
       { titre: 'Effacer', actif: terminal.buffer.active.type === 'normal', faire: () => envoyer({ type: 'effacer', id: vue.id }) },
       null,

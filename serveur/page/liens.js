@@ -6,14 +6,17 @@ const PROTOCOLES_OUVERTS = ['http:', 'https:', 'mailto:'];
 const COURRIEL = /(^|[^\w.+/:-])([\w.+-]+@[\w-]+(?:\.[\w-]+)+)(?![\w/-]|:\S)/g;
 
 const indication = document.querySelector('.lien');
-export const montrer = (lien) => (indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien}` : '');
 let survole = null;
-const survoler = (lien) => montrer((survole = lien));
-const survol = { hover: (_, adresse) => survoler(lire(adresse)), leave: () => survoler(null) };
 
-// La vraie adresse de celui qui est sous la souris.
+// Ce qui est sous la souris : son texte, et de quoi l’ouvrir ; ou rien.
 export const lienSurvole = () => survole;
-export const ouvrirLeLien = (lien) => open(lien, '_blank', 'noopener');
+
+export function survoler(lien) {
+  survole = lien;
+  indication.textContent = lien ? `Ctrl+clic pour ouvrir ${lien.texte}` : '';
+}
+
+const survol = { hover: (_, adresse) => survoler(lire(adresse)), leave: () => survoler(null) };
 
 // Les liens que des programmes déclarent eux-mêmes.
 export const liensDeclares = { activate: ouvrir, allowNonHttpProtocols: true, ...survol };
@@ -39,12 +42,11 @@ function trouverLesCourriels(terminal, y) {
 
 // L’adresse vient d’un programme, et son texte peut en cacher une autre : la vraie se montre au survol, et un simple
 // clic, fait pour prendre le focus ou sélectionner, n’ouvre rien.
-function ouvrir(evenement, adresse) {
-  const lien = lire(adresse);
-  if (lien && (evenement.ctrlKey || evenement.metaKey)) ouvrirLeLien(lien);
+function ouvrir({ ctrlKey, metaKey }, adresse) {
+  if (ctrlKey || metaKey) lire(adresse)?.ouvrir();
 }
 
 function lire(adresse) {
   const { protocol, href } = essayer(() => new URL(adresse), {});
-  return PROTOCOLES_OUVERTS.includes(protocol) ? href : null;
+  return PROTOCOLES_OUVERTS.includes(protocol) ? { texte: href, ouvrir: () => open(href, '_blank', 'noopener') } : null;
 }
