@@ -7,22 +7,23 @@
 // principal.
 #pragma once
 
-#include "moteur/ArbreProcessus.hpp"
+#include "moteur/ArretServeur.hpp"
 #include "moteur/Emplacements.hpp"
 #include "moteur/ErreurServeur.hpp"
+#include "moteur/EtatServeur.hpp"
 #include "moteur/LignesServeur.hpp"
 #include "moteur/Sonde.hpp"
 #include "socle/BoucleEvenements.hpp"
 #include "socle/Environnement.hpp"
 #include "socle/FileDeTravail.hpp"
 #include "socle/Horloge.hpp"
-#include "socle/Processus.hpp"
 
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace keltrove::moteur {
 
@@ -38,15 +39,18 @@ public:
 
   explicit MoteurServeur(Contexte contexte);
 
-  // Lance un essai sur la file du moteur ; `fini` en reçoit l’issue, une fois. Les essais se suivent.
+  // Lance un essai sur la file du moteur ; `fini` en reçoit l’issue, une fois. Les essais se suivent. Un
+  // serveur lancé par un essai précédent et qui tourne encore est gardé en mémoire : il sera arrêté avec le
+  // dernier.
   void demarrer(std::function<void(Demarrage)> fini);
 
   // Interdit tout lancement à venir. Au retour, `nousLavonsAllume` ne peut plus devenir vrai : on peut
   // quitter sans laisser derrière soi un serveur lancé au dernier moment.
   void neLancerPlusRien();
 
-  // Fil principal. Arrête le serveur si nous l’avons allumé et qu’il tourne encore, et l’attend 12 secondes
-  // au plus. `fini` reçoit une phrase pour le journal, une fois : tout de suite s’il n’y a rien à arrêter.
+  // Fil principal. Arrête le serveur si nous l’avons allumé et qu’il tourne encore, avec ceux que nous avions
+  // lancés avant lui, et les attend 12 secondes au plus. `fini` reçoit une phrase pour le journal, une fois :
+  // tout de suite s’il n’y a rien à arrêter.
   void arreter(std::function<void(std::string)> fini);
 
   // La même chose en bloquant, pour quand il n’y a plus de boucle d’événements.
@@ -55,8 +59,8 @@ public:
   std::optional<int> port() const;
   bool nousLavonsAllume() const;
 
-  // Appelé à la mort d’un serveur que nous avons allumé, hors de tout arrêt demandé. À poser avant de
-  // démarrer.
+  // Appelé à la mort d’un serveur que nous avons allumé, après l’issue qui l’a dit allumé ; jamais une fois
+  // un autre lancé à sa place, ou l’arrêt demandé. À poser avant de démarrer.
   std::function<void(ErreurServeur)> quandLeServeurMeurt;
 
   // Bloquantes : jamais sur le fil principal.
@@ -69,35 +73,28 @@ public:
 private:
   using ProcessusPartage = std::shared_ptr<socle::Processus>;
 
-  // Un arrêt demandé : ce qu’il faut attendre, et depuis quand.
-  struct Arret {
-    ProcessusPartage processus;
-    std::optional<Identite> serveur;
-    double debut;
-  };
-
-  Demarrage demarrerVraiment();
-  std::expected<ProcessusPartage, ErreurServeur> lancer();
-  Demarrage attendreLaReponse(const ProcessusPartage& processus, int port);
-  std::optional<Demarrage> unTour(const ProcessusPartage& processus, int port, int tour);
-  Demarrage conclureApresUneFin(const ProcessusPartage& processus);
-  Demarrage rattacher(int port);
-  Demarrage allumer(const ProcessusPartage& processus, int port);
-  void signalerLaMort(const ProcessusPartage& processus);
-  void oublierLeProcessus();
-  std::optional<pid_t> pidDuServeur() const;
-  std::optional<Arret> demanderLArret();
-  std::string attendreLaFermeture(const Arret& arret) const;
+  Demarrage demarrerVraiment(int essai);
+  std::expected<ProcessusPartage, ErreurServeur> lancer(int essai);
+  Demarrage attendreLaReponse(int essai, const ProcessusPartage& processus, int port);
+  std::optional<Demarrage> unTour(int essai, const ProcessusPartage& processus, int port, int tour);
+  Demarrage conclureApresUneFin(int essai, const ProcessusPartage& processus);
+  Demarrage rattacher(int essai, int port);
+  Demarrage allumer(int essai, const ProcessusPartage& processus, int port);
+  void guetterLaMort(int essai);
+  void signalerLaMort(int essai, socle::Processus& processus);
+  void changerDEtat(int essai, EtatServeur::Valeur suivant);
+  bool estLeDernierLance(int essai) const;
+  std::optional<ArretServeur> commencerLArret();
 
   const Contexte contexte_;
   const std::shared_ptr<LignesServeur> lignes_ = std::make_shared<LignesServeur>();
   socle::FileDeTravail file_;
 
   mutable std::mutex verrouEtat_; // les champs ci-dessous
-  std::optional<int> port_;
-  bool nousLavonsAllume_ = false;
-  ProcessusPartage processus_;
-  bool arretDemande_ = false;
+  EtatServeur::Valeur etat_;
+  int dernierEssai_ = 0;
+  // Lancés par nous, remplacés depuis, et peut-être encore en vie : gelés, ou muets trop longtemps.
+  std::vector<ServeurLance> anterieurs_;
   bool lancementInterdit_ = false;
 };
 

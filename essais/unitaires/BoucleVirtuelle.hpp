@@ -1,6 +1,7 @@
 // BoucleVirtuelle : le fil principal des essais. Son temps n’avance que quand l’essai le demande.
 #pragma once
 
+#include "Patience.hpp"
 #include "socle/BoucleEvenements.hpp"
 
 #include <chrono>
@@ -52,11 +53,11 @@ public:
     maintenant_ = but;
   }
 
-  // Exécute ce que d’autres fils postent jusqu’à ce que la condition soit vraie ; faux après dix secondes
-  // réelles, pour qu’un essai raté se termine. La condition est aussi relue de temps en temps : tout ce que
+  // Exécute ce que d’autres fils postent jusqu’à ce que la condition soit vraie ; faux à bout de
+  // patience. La condition est aussi relue de temps en temps : tout ce que
   // font les autres fils ne passe pas par la boucle.
   bool attendre(const std::function<bool()>& condition) {
-    const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto limite = std::chrono::steady_clock::now() + patience;
     do {
       vider();
       if (condition()) return true;
@@ -64,6 +65,12 @@ public:
       arrivee_.wait_for(garde, std::chrono::milliseconds(5), [this] { return !taches_.empty(); });
     } while (std::chrono::steady_clock::now() < limite);
     return false;
+  }
+
+  // Attend que tant de tâches soient postées, sans en exécuter aucune ; faux à bout de patience.
+  bool attendreDesTaches(std::size_t nombre) {
+    std::unique_lock garde(verrou_);
+    return arrivee_.wait_for(garde, patience, [&] { return taches_.size() >= nombre; });
   }
 
   double maintenant() const { return maintenant_; }

@@ -1,4 +1,5 @@
 #include "MaisonTemporaire.hpp"
+#include "Patience.hpp"
 #include "moteur/AnalyseOutils.hpp"
 #include "moteur/ArbreProcessus.hpp"
 #include "socle/Processus.hpp"
@@ -20,7 +21,7 @@ namespace keltrove::moteur {
 namespace {
 
 bool attendre(const std::function<bool()>& condition) {
-  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto limite = std::chrono::steady_clock::now() + essais::patience;
   while (!condition() && std::chrono::steady_clock::now() < limite)
     std::this_thread::yield();
   return condition();

@@ -6,6 +6,7 @@
 #include "ServeurFactice.hpp"
 #include "moteur/MoteurServeur.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -267,6 +268,94 @@ TEST_F(EssaiMoteur, UnNouvelEssaiApresUnEchecRepartDUneSortieVide) {
   maison.effacer("ressources/demarrer-keltrove.sh");
   poser("servir(PORT);");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+}
+
+TEST_F(EssaiMoteur, UnServeurMuetPuisRemplaceEstArreteAvecSonRemplacant) {
+  poser("setInterval(() => {}, 1000);");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  poser("servir(PORT); process.on('SIGTERM', () => setTimeout(() => process.exit(0), 20));");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  ASSERT_EQ(pids().size(), 2U);
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  EXPECT_FALSE(vivant(pids().at(0)));
+  EXPECT_FALSE(vivant(pids().at(1)));
+}
+
+TEST_F(EssaiMoteur, LesRemplacesSontTousSignalesEtPartagentLesDouzeSecondes) {
+  const auto sourd = [](const char* nom) {
+    return std::string("process.on('SIGTERM', () => fs.appendFileSync('recus', '") + nom + "'));";
+  };
+  for (const auto* nom : {"A", "B"}) {
+    poser("setInterval(() => {}, 1000);" + sourd(nom));
+    EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  }
+  poser("servir(PORT); process.on('SIGTERM', () => { fs.appendFileSync('recus', 'C'); process.exit(0); });");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  const double debut = horloge->maintenant();
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement en 12.0"));
+  EXPECT_LT(horloge->maintenant() - debut, 12.2);
+  // Envoyés dans l’ordre des lancements ; reçus quand chacun a la main.
+  auto recus = maison.lire("ressources/keltrove/recus");
+  std::ranges::sort(recus);
+  EXPECT_EQ(recus, "ABC");
+  EXPECT_TRUE(vivant(pids().at(0)));
+}
+
+TEST_F(EssaiMoteur, UnServeurRejointNEstPasSignaleMemeLancePresDUnAutreDesNotres) {
+  poser("setInterval(() => {}, 1000);");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  const essais::ServeurFactice dejaLa(essais::reponseHTTP("200 OK", "keltrove-jeton"));
+  maison.ecrire(".zelcor/keltrove.json", "{\"port\": " + std::to_string(dejaLa.port()) + "}");
+  EXPECT_EQ(demarrer(), Demarrage(Rattache{dejaLa.port()}));
+  EXPECT_EQ(arreter(), ArretServeur::rienAArreter);
+  EXPECT_TRUE(vivant(pids().at(0)));
+}
+
+TEST_F(EssaiMoteur, LeServeurDUnScriptQuiNEcoutePasEncoreEstPrieDeFinirAussi) {
+  poser("setInterval(() => {}, 1000); process.on('SIGTERM', () => { fs.writeFileSync('recu', 'TERM'); "
+        "process.exit(0); });");
+  poserLaPorte("cd keltrove; sh -c 'node serveur.mjs; :'; :");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  EXPECT_EQ(arreter(), "Le serveur n’a pas été retrouvé : rien à fermer.");
+  EXPECT_EQ(maison.lire("ressources/keltrove/recu"), "TERM");
+}
+
+TEST_F(EssaiMoteur, UnTerminalDUnServeurQuiNEcoutePlusNEstPasSignale) {
+  // Comme un terminal : une session à lui, donc un groupe à lui.
+  poser("import { spawn } from 'node:child_process'; "
+        "fs.appendFileSync('pid', spawn('sleep', ['1000'], { detached: true }).pid + '\\n'); "
+        "setInterval(() => {}, 1000);");
+  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  arreter();
+  ASSERT_EQ(pids().size(), 2U);
+  EXPECT_FALSE(vivant(pids().at(0)));
+  EXPECT_TRUE(vivant(pids().at(1)));
+}
+
+TEST_F(EssaiMoteur, LaMortDUnServeurQueLOnARejointDepuisSAnnonceEncore) {
+  poser("servir(PORT);");
+  std::optional<ErreurServeur> mort;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur& erreur) { mort = erreur; };
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
+  ::kill(pids().at(0), SIGKILL);
+  EXPECT_TRUE(boucle->attendre([&] { return mort.has_value(); }));
+}
+
+TEST_F(EssaiMoteur, LaMortDUnServeurRemplaceArriveTropTardPourCompter) {
+  poser("servir(PORT);");
+  int morts = 0;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur&) { ++morts; };
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  ::kill(pids().at(0), SIGKILL);
+  // La nouvelle est en route, mais la boucle ne l’a pas encore lue quand le suivant est lancé.
+  ASSERT_TRUE(boucle->attendreDesTaches(1));
+  std::optional<Demarrage> issue;
+  moteur->demarrer([&](const Demarrage& recue) { issue = recue; });
+  ASSERT_TRUE(boucle->attendreDesTaches(2));
+  EXPECT_TRUE(boucle->attendre([&] { return issue.has_value(); }));
+  EXPECT_EQ(issue, Demarrage(Allume{maison.port()}));
+  EXPECT_EQ(morts, 0);
 }
 
 TEST_F(EssaiMoteur, PlusRienNeSeLanceUneFoisQueCEstInterdit) {

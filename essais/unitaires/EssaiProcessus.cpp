@@ -1,4 +1,5 @@
 #include "MaisonTemporaire.hpp"
+#include "Patience.hpp"
 #include "socle/Processus.hpp"
 
 #include <atomic>
@@ -35,7 +36,7 @@ struct Ecoute {
   }
   bool attendre(const std::function<bool()>& condition) {
     std::unique_lock garde(verrou);
-    return arrivee.wait_for(garde, std::chrono::seconds(10), condition);
+    return arrivee.wait_for(garde, essais::patience, condition);
   }
 };
 
@@ -61,7 +62,7 @@ protected:
   }
   bool lancerLeShell(const std::string& script) { return lancer("/bin/sh", {"-c", script}); }
   bool attendreLaFin() {
-    const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto limite = std::chrono::steady_clock::now() + essais::patience;
     while (processus->tourne() && std::chrono::steady_clock::now() < limite)
       std::this_thread::yield();
     return !processus->tourne();
@@ -152,7 +153,7 @@ TEST_F(EssaiProcessus, LaFinSAnnonceUneFoisEtTardivementToutDeSuite) {
   EXPECT_EQ(fins, 0);
   processus->terminer();
   EXPECT_TRUE(attendreLaFin());
-  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto limite = std::chrono::steady_clock::now() + essais::patience;
   while (fins == 0 && std::chrono::steady_clock::now() < limite)
     std::this_thread::yield();
   EXPECT_EQ(fins, 1);
@@ -189,7 +190,7 @@ TEST_F(EssaiProcessus, LacherUnProcessusNeLeTuePas) {
   processus.reset();
   EXPECT_EQ(::kill(pid, 0), 0);
   ::kill(pid, SIGKILL);
-  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto limite = std::chrono::steady_clock::now() + essais::patience;
   while (::kill(pid, 0) == 0 && std::chrono::steady_clock::now() < limite)
     std::this_thread::yield();
   EXPECT_NE(::kill(pid, 0), 0) << "recueilli même sans propriétaire";

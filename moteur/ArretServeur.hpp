@@ -1,0 +1,44 @@
+// ArretServeur : l’arrêt poli de ce que nous avons lancé.
+//
+// SIGTERM seulement, une fois par processus : au serveur, que l’on reconnaît au port qu’il écoute parmi les
+// descendants de ce que nous avons lancé, puis au lanceur. Un serveur qui n’écoute pas encore se reconnaît au
+// groupe de son lanceur, que les terminaux, eux, ont quitté. Utilisable depuis tout fil.
+#pragma once
+
+#include "moteur/ArbreProcessus.hpp"
+#include "moteur/EtatServeur.hpp"
+#include "socle/Horloge.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace keltrove::moteur {
+
+class ArretServeur {
+public:
+  static constexpr const char* rienAArreter =
+      "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.";
+  static constexpr const char* tropLong =
+      "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.";
+
+  // Signale les serveurs dans cet ordre, celui où ils ont été lancés. Le dernier est celui en service : la
+  // phrase parle de lui seul. La liste n’est pas vide.
+  ArretServeur(const std::vector<ServeurLance>& serveurs, std::shared_ptr<socle::Horloge> horloge);
+
+  // Bloque jusqu’à leur fin à tous, 12 secondes au plus, et rend une phrase pour le journal.
+  std::string attendre() const;
+
+private:
+  std::optional<Identite> signaler(const ServeurLance& serveur);
+  bool unTourneEncore() const;
+
+  std::shared_ptr<socle::Horloge> horloge_;
+  double debut_;
+  std::optional<Identite> serveur_; // celui en service, s’il a été retrouvé
+  std::vector<std::shared_ptr<socle::Processus>> lances_;
+  std::vector<Identite> descendants_;
+};
+
+} // namespace keltrove::moteur
