@@ -41,6 +41,7 @@ void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue,
                                                        pont::CentreNotifications& centre) {
   fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, centre, *boucle_);
   fenetre_->quandOnDemandeUnEssai = [this] { lancerLeDemarrage(false); };
+  fenetre_->quandLaPageEstLa = [this] { surveillerDeNouveau(); };
   fenetre::Menus::installer(vue, *fenetre_);
   fenetre_->ecran().montrerAttente("keltrove démarre…", "Je regarde si le serveur tourne déjà.");
   fenetre_->afficher();
@@ -63,6 +64,8 @@ void DelegueApplication::lancerLeDemarrage(bool premiereFois) {
   if (demarrageEnCours_ || fermetureEnCours_) return;
   demarrageEnCours_ = true;
   surveillance_.arreter();
+  // Ce qui se chargeait ne doit ni couvrir l’essai qui commence, ni le faire passer pour raté.
+  fenetre_->chargement().seTaire();
   fenetre_->ecran().montrerAttente(
       premiereFois ? "keltrove démarre…" : "Nouvel essai…",
       "Je regarde si le serveur tourne déjà. S’il dort, je l’allume et j’attends qu’il réponde.");
@@ -108,7 +111,9 @@ void DelegueApplication::ouvrirLaPage(int port) {
 
 void DelegueApplication::expliquer(const moteur::ErreurServeur& erreur) {
   Journal::etape("echec-demarrage", {{"cause", titreCourt(erreur)}});
-  if (!fermetureEnCours_) fenetre_->ecran().montrerErreur(erreur);
+  if (fermetureEnCours_) return;
+  fenetre_->chargement().abandonner();
+  fenetre_->ecran().montrerErreur(erreur);
 }
 
 void DelegueApplication::noterLaSante(int port) {
@@ -126,12 +131,21 @@ void DelegueApplication::guetterLeMotDeMiseAJour(int restant) {
     return;
   }
   if (restant == 0) return;
-  prochainRegardSurLeMot_ =
-      boucle_->apres(entreDeuxRegards, [this, restant] { guetterLeMotDeMiseAJour(restant - 1); });
+  regardsSurLeMot_.push_back(boucle_->apres(entreDeuxRegards, [this, restant] {
+    regardsSurLeMot_.pop_front();
+    guetterLeMotDeMiseAJour(restant - 1);
+  }));
+}
+
+// La page a pu revenir d’elle-même, son serveur rallumé par d’autres, alors que l’on n’y croyait plus.
+void DelegueApplication::surveillerDeNouveau() {
+  if (!surveillance_.active() && !demarrageEnCours_ && moteur_->port()) surveillance_.demarrer();
 }
 
 void DelegueApplication::quandLeServeurMeurt(const moteur::ErreurServeur& erreur) {
   surveillance_.arreter();
+  // La page qui s’ouvrait ne s’ouvrira pas : son échec cacherait la vraie raison.
+  fenetre_->chargement().abandonner();
   fenetre_->ecran().montrerErreur(erreur);
   Journal::etape("serveur-mort-en-route");
 }

@@ -10,6 +10,7 @@
 #include "socle/BoucleEvenements.hpp"
 #include "socle/FileDeTravail.hpp"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -56,6 +57,7 @@ private:
   void guetterLeMotDeMiseAJour(int restant);
   void quandLeServeurMeurt(const moteur::ErreurServeur& erreur);
   void quandLeServeurNeRepondPlus();
+  void surveillerDeNouveau();
   void programmerLaFin();
 
   const std::shared_ptr<moteur::MoteurServeur> moteur_;
@@ -65,7 +67,7 @@ private:
   Surveillance surveillance_;
   bool demarrageEnCours_ = false;
   bool fermetureEnCours_ = false;
-  socle::Minuteur prochainRegardSurLeMot_;
+  std::deque<socle::Minuteur> regardsSurLeMot_; // un par démarrage récent, dans l’ordre où ils auront lieu
   socle::Minuteur finProgrammee_;
   // Les réponses du moteur peuvent arriver après le délégué.
   std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);

@@ -14,7 +14,6 @@ namespace Reglages = socle::Reglages;
 
 namespace {
 
-constexpr double delaiSansRienRecevoir = 60.0;
 constexpr double delaiAvantLaSonde = 1.0;
 constexpr double dureeDUnAvis = 6.0;
 
@@ -27,25 +26,28 @@ void imprimerLeNumero(unsigned long numero) {
 
 FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications& centre,
                                      socle::BoucleEvenements& boucle)
-    : vue_(vue), boucle_(boucle), pont_(centre, boucle) {
+    : vue_(vue), boucle_(boucle), pont_(centre, boucle),
+      chargement_(vue, boucle,
+                  {.quandElleEstLa = [this] { montrerLaPage(); },
+                   .quandElleRate = [this](const std::string& raison) { signalerPageRatee(raison); }}) {
   ecran_.quandOnDessine = [this](const EtatEcran& etat) { vue_.dessiner(etat); };
   ecran_.quandOnReessaie = [this] { rechargerVraiment(); };
   vue_.quandOnReessaie = [this] { ecran_.reessayer(); };
   vue_.quandOnBasculeLeDetail = [this] { ecran_.basculerDetail(); };
-  vue_.quandNavigationAvance = [this] {
-    if (delaiDeChargement_) surveillerLeDelai();
-  };
-  vue_.quandNavigationFinie = [this] { quandLaPageEstLa(); };
-  vue_.quandNavigationRatee = [this](const EchecDeNavigation& echec) { signalerPageRatee(echec); };
+  vue_.quandNavigationCommence = [this] { chargement_.commencer(); };
+  vue_.quandNavigationAvance = [this] { chargement_.avancer(); };
+  vue_.quandNavigationFinie = [this] { chargement_.finir(); };
+  vue_.quandNavigationRatee = [this](const EchecDeNavigation& echec) { chargement_.rater(echec); };
   vue_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
     pont_.userContentController(canal, corps);
   };
   vue_.quandUnLienNeSOuvrePas = [this](const std::string& adresse) {
+    if (pageIgnoree_) return;
     afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
   };
   vue_.quandLeLecteurDEcranChange = [this](const LecteurDEcran& lecteur) { noterLeLecteur(lecteur); };
   pont_.vue = [this](const std::string& ligne) {
-    if (portAffiche_) vue_.evaluer(ligne, [](const auto&) {}); // sans page, la ligne se perd
+    if (chargement_.port()) vue_.evaluer(ligne, [](const auto&) {}); // sans page, la ligne se perd
   };
   pont_.activer = [this] { vue_.mettreDevant(); };
 }
@@ -57,6 +59,7 @@ FenetrePrincipale::~FenetrePrincipale() {
   vue_.quandLaPageEcrit = nullptr;
   vue_.quandUnLienNeSOuvrePas = nullptr;
   vue_.quandLeLecteurDEcranChange = nullptr;
+  vue_.quandNavigationCommence = nullptr;
   vue_.quandNavigationAvance = nullptr;
   vue_.quandNavigationFinie = nullptr;
   vue_.quandNavigationRatee = nullptr;
@@ -70,58 +73,43 @@ void FenetrePrincipale::afficher() {
     vue_.mettreDevant();
 }
 
-void FenetrePrincipale::chargerLaPage(int port) {
-  portAffiche_ = port;
-  surveillerLeDelai(); // d’abord : le chargement peut échouer aussitôt
-  vue_.charger(fmt::format("http://localhost:{}/", port));
-}
-
-void FenetrePrincipale::surveillerLeDelai() {
-  delaiDeChargement_ = boucle_.apres(delaiSansRienRecevoir, [this] {
-    delaiDeChargement_.annuler();
-    vue_.arreterLeChargement();
-    signalerPageRatee({.description = "La page a mis trop longtemps à répondre."});
-  });
-}
-
-void FenetrePrincipale::quandLaPageEstLa() {
-  if (pageIgnoree_) return;
-  delaiDeChargement_.annuler();
+void FenetrePrincipale::montrerLaPage() {
   ecran_.cacher();
-  Journal::etape("page-affichee", {{"port", std::int64_t{portAffiche_.value_or(0)}}});
+  Journal::etape("page-affichee", {{"port", std::int64_t{chargement_.port().value_or(0)}}});
   // D’elle-même, la page croit qu’aucun ne tourne et qu’il la verrait.
   if (lecteur_ != LecteurDEcran{}) direLeLecteur();
-  minuteurSonde_ = boucle_.apres(delaiAvantLaSonde, [this] { sonderLeContenu(); });
+  sondesPrevues_.push_back(boucle_.apres(delaiAvantLaSonde, [this] {
+    sondesPrevues_.pop_front();
+    sonderLeContenu();
+  }));
+  if (quandLaPageEstLa) quandLaPageEstLa();
 }
 
 void FenetrePrincipale::sonderLeContenu() {
   vue_.evaluer(expressionDeSonde,
-               [existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
-                 if (reponse && existe.lock()) Journal::etape("page-contenu", lireSonde(*reponse));
+               [this, existe = std::weak_ptr(existe_)](const std::optional<std::string>& reponse) {
+                 if (reponse && existe.lock() && !pageIgnoree_)
+                   Journal::etape("page-contenu", lireSonde(*reponse));
                });
 }
 
 void FenetrePrincipale::noterLeLecteur(const LecteurDEcran& lecteur) {
   if (lecteur == lecteur_) return;
-  if (lecteur.tourne != lecteur_.tourne)
-    Journal::etape("lecteur-ecran", {{"tourne", lecteur.tourne}, {"page", lecteur.voitLaPage}});
   lecteur_ = lecteur;
-  if (portAffiche_) direLeLecteur();
+  if (chargement_.port()) direLeLecteur();
 }
 
 void FenetrePrincipale::direLeLecteur() {
   vue_.evaluer(annonceALaPage(lecteur_), [](const auto&) {});
 }
 
-void FenetrePrincipale::signalerPageRatee(const EchecDeNavigation& echec) {
-  if (echec.annulee || pageIgnoree_) return;
-  delaiDeChargement_.annuler();
+void FenetrePrincipale::signalerPageRatee(const std::string& raison) {
   ecran_.montrerProbleme(
       "La page de keltrove ne s’affiche pas",
       "Le serveur répondait, mais la page n’a pas pu s’ouvrir. C’est souvent passager : un "
       "nouvel essai suffit presque toujours.",
-      "Cliquez sur « Réessayer ».", echec.description);
-  Journal::etape("page-ratee", {{"raison", echec.description}});
+      "Cliquez sur « Réessayer ».", raison);
+  Journal::etape("page-ratee", {{"raison", raison}});
 }
 
 void FenetrePrincipale::afficherBandeau(const std::string& texte, double secondes) {
@@ -134,7 +122,8 @@ void FenetrePrincipale::afficherBandeau(const std::string& texte, double seconde
 
 void FenetrePrincipale::ignorerLaPage() {
   pageIgnoree_ = true;
-  delaiDeChargement_.annuler();
+  sondesPrevues_.clear();
+  chargement_.seTaire();
 }
 
 void FenetrePrincipale::rechargerVraiment() {

@@ -51,6 +51,7 @@ public:
                        std::function<void(std::optional<std::string>)> fini) = 0;
 
   // Ce que la vue rapporte. Une navigation ratée n’est jamais rapportée comme finie.
+  std::function<void()> quandNavigationCommence;
   std::function<void()> quandNavigationAvance;
   std::function<void()> quandNavigationFinie;
   std::function<void(const EchecDeNavigation&)> quandNavigationRatee;

@@ -74,6 +74,7 @@ void FenetreGtk::relierLesVues() {
   actions_.quandOnRecharge = [=, this] { transmettre(quandOnRecharge); };
   actions_.quandUneBoiteSOuvre = [this](Gtk::Window& boite) { suivreLeRegard(boite); };
   actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
+  vueWeb_.quandNavigationCommence = [=, this] { transmettre(quandNavigationCommence); };
   vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
   vueWeb_.quandNavigationFinie = [=, this] {
     direLeRegard();

@@ -261,10 +261,12 @@ void VueWeb::peindreLeFond(const fenetre::Apparence::Couleur& couleur) {
 }
 
 void VueWeb::quandLeChargementChange(WebKitLoadEvent evenement) {
-  if (evenement == WEBKIT_LOAD_STARTED)
+  if (evenement == WEBKIT_LOAD_STARTED) {
     rate_ = false;
-  else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie)
+    if (quandNavigationCommence) quandNavigationCommence();
+  } else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie) {
     quandNavigationFinie();
+  }
 }
 
 void VueWeb::quandLeChargementEchoue(const GError& erreur) {

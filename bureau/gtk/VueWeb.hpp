@@ -38,6 +38,7 @@ public:
   void siLEditionPeut(const char* commande, std::function<void(bool)> fini);
   double zoom() const { return webkit_web_view_get_zoom_level(vue_); }
 
+  std::function<void()> quandNavigationCommence;
   std::function<void()> quandNavigationAvance;
   std::function<void()> quandNavigationFinie;
   std::function<void(const fenetre::EchecDeNavigation&)> quandNavigationRatee;

@@ -174,6 +174,65 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
           .detail = "dernière ligne"}));
 }
 
+TEST_F(EssaiDelegue, UnNouvelEssaiAbandonneLaPageQuiSeChargeait) {
+  poserLeServeur();
+  delegue.applicationDidFinishLaunching(vue, centre);
+  ASSERT_TRUE(attendreLEtape("allume"));
+  vue.quandOnRecharge();
+  EXPECT_EQ(vue.chargementsArretes, 1);
+  vue.quandNavigationFinie();
+  EXPECT_EQ(vue.ecran().titre, "Nouvel essai…");
+  ASSERT_TRUE(attendreLEtape("rattache"));
+  vue.quandNavigationFinie();
+  boucle->avancer(120);
+  EXPECT_FALSE(aEteNotee("page-ratee"));
+  EXPECT_EQ(std::ranges::count(etapes(), "page-affichee"), 1);
+}
+
+TEST_F(EssaiDelegue, LaMortPendantLeChargementResteLaRaisonMontree) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
+  delegue.applicationDidFinishLaunching(vue, centre);
+  ASSERT_TRUE(attendreLEtape("allume"));
+  maison.ecrire("ressources/keltrove/fin", "");
+  ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
+  vue.quandNavigationRatee({.description = "connexion refusée"});
+  boucle->avancer(120);
+  EXPECT_EQ(vue.ecran().titre, "Le serveur s’est arrêté");
+  EXPECT_FALSE(aEteNotee("page-ratee"));
+}
+
+TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
+  delegue.applicationDidFinishLaunching(vue, centre);
+  ASSERT_TRUE(attendreLEtape("allume"));
+  vue.quandNavigationFinie();
+  maison.ecrire("ressources/keltrove/fin", "");
+  ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
+  // Un autre l’a rallumé, et la page s’est rechargée ; puis il disparaît à son tour.
+  vue.quandNavigationCommence();
+  vue.quandNavigationFinie();
+  EXPECT_FALSE(vue.ecran().visible);
+  for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards) {
+    const int avant = boucle->tachesExecutees();
+    boucle->avancer(6.0);
+    ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
+  }
+  EXPECT_TRUE(aEteNotee("serveur-ne-repond-plus"));
+}
+
+TEST_F(EssaiDelegue, UnSecondDemarrageNInterromptPasLeGuetDuPremier) {
+  poserLeServeur(annonceSurDemande);
+  delegue.applicationDidFinishLaunching(vue, centre);
+  ASSERT_TRUE(attendreLEtape("allume"));
+  boucle->avancer(2);
+  vue.quandOnRecharge();
+  ASSERT_TRUE(attendreLEtape("rattache"));
+  maison.ecrire("ressources/keltrove/dire", "");
+  ASSERT_TRUE(boucle->attendre([&] { return moteur->messageDeMiseAJour().has_value(); }));
+  boucle->avancer(60);
+  EXPECT_EQ(std::ranges::count(etapes(), "bandeau"), 2) << "une fois par démarrage";
+}
+
 TEST_F(EssaiDelegue, LesMenusSontPosesEtLaPermissionDemandeeUneFois) {
   delegue.applicationDidFinishLaunching(vue, centre);
   EXPECT_EQ(vue.menus.size(), 4U);

@@ -233,6 +233,50 @@ TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   EXPECT_TRUE(vue.ecran().boutonReessayer);
 }
 
+TEST_F(EssaiFenetre, UnChargementAbandonneNADeFinNiDEchecNiDeDelai) {
+  fenetre.chargerLaPage(8080);
+  fenetre.chargement().seTaire();
+  EXPECT_EQ(vue.chargementsArretes, 1);
+  vue.quandNavigationFinie();
+  vue.quandNavigationRatee({.description = "trop tard"});
+  boucle.avancer(300);
+  EXPECT_TRUE(Journal::etapes().empty());
+  EXPECT_TRUE(vue.ecrans.empty());
+}
+
+TEST_F(EssaiFenetre, ApresUnAbandonSeuleLaPageSuivanteCompte) {
+  fenetre.chargerLaPage(8080);
+  fenetre.chargement().abandonner();
+  vue.quandNavigationRatee({.description = "trop tard"});
+  EXPECT_TRUE(Journal::etapes().empty());
+  vue.quandNavigationCommence();
+  vue.quandNavigationFinie();
+  EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
+}
+
+TEST_F(EssaiFenetre, DeuxPagesFiniesEnUneSecondeSontSondeesToutesLesDeux) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  boucle.avancer(0.5);
+  vue.quandNavigationFinie();
+  boucle.avancer(2);
+  EXPECT_EQ(vue.evaluations.size(), 2U);
+}
+
+TEST_F(EssaiFenetre, ALaFermeturePlusRienDeLaPageNeVaAuJournal) {
+  fenetre.chargerLaPage(8080);
+  vue.quandNavigationFinie();
+  boucle.avancer(1);
+  vue.quandNavigationFinie();
+  fenetre.ignorerLaPage();
+  vue.evaluations.at(0).second("Accueil|52|jeton-rempli");
+  boucle.avancer(2);
+  vue.quandNavigationFinie();
+  vue.quandUnLienNeSOuvrePas("mailto:a");
+  EXPECT_EQ(nomsDesEtapes(), (std::vector<std::string>{"page-affichee", "page-affichee"}));
+  EXPECT_EQ(vue.evaluations.size(), 1U);
+}
+
 TEST_F(EssaiFenetre, UnePageRateeAussitotNeRatePasUneSecondeFois) {
   vue.quandOnCharge = [this] { vue.quandNavigationRatee({.description = "refusée"}); };
   fenetre.chargerLaPage(8080);

@@ -1,0 +1,57 @@
+// ChargementDeLaPage : la page demandée à la vue, seule à savoir laquelle, depuis quand, et si elle compte
+// encore.
+//
+// Un chargement finit, rate, ou passe soixante secondes sans rien recevoir. Abandonné, il n’a plus rien à
+// dire : ni son délai, ni sa fin, ni son échec, même tardifs. Une page que personne n’a demandée, parce
+// qu’elle s’est rechargée elle-même, compte aussi. Fil principal seulement.
+#pragma once
+
+#include "fenetre/VueFenetre.hpp"
+#include "socle/BoucleEvenements.hpp"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace keltrove::fenetre {
+
+class ChargementDeLaPage {
+public:
+  struct Issues {
+    std::function<void()> quandElleEstLa;
+    std::function<void(const std::string& raison)> quandElleRate;
+  };
+
+  // La vue et la boucle lui survivent.
+  ChargementDeLaPage(VueFenetre& vue, socle::BoucleEvenements& boucle, Issues issues);
+
+  // Remplace ce qui se chargeait.
+  void charger(int port);
+  // Arrête ce qui se charge. La page suivante comptera, même demandée par elle-même.
+  void abandonner();
+  // Arrête ce qui se charge, et plus aucune page ne compte jusqu’à charger() ou abandonner().
+  void seTaire();
+
+  // Celui de la dernière page demandée.
+  std::optional<int> port() const { return port_; }
+
+  // Ce que rapporte la vue.
+  void commencer();
+  void avancer();
+  void finir();
+  void rater(const EchecDeNavigation& echec);
+
+private:
+  enum class Ecoute { toutes, aPartirDeLaSuivante, aucune };
+  void arreter(Ecoute ecoute);
+  void surveillerLeDelai();
+
+  VueFenetre& vue_;
+  socle::BoucleEvenements& boucle_;
+  const Issues issues_;
+  std::optional<int> port_;
+  Ecoute ecoute_ = Ecoute::toutes;
+  socle::Minuteur delai_; // présent exactement tant qu’un chargement est en cours
+};
+
+} // namespace keltrove::fenetre
