@@ -3,6 +3,7 @@
 #include "app/ChargeurBureau.hpp"
 #include "app/ModeExecution.hpp"
 #include "socle/Executable.hpp"
+#include "socle/SortieDErreur.hpp"
 #include "verification/VerificationCode.hpp"
 
 #include <csignal>
@@ -26,9 +27,8 @@ void garantirEntreeEtSorties() {
   if (descripteur >= 0) ::close(descripteur);
 }
 
-int finirSur(std::string phrase) {
-  phrase += '\n';
-  [[maybe_unused]] const auto ecrits = ::write(STDERR_FILENO, phrase.data(), phrase.size());
+int finirSur(const std::string& phrase) {
+  socle::direSurLaSortieDErreur(phrase + '\n');
   return EXIT_FAILURE;
 }
 

@@ -3,9 +3,9 @@
 #include "fenetre/SondeContenu.hpp"
 #include "socle/Journal.hpp"
 #include "socle/Reglages.hpp"
+#include "socle/SortieDErreur.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace keltrove::fenetre {
 
@@ -16,11 +16,6 @@ namespace {
 
 constexpr double delaiAvantLaSonde = 1.0;
 constexpr double dureeDUnAvis = 6.0;
-
-void imprimerLeNumero(unsigned long numero) {
-  const auto ligne = fmt::format("  [keltrove] numero-fenetre {}\n", numero);
-  [[maybe_unused]] const auto ecrits = ::write(STDERR_FILENO, ligne.data(), ligne.size());
-}
 
 } // namespace
 
@@ -68,7 +63,7 @@ FenetrePrincipale::~FenetrePrincipale() {
 void FenetrePrincipale::afficher() {
   if (Reglages::modeEssai()) return;
   if (Reglages::modeDiscret())
-    imprimerLeNumero(vue_.mettreDerriere());
+    socle::direSurLaSortieDErreur(fmt::format("  [keltrove] numero-fenetre {}\n", vue_.mettreDerriere()));
   else
     vue_.mettreDevant();
 }

@@ -1,6 +1,7 @@
 #include "moteur/Sonde.hpp"
 
 #include "moteur/TenantDuPort.hpp"
+#include "socle/JSON.hpp"
 #include "socle/Reglages.hpp"
 #include "socle/RequeteHTTP.hpp"
 #include "socle/Texte.hpp"
@@ -8,7 +9,6 @@
 #include <limits>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace keltrove::moteur {
 namespace {
@@ -57,11 +57,11 @@ std::optional<Sante> sante(int port) {
 }
 
 std::optional<Sante> lireSante(std::string_view corps) {
-  const auto sante = nlohmann::json::parse(corps, nullptr, false);
-  if (!sante.is_object()) return std::nullopt;
-  const auto version = sante.find("version");
-  return Sante{.version = version != sante.end() && version->is_string() ? version->get<std::string>() : "?",
-               .terminauxAuCarnet = entierDuCarnet(sante)};
+  const auto sante = socle::lireJSON(corps);
+  if (!sante || !sante->is_object()) return std::nullopt;
+  const auto version = sante->find("version");
+  return Sante{.version = version != sante->end() && version->is_string() ? version->get<std::string>() : "?",
+               .terminauxAuCarnet = entierDuCarnet(*sante)};
 }
 
 } // namespace keltrove::moteur

@@ -2,6 +2,7 @@
 
 #include "socle/Fichiers.hpp"
 #include "socle/Reglages.hpp"
+#include "socle/SortieDErreur.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
@@ -11,7 +12,6 @@
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <unistd.h>
 
 namespace keltrove::socle::Journal {
 namespace {
@@ -49,9 +49,7 @@ bool representable(const Valeur& valeur) {
 }
 
 void imprimer(std::string_view nom, const Details& details) {
-  const auto ligne = fmt::format("  [keltrove] {} {}\n", nom, resume(details));
-  // La console peut être fermée ou pleine : c’est sans conséquence.
-  [[maybe_unused]] const auto ecrits = ::write(STDERR_FILENO, ligne.data(), ligne.size());
+  direSurLaSortieDErreur(fmt::format("  [keltrove] {} {}\n", nom, resume(details)));
 }
 
 void ecrireLeFichier(const std::vector<Details>& etapes) {

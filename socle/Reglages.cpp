@@ -1,6 +1,7 @@
 #include "socle/Reglages.hpp"
 
 #include "socle/Fichiers.hpp"
+#include "socle/JSON.hpp"
 #include "socle/Texte.hpp"
 
 #include <clocale>
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include <locale.h>
-#include <nlohmann/json.hpp>
 #include <pwd.h>
 #include <unistd.h>
 #if __has_include(<xlocale.h>)
@@ -101,8 +101,9 @@ std::optional<std::string> jeton() {
 
 int portSouhaite() {
   const auto contenu = lireFichier(dansLeDossierCache("keltrove.json"), tailleMaximale);
-  if (!contenu) return portParDefaut;
-  return portDans(nlohmann::json::parse(*contenu, nullptr, false)).value_or(portParDefaut);
+  const auto json = contenu ? lireJSON(*contenu) : std::nullopt;
+  if (!json) return portParDefaut;
+  return portDans(*json).value_or(portParDefaut);
 }
 
 } // namespace keltrove::socle::Reglages

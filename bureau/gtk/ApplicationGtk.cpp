@@ -17,6 +17,11 @@ Partage partage() {
   return Reglages::modeEssai() || Reglages::modeDiscret() ? Partage::NON_UNIQUE : Partage::NONE;
 }
 
+bool estIgnore(int signal) {
+  struct sigaction action{};
+  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 } // namespace
 
 ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
@@ -62,7 +67,9 @@ void ApplicationGtk::ouvrir() {
 }
 
 void ApplicationGtk::ecouterLesSignaux() {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    // Qui nous a lancés par « nohup », ou à l’arrière-plan d’un script, veut que nous y survivions.
+    if (estIgnore(signal)) continue;
     g_unix_signal_add(
         signal,
         [](gpointer moi) -> gboolean {
@@ -70,6 +77,7 @@ void ApplicationGtk::ecouterLesSignaux() {
           return G_SOURCE_CONTINUE;
         },
         this);
+  }
 }
 
 void ApplicationGtk::demanderLaFermeture() {

@@ -8,8 +8,10 @@
 #include <limits>
 #include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 namespace keltrove::socle::Journal {
 namespace {
@@ -36,6 +38,46 @@ TEST_F(EssaiJournal, ChaqueEtapeSImprimeSurUneLigneAvecSesDetailsTries) {
   EXPECT_EQ(imprime([] { etape("demarrage-demande"); }), "  [keltrove] demarrage-demande \n");
   EXPECT_EQ(imprime([] { etape("allume", {{"port", std::int64_t{7777}}, {"cause", "x"}}); }),
             "  [keltrove] allume cause=x port=7777\n");
+}
+
+// Met à la place de la sortie d’erreur, le temps d’un essai, un tube que personne ne lit.
+class TubePlein {
+public:
+  TubePlein() {
+    EXPECT_EQ(::pipe(bouts_), 0);
+    ::fcntl(bouts_[1], F_SETFL, O_NONBLOCK);
+    const std::string bloc(4096, 'x');
+    while (::write(bouts_[1], bloc.data(), bloc.size()) > 0) {
+    }
+    ::fcntl(bouts_[1], F_SETFL, 0);
+    ::dup2(bouts_[1], STDERR_FILENO);
+  }
+  TubePlein(const TubePlein&) = delete;
+  TubePlein& operator=(const TubePlein&) = delete;
+  ~TubePlein() {
+    ::dup2(ancienne_, STDERR_FILENO);
+    for (const int bout : {ancienne_, bouts_[0], bouts_[1]})
+      ::close(bout);
+  }
+
+private:
+  int ancienne_ = ::dup(STDERR_FILENO);
+  int bouts_[2] = {-1, -1};
+};
+
+TEST_F(EssaiJournal, UneSortieQuePersonneNeLitNeRetientPasLEtape) {
+  ::setenv("KELTROVE_ESSAI", "1", 1);
+  {
+    const TubePlein plein;
+    etape("pendant", {{"long", std::string(100'000, 'y')}});
+  }
+  EXPECT_EQ(etapes().size(), 1U);
+  EXPECT_NE(maison.lire(fichier).find("pendant"), std::string::npos) << "le fichier, lui, est écrit";
+}
+
+TEST_F(EssaiJournal, UneLigneLonguePasseEnEntier) {
+  const std::string valeur(30'000, 'z');
+  EXPECT_EQ(imprime([&] { etape("longue", {{"v", valeur}}); }), "  [keltrove] longue v=" + valeur + "\n");
 }
 
 TEST_F(EssaiJournal, LesValeursSeDecriventSelonLeurType) {

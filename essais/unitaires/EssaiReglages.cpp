@@ -117,6 +117,9 @@ TEST_F(EssaiReglages, ToutAutrePortDonneCeluiParDefaut) {
                               R"({"port": 18446744073709551615})",
                               R"({})",
                               R"({"Port": 8080})",
+                              "\xEF\xBB\xBF{\"port\": 8080}",
+                              R"({"port": 8080, "x": "\ud800"})",
+                              "{\"port\": 8080, \"x\": \"\xFF\"}",
                               R"({"port": 8080} x)",
                               R"({"port": 8080,})",
                               R"(// non
@@ -127,6 +130,7 @@ TEST_F(EssaiReglages, ToutAutrePortDonneCeluiParDefaut) {
                               "{",
                               "\xff"})
     EXPECT_EQ(portPour(contenu), 7777) << contenu;
+  EXPECT_EQ(portPour(std::string_view("{\"port\": 8080}\0", 15)), 7777);
 }
 
 TEST_F(EssaiReglages, SansFichierDeReglagesLePortEstCeluiParDefaut) {

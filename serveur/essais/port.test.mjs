@@ -36,10 +36,12 @@ test('le port souhaité se lit comme l’application le lit', async (t) => {
   const cas = [
     ['{"port": 65535}', 65535], ['{"port": 8080.0}', 8080], ['{"port": 1}', 1],
     ['{"port": 65536}', 7777], ['{"port": 0}', 7777], ['{"port": -1}', 7777], ['{"port": 8080.5}', 7777],
-    ['{"port": "8080"}', 7777], ['[8080]', 7777], ['null', 7777], ['{}', 7777], ['{port: 8080}', 7777], ['', 7777],
+    ['{"port": "8080"}', 7777], ['[8080]', 7777], ['null', 7777], ['\ufeff{"port": 8080}', 7777],
+    ['{"port": 8080}\0', 7777], ['{"port": 8080, "x": "\\ud800"}', 7777], [Buffer.from('{"port": 8080, "x": "\xff"}', 'latin1'), 7777],
+    [`{"port": 8080, "x": "${'x'.repeat(1024 * 1024)}"}`, 7777], ['{}', 7777], ['{port: 8080}', 7777], ['', 7777],
   ];
   for (const [texte, attendu] of cas) {
     writeFileSync(join(cache, 'keltrove.json'), texte);
-    assert.equal(portSouhaite(), attendu, texte);
+    assert.equal(portSouhaite(), attendu, String(texte).slice(0, 80));
   }
 });

@@ -9,6 +9,9 @@ import { basename, dirname, join, resolve } from 'node:path';
 import { essayer } from '../page/essayer.js';
 
 const PORT_PAR_DEFAUT = 7777;
+// Précédée d’un nombre pair de barres inverses : celle-ci est bien un échappement.
+const MOITIE_ECHAPPEE = /(?<!\\)(?:\\\\)*\\ud[89a-f]/;
+const REGLAGES_MAXIMUM = 1024 * 1024;
 const LIENS_MAXIMUM = 40;
 const POUR_LES_AUTRES = 0o077;
 // Ce que ce serveur crée lui-même en fait le double.
@@ -57,8 +60,17 @@ function balayer(chemin) {
 
 // Mêmes règles que l’application, qui attend le serveur sur le port qu’elle lit elle-même dans ce fichier.
 export function portSouhaite() {
-  const port = essayer(() => JSON.parse(lireUnFichier(auDossierCache('keltrove.json')).texte).port);
+  const port = essayer(() => lireLesReglages().port);
   return Number.isInteger(port) && port >= 1 && port <= 65535 ? port : PORT_PAR_DEFAUT;
+}
+
+function lireLesReglages() {
+  const { octets } = lireUnFichier(auDossierCache('keltrove.json'));
+  if (octets.length > REGLAGES_MAXIMUM) throw new Error('ce ne sont pas nos réglages');
+  const reglages = JSON.parse(new TextDecoder('utf-8', { fatal: true, ignoreBOM: true }).decode(octets));
+  // Une moitié de caractère, que JSON.parse laisse passer, ne s’écrit pas : elle revient sous forme d’échappement.
+  if (MOITIE_ECHAPPEE.test(JSON.stringify(reglages))) throw new Error('un texte n’est pas de l’Unicode');
+  return reglages;
 }
 
 // Un jeton que d’autres ont pu lire, ou choisir, ne protège plus rien : il est remplacé. Celui qui ne peut pas s’écrire
@@ -94,7 +106,8 @@ export function lireUnFichier(chemin, preparer = () => {}) {
       const etat = fstatSync(fichier);
       if (!etat.isFile()) throw new Error('ce n’est pas un fichier');
       preparer(fichier);
-      return { texte: readFileSync(fichier, 'utf8'), uid: etat.uid, mode: etat.mode };
+      const octets = readFileSync(fichier);
+      return { octets, texte: octets.toString(), uid: etat.uid, mode: etat.mode };
     } finally {
       closeSync(fichier);
     }
