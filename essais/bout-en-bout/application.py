@@ -41,7 +41,7 @@ def port_libre():
         return prise.getsockname()[1]
 
 
-def attendre(condition, secondes=15, quoi="la condition", pas=0.02):
+def attendre(condition, secondes=60, quoi="la condition", pas=0.02):
     """Pour ce qui n’a pas d’événement à écouter : un pixel, un processus, un fichier. « quoi » se dit, ou se calcule."""
     limite = time.monotonic() + secondes
     while not condition():
@@ -152,7 +152,7 @@ class Application:
         debut = f"  [keltrove] {etape} "
         return [l[len(debut):] for l in self.lignes if l.startswith(debut)]
 
-    def attendre(self, etape, secondes=30, fois=1):
+    def attendre(self, etape, secondes=90, fois=1):
         with self.arrivee:
             if not self.arrivee.wait_for(lambda: self.etapes().count(etape) >= fois, secondes):
                 raise AssertionError(f"l’étape {etape} n’est pas venue en {secondes} s ; vu : {self.lignes}")
@@ -165,11 +165,11 @@ class Application:
     def enfants(self, motif):
         return [pid for pid in processus_marques(self.marque) if motif in commande(pid)]
 
-    def quitter(self, signe=signal.SIGTERM, secondes=20):
+    def quitter(self, signe=signal.SIGTERM, secondes=60):
         self.processus.send_signal(signe)
         return self.attendre_la_fin(secondes)
 
-    def attendre_la_fin(self, secondes=20):
+    def attendre_la_fin(self, secondes=60):
         """Ses dernières lignes arrivent encore quand elle n’est déjà plus là."""
         etat = self.processus.wait(secondes)
         if self.processus.stderr:

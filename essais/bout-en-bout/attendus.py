@@ -28,7 +28,7 @@ def _la_page_revient(banc):
     banc.reste = trouvailles[-1] == "rattache"
 
 
-def _echec(banc, cause, secondes=30):
+def _echec(banc, cause, secondes=90):
     banc.attendre("echec-demarrage", secondes)
     banc.verifier.assertEqual(banc.application.details("echec-demarrage")[-1], "cause=" + cause)
     banc.attendre_le_texte(cause)

@@ -121,7 +121,7 @@ class Banc(contextlib.ExitStack):
         return self.serveur.pid if self.serveur else self.application.serveurs()[0]
 
     # Ce qui se passe ensuite.
-    def attendre(self, etape, secondes=30, fois=1):
+    def attendre(self, etape, secondes=90, fois=1):
         self.application.attendre(etape, secondes, fois)
 
     def attendre_les_sondes(self, nombre):
@@ -139,7 +139,7 @@ class Banc(contextlib.ExitStack):
         deja = self.clients()
         guetter(lambda: self.clients() - deja, quoi="une connexion de plus")
 
-    def finir(self, etat, secondes=20):
+    def finir(self, etat, secondes=60):
         self.parti = True
         self.verifier.assertEqual(self.application.attendre_la_fin(secondes), etat, self.application.lignes)
 

@@ -61,7 +61,7 @@ def presser(pid, nom):
     attendre(premier, quoi=f"le bouton « {nom} »")
 
 
-def attendre_le_texte(pid, texte, secondes=15):
+def attendre_le_texte(pid, texte, secondes=60):
     attendre(lambda: any(texte in lu for lu in textes(pid)), secondes, f"le texte « {texte} »")
 
 

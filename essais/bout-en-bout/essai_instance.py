@@ -16,7 +16,7 @@ class Instance(Cas):
         application.attendre("page-contenu")
         return application
 
-    def relancer(self, application, secondes=15, **options):
+    def relancer(self, application, secondes=60, **options):
         """Une seconde fois, comme depuis un terminal ou une icône ; rend son état et ce qu’elle a dit."""
         options = {"env": application.environnement(), **options}
         fini = subprocess.run([application.executable], capture_output=True, text=True, timeout=secondes, **options)

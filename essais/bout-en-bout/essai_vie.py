@@ -2,11 +2,12 @@
 
 import os
 import signal
+import subprocess
 import time
 
 import ecran
 from application import (LENT_A_FINIR, MUET, SERVEUR, VERT, attendre, attendre_le_clavier, commande, couleur, fenetres,
-                         processus_marques, touches)
+                         lire, processus_marques, touches)
 from cas import Cas
 
 ORDINAIRE = SERVEUR + "servir();"
@@ -80,6 +81,17 @@ class Fermeture(Cas):
                 self.assertEqual(application.quitter(signe), 0)
                 self.assertEqual(application.etapes()[-2:], ["arret-demande", "arret-fini"])
                 self.assertEqual(application.serveurs(), [])
+
+    def test_un_signal_ignore_au_lancement_le_reste(self):
+        application = self.application(code=ORDINAIRE).avoir_un_bus()
+        application.preparer()
+        application.suivre(subprocess.Popen(["nohup", application.executable], text=True, start_new_session=True,
+                                            env=application.environnement(), stdout=subprocess.DEVNULL, stderr=subprocess.PIPE))
+        application.attendre("page-affichee")
+        (ignores,) = [ligne.split()[1] for ligne in lire(f"/proc/{application.processus.pid}/status").decode().splitlines()
+                      if ligne.startswith("SigIgn:")]
+        self.assertTrue(int(ignores, 16) >> (signal.SIGHUP - 1) & 1)
+        self.assertEqual(application.quitter(), 0)
 
     def test_fermer_la_fenetre_prend_le_meme_chemin(self):
         application = self.application(code=ORDINAIRE).lancer()

@@ -31,5 +31,5 @@ def notes(application):
         return []
 
 
-def attendre_la_note(application, note, secondes=10):
+def attendre_la_note(application, note, secondes=60):
     attendre(lambda: note in notes(application), secondes, f"la note {note} (vu : {notes(application)[-5:]})")
