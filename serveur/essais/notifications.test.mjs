@@ -43,7 +43,7 @@ test('une sonnerie prévient une fois, marque l’onglet, et le clic y mène', {
   await choisir(page, second);
   donnerLeDepart(page);
   await page.attendre('recus.length > 1');
-  const nom = await page.evaluer(`document.querySelector('.onglet[data-terminal="${premier}"] .choisir').textContent`);
+  const nom = await page.evaluer(`document.querySelector('.onglet[data-terminal="${premier}"] .choisir').title.split('\\n')[0]`);
   assert.deepEqual(await page.evaluer('recus.slice(1)'), [{ action: 'notifier', id: premier, titre: nom, corps: 'Ce terminal vous appelle.' }]);
   assert.equal(await page.evaluer(`document.querySelector('.onglet.attend').dataset.terminal`), premier);
   await page.evaluer(`keltrovePont.ouvrir("${premier}")`);

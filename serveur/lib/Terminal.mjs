@@ -12,6 +12,8 @@ const SORTIE_RELUE = { caracteres: 40_000, lignes: 3 * NOMBRE_DE_LIGNES };
 // Un bavard parle par morceaux de 4 Kio, qui feraient autant de messages : le premier part tout de suite, puis ce qui
 // s’amasse pendant un répit, en millisecondes, part d’un trait.
 const REPIT = 5;
+// De même ; plus long que ce qui sépare deux relevés de la liste.
+const PAROLE_RECENTE = 800;
 // En millisecondes, avant de demander au système le nom d’une commande qui ne le dit pas : le temps qu’elle se lance.
 const DELAI_D_UN_NOM = 2000;
 
@@ -41,6 +43,8 @@ export class Terminal {
   #aDire = '';
   #repit = null;
   #aParle = false;
+  #heureDeParole = -Infinity;
+  #programmeVu = null;
   #nommage = null;
 
   constructor({ id, nom, groupe, dossier, colonnes, lignes, lignesPassees = [] }) {
@@ -81,6 +85,16 @@ export class Terminal {
 
   get programme() {
     return this.#interpreteur?.programme ?? null;
+  }
+
+  // Le même, relu seulement quand il a pu changer : cinquante terminaux le demandent ensemble.
+  get programmeVu() {
+    if (this.vientDeParler) this.#programmeVu = this.programme;
+    return this.#programmeVu;
+  }
+
+  get vientDeParler() {
+    return performance.now() - this.#heureDeParole < PAROLE_RECENTE;
   }
 
   // Les dernières lignes lues ; relues d’abord, si on le demande et qu’elles ont pu changer.
@@ -124,6 +138,7 @@ export class Terminal {
     const texte = this.#aDire;
     this.#aDire = '';
     this.#aParle = true;
+    this.#heureDeParole = performance.now();
     this.#lignesPerimees = true;
     this.tampon.ajouter(texte);
     this.annonces.lire(texte);

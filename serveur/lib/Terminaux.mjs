@@ -2,6 +2,7 @@ import { randomBytes } from 'node:crypto';
 import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { essayer } from '../page/essayer.js';
 import { accorder, estUneDivision, repartir } from './divisions.mjs';
+import { etiqueter, numeroDOffice } from './etiquettes.mjs';
 import { Terminal } from './Terminal.mjs';
 
 const MAXIMUM = 50;
@@ -10,7 +11,6 @@ const DUREE_D_UN_VRAI_USAGE = 1000;
 // En millisecondes.
 const DELAI_D_UN_RELEVE = 500;
 const DELAI_D_UNE_ANNONCE = 100;
-const NOM_D_OFFICE = /^Terminal \d+$/;
 
 const nouvelId = () => randomBytes(6).toString('hex');
 const estUnId = (valeur) => typeof valeur === 'string' && /^[\w-]{1,64}$/.test(valeur);
@@ -104,10 +104,15 @@ export class Terminaux {
   }
 
   pourLaPage() {
-    return this.liste.map(({ id, nom, annonces: { titre, progression, commandes }, groupe, dossier, colonnes, lignes, ouvert }) => ({
-      id, nom: (NOM_D_OFFICE.test(nom) && nettoyer(titre)) || nom, groupe, dossier, colonnes, lignes, ouvert, progression,
-      aLInvite: commandes.aLInvite, division: this.#divisions.get(groupe),
-    }));
+    return this.liste.map((terminal) => {
+      const { id, nom, annonces: { progression, commandes }, groupe, dossier, colonnes, lignes, ouvert } = terminal;
+      const [titre, numero] = [nettoyer(terminal.annonces.titre), numeroDOffice(nom)];
+      return {
+        id, nom: (numero > 0 && titre) || nom, groupe, dossier, colonnes, lignes, ouvert, progression, numero,
+        etiquette: etiqueter({ nom, titre, programme: terminal.programmeVu, dossier }),
+        aLInvite: commandes.aLInvite, division: this.#divisions.get(groupe),
+      };
+    });
   }
 
   // L’un après l’autre : relire vingt terminaux d’un trait retarderait les touches.
@@ -193,6 +198,8 @@ export class Terminaux {
     this.#rangementReleve = rangement;
     if (listeChange) this.quandListeChange();
     if (rangementChange) this.quandRangementChange();
+    // Le programme qui vient d’être lancé n’a peut-être encore rien écrit.
+    if (this.liste.some(({ vientDeParler }) => vientDeParler)) this.#prevoirUnReleve(DELAI_D_UN_RELEVE);
   }
 
   #ranger({ id, nom, groupe, dossier }) {

@@ -62,6 +62,26 @@ ecouter('pointerdown', (onglet, { button, clientX: depart }) => {
 
 rangee.addEventListener('click', ({ target }) => target.closest('.fermer') && fermer(target.closest('.onglet')));
 
+// La molette mène d’un bout à l’autre ; avec Ctrl, elle est à la taille du texte.
+rangee.addEventListener('wheel', (evenement) => {
+  if (evenement.ctrlKey || evenement.deltaX !== 0) return;
+  evenement.preventDefault();
+  rangee.scrollLeft += evenement.deltaY;
+}, { passive: false });
+
+// Trop longue, la rangée garde l’onglet choisi sous les yeux, et s’estompe du côté où il en reste.
+function marquerLesBouts() {
+  const reste = rangee.scrollWidth - rangee.clientWidth - rangee.scrollLeft;
+  rangee.classList.toggle('avant', rangee.scrollLeft > 1);
+  rangee.classList.toggle('apres', reste > 1);
+}
+rangee.addEventListener('scroll', marquerLesBouts);
+addEventListener('choix', marquerLesBouts);
+new ResizeObserver(() => {
+  rangee.querySelector('.choisi')?.scrollIntoView({ block: 'nearest', inline: 'nearest' });
+  marquerLesBouts();
+}).observe(rangee);
+
 function deplacer({ dataset: { terminal: id } }, rang) {
   if (rang >= 0 && rang < rangee.children.length) envoyer({ type: 'deplacer', id, rang });
 }

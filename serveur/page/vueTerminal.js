@@ -49,6 +49,7 @@ export class VueTerminal {
   #images;
   #rejoue;
   #bouton;
+  #lu;
   #rendu = null;
   #envois = new Envois({
     envoyer: (texte) => envoyer({ type: 'saisie', id: this.id, texte }),
@@ -104,10 +105,12 @@ export class VueTerminal {
     return { colonnes: this.terminal.cols, lignes: this.terminal.rows };
   }
 
-  decrire({ nom, groupe, division, dossier, ouvert, aLInvite, progression }) {
+  decrire({ nom, numero, etiquette, groupe, division, dossier, ouvert, aLInvite, progression }) {
     Object.assign(this, { nom, groupe, division, ouvert, aLInvite });
     for (const element of [this.onglet, this.panneau]) element.classList.toggle('eteint', !ouvert);
-    Object.assign(this.#bouton, { textContent: nom, title: `${nom}\n${dossier}` });
+    Object.assign(this.#bouton, { textContent: etiquette, title: `${nom}\n${dossier}` });
+    this.#bouton.dataset.numero = numero || '';
+    this.#lu = numero ? `Terminal ${numero} : ${etiquette}` : nom;
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
     montrerLaProgression(this.onglet.querySelector('.progression'), progression, nom);
     this.marquer(this.onglet.classList.contains('attend'));
@@ -116,7 +119,7 @@ export class VueTerminal {
   // Une marque discrète : ce terminal attend l’utilisateur.
   marquer(oui) {
     this.onglet.classList.toggle('attend', oui);
-    this.#bouton.ariaLabel = this.nom + (oui ? ', vous attend' : '');
+    this.#bouton.ariaLabel = this.#lu + (oui ? ', vous attend' : '');
   }
 
   // Un terminal caché n’a pas de mesures : il n’est posé dans la page, et ajusté, qu’une fois visible.
