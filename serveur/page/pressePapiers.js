@@ -6,11 +6,15 @@ import { valeurs } from '/reglages.js';
 const TAILLE_MAXIMALE = 100_000;
 const LONGUEUR_MAXIMALE = Math.ceil(TAILLE_MAXIMALE / 3) * 4;
 const LONGUEUR_MONTREE = 2000;
+// En millisecondes : qui écrit sans fin n’occupe pas la page, et le dernier mot reste.
+const REPIT = 100;
 // Où écrire, puis quoi, en base64. Un programme peut aussi n’y viser que la sélection, dont la page ne dispose pas.
 const DEMANDE = /^([cpqs0-7]*);([A-Za-z0-9+/]+={0,2})$/;
 
 const question = document.querySelector('.presse-papiers');
 const reponses = new Map();
+let repit = null;
+let suivant = null;
 
 // Ce qu’un programme de ce terminal écrit dans le presse-papiers (OSC 52), s’il y est autorisé. Jamais il n’y lit : sa
 // demande reste sans réponse. `passe` : ce n’est qu’une sortie d’autrefois, que l’on relit.
@@ -58,6 +62,12 @@ function demander(vue, texte) {
 }
 
 function ecrire(texte) {
+  if (repit !== null) return (suivant = texte);
+  repit = setTimeout(() => {
+    const attendu = suivant;
+    repit = suivant = null;
+    if (attendu !== null) ecrire(attendu);
+  }, REPIT);
   const refus = () => aviser({ texte: 'Le presse-papiers n’a pas pu être écrit : cliquez dans la page, puis recommencez.' });
   navigator.clipboard.writeText(texte).catch(refus);
 }
