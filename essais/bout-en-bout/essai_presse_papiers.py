@@ -6,7 +6,7 @@ import shutil
 import subprocess
 
 import ecran
-from application import CONSTRUCTION, attendre, couleur, touches
+from application import CONSTRUCTION, attendre, attendre_le_clavier, couleur, touches
 from essai_terminal import Terminal, taper
 from glissement import souris
 
@@ -29,12 +29,14 @@ class PressePapiers(Terminal):
         with open(chemin, "w") as fichier:
             fichier.write(source)
         application.lancer().attendre("page-contenu")
+        attendre_le_clavier(application)
         self.taper_jusqu_a(application, "touch pret\n", "pret")
         subprocess.run(["xclip", "-selection", "clipboard"], input="ancien", text=True, check=True)
         return application
 
     def ecrire(self, application, texte, fichier):
-        taper(f"printf '\\033]52;c;{base64.b64encode(texte.encode()).decode()}\\a'; touch {fichier}\n")
+        taper(f"printf '\\033]52;c;{base64.b64encode(texte.encode()).decode()}\\a'; touch {fichier}")
+        touches("Return")
         self.attendre_le_fichier(application, fichier)
 
     def attendre_le_presse_papiers(self, voulu):
@@ -56,7 +58,8 @@ class PressePapiers(Terminal):
 
     def test_la_souris_copie_ce_qu_elle_selectionne(self):
         application = self.ouvrir_avec("copie")
-        taper("clear; yes mot-choisi | head -45; touch ecrit\n")
+        taper("clear; yes mot-choisi | head -45; touch ecrit")
+        touches("Return")
         self.attendre_le_fichier(application, "ecrit")
         souris("mousemove", 90, 400)
 
