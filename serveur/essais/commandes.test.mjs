@@ -73,11 +73,11 @@ essai('d’une commande à l’autre, sa sortie, et comment chacune a fini', asy
   await attendreLesMarges(page, 'Commande échouée (3)', 'Commande réussie');
 });
 
-essai('sous un programme plein écran, ou sans commandes annoncées, les touches gardent leur sens', async (page) => {
-  await lancerUneLigne(page, "seq 100; sh -c 'echo pret; exec cat -v'");
+essai('sous un programme plein écran, ou sans commandes annoncées, les touches vont au programme', async (page) => {
+  await lancerUneLigne(page, "sh -c 'echo pret; exec cat -v'");
   await page.attendreLeTexte('/\\npret/');
   await page.touche('Ctrl+Maj+Haut');
-  await page.attendre('vue.terminal.buffer.active.viewportY === vue.terminal.buffer.active.baseY - 1');
+  await page.attendreLeTexte('/\\^\\[\\[1;6A/');
   await page.evaluer('relire("\\x1b]133;A\\x07$ \\x1b]133;C\\x07\\r\\nx\\r\\n\\x1b]133;D;0\\x07\\x1b]133;A\\x07\\x1b[?1049h")');
   await page.touche('Ctrl+Maj+Bas');
   await page.attendreLeTexte('/\\^\\[\\[1;6B/');
@@ -86,7 +86,7 @@ essai('sous un programme plein écran, ou sans commandes annoncées, les touches
 essai('des marques sans fin ne ralentissent ni ne s’amassent', async (page, t) => {
   const lire = (texte) => page.evaluer(`(async () => { const depart = performance.now(); await relire(${texte}); return performance.now() - depart; })()`);
   const marques = `"\\x1b]133;A\\x07$ x\\r\\n\\x1b]133;C\\x07sortie\\r\\n\\x1b]133;D;1\\x07".repeat(3000)`;
-  const cat = '"une ligne de texte bien ordinaire, ni longue ni courte\\r\\n".repeat(200_000)';
+  const cat = '"une ligne de texte bien ordinaire, ni longue ni courte\\r\\n".repeat(50_000)';
   const [nus, chargees] = [[], []];
   // La machine a d’autres choses à faire : le meilleur de chacun.
   for (let i = 0; i < 3; i += 1) {
