@@ -1,4 +1,8 @@
 // Le reste est importé plus tard, exprès : ainsi même un module absent donne une phrase, pas une pile d’appels.
+import { setFlagsFromString } from 'node:v8';
+
+// Le texte d’une inondation ne fait que passer : agrandie pour lui, la mémoire où il naît ne se rendrait pas.
+setFlagsFromString('--semi-space-growth-factor=1');
 
 // L’application peut mourir avant le serveur et fermer le tuyau où il écrit ; il doit vivre assez pour ranger sa liste.
 for (const tuyau of [process.stdout, process.stderr]) tuyau.on('error', () => {});

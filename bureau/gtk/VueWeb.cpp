@@ -36,6 +36,8 @@ WebKitWebView* creerLaVue() {
       dossierDe(g_get_user_data_dir()).c_str(), dossierDe(g_get_user_cache_dir()).c_str()));
   const Objet<WebKitSettings> reglages(webkit_settings_new());
   webkit_settings_set_enable_developer_extras(reglages.get(), TRUE);
+  // À quoi le serveur reconnaît la fenêtre de l’application.
+  webkit_settings_set_user_agent_with_application_details(reglages.get(), "Keltrove", nullptr);
   webkit_settings_set_enable_back_forward_navigation_gestures(reglages.get(), FALSE);
   // Un programme autorisé à écrire dans le presse-papiers le fait quand il veut, sans attendre un geste.
   webkit_settings_set_javascript_can_access_clipboard(reglages.get(), TRUE);

@@ -10,7 +10,7 @@ if [ -z "${KELTROVE_BANC_LANCE:-}" ]; then
   installer_ce_qui_manque "${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_bancs[@]}"
   construire release
   # Deux séries à la fois se fausseraient l’une l’autre.
-  exec env KELTROVE_BANC_LANCE=1 flock "${TMPDIR:-/tmp}/keltrove-banc.verrou" dbus-run-session -- "$0" "$@"
+  exec env KELTROVE_BANC_LANCE=1 flock -o "${TMPDIR:-/tmp}/keltrove-banc.verrou" dbus-run-session -- "$0" "$@"
 fi
 # Ce que la machine fait d’autre ne doit pas compter : ce que l’on mesure passe devant, mais garde entre soi le partage
 # ordinaire du processeur, que fausserait le temps réel.

@@ -127,6 +127,9 @@ test('la politique de la page est stricte, et toute réponse se garde chez soi',
     "img-src 'self' data:", "font-src 'self' data:", "base-uri 'none'", "form-action 'none'", "frame-ancestors 'none'",
   ].join('; '));
   assert.equal(entetes['cross-origin-opener-policy'], 'same-origin');
+  // La fenêtre de l’application n’a pas d’ouvreur ; aucun site ne peut prendre son nom.
+  const chezElle = await demander(port, '/', { entetes: { host: `localhost:${port}`, 'user-agent': 'Mozilla/5.0 Keltrove/1' } });
+  assert.equal(chezElle.entetes['cross-origin-opener-policy'], undefined);
   assert.equal(entetes['x-frame-options'], 'DENY');
   assert.match(entetes['permissions-policy'], /camera=\(\), .*microphone=\(\).*usb=\(\)/);
   for (const chemin of ['/', '/page.js', '/ailleurs']) {

@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { existsSync, readFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
-import { lancer, Page, preparerMaison } from './outils.mjs';
+import { attendreLeFichier, lancer, Page, preparerMaison } from './outils.mjs';
 
 const MO = 1024 * 1024;
 let navigateur;
@@ -29,6 +29,29 @@ test('une page gelée ne fait pas grossir le serveur, ni attendre celle qui suit
   assert.ok(vive.recus > 150_000_000);
   t.diagnostic(`${Math.round((plusHaut - depart) / MO)} Mo de plus au plus fort`);
   assert.ok(plusHaut - depart < 250 * MO, `${Math.round((plusHaut - depart) / MO)} Mo de plus`);
+});
+
+test('une inondation passée, le serveur n’en garde pas la mémoire', { skip: !existsSync('/proc/self/status') && 'seul Linux dit la mémoire' }, async (t) => {
+  const maison = await preparerMaison(t);
+  const serveur = await lancer(t, maison);
+  const page = await Page.ouvrir(t, serveur.port, readFileSync(maison.cheminJeton, 'utf8').trim());
+  await page.attendre(() => page.derniers.has('reprise'), 'la reprise');
+  const [{ id }] = page.terminaux;
+  page.compter = true;
+  page.lignesGardees = 11_000;
+  const imprimer = async (nombre) => {
+    page.envoyer({ type: 'saisie', id, texte: `seq ${nombre}; echo fin-$((${nombre} + 1))\r` });
+    await page.attendre(() => page.fins.get(id)?.includes(`fin-${nombre + 1}`), 'la fin');
+  };
+  // D’abord ce qu’un terminal garde toujours, et ce que le serveur charge pour relire un texte qui bouge.
+  await imprimer(100_000);
+  page.envoyer({ type: 'saisie', id, texte: 'printf "\\e[3Cmar%s\\n" que\r' });
+  await attendreLeFichier(maison.cheminCarnet, (texte) => texte.includes('"   marque"'));
+  const avant = memoire(serveur);
+  await imprimer(1_000_000);
+  const gardes = (memoire(serveur) - avant) / MO;
+  t.diagnostic(`${Math.round(gardes)} Mo de plus`);
+  assert.ok(gardes < 12, `${Math.round(gardes)} Mo de plus`);
 });
 
 test('sous un flot sans fin, la page répond aux touches, ici et dans les autres terminaux', { skip: sansNavigateur }, async (t) => {

@@ -38,7 +38,7 @@ export function creerLAccueil({ jeton, direLaSante }) {
     if (!lecture) return envoyer(reponse, 405, 'Méthode refusée.\n', { Allow: 'GET, HEAD' });
     const route = requete.url.split('?')[0];
     const { corps, type } = fichiers.get(route) ?? {};
-    const entetes = route === '/' ? entetesDeLaPage(requete.headers.host) : {};
+    const entetes = route === '/' ? entetesDeLaPage(requete.headers) : {};
     if (corps) return envoyer(reponse, 200, corps, entetes, type);
     const connu = jetonJuste(requete.headers['x-keltrove-jeton'], jeton);
     if (!connu) return envoyer(reponse, 401, 'Jeton absent ou faux.\n');
@@ -60,10 +60,13 @@ function envoyer(reponse, statut, corps, entetes = {}, type = 'text/plain') {
   reponse.end(corps);
 }
 
-function entetesDeLaPage(hote) {
+function entetesDeLaPage({ host, 'user-agent': navigateur = '' }) {
+  // La fenêtre de l’application n’a été ouverte par aucune page : cet en-tête n’y ferait que changer de processus, et
+  // garder le premier pour rien.
+  const ouvreur = / Keltrove\//.test(navigateur) ? {} : { 'Cross-Origin-Opener-Policy': 'same-origin' };
   return {
-    'Content-Security-Policy': politique(hote),
-    'Cross-Origin-Opener-Policy': 'same-origin',
+    ...ouvreur,
+    'Content-Security-Policy': politique(host),
     'Permissions-Policy': SANS_USAGE.map((nom) => `${nom}=()`).join(', '),
     'X-Frame-Options': 'DENY',
   };
