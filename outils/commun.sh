@@ -66,8 +66,9 @@ ouvrir_un_ecran_virtuel() {
   local tube numero
   tube=$(mktemp -u)
   mkfifo "$tube"
-  # Dans leur propre session : un Ctrl+C ne doit pas retirer l’écran sous une application qui se ferme.
-  setsid Xvfb -displayfd 3 -screen 0 1360x900x24 -nolisten tcp 3>"$tube" >/dev/null 2>&1 &
+  # Dans leur propre session : un Ctrl+C ne doit pas retirer l’écran sous une application qui se ferme. Sans répétition des
+  # touches : relâchée tard par une machine chargée, celle d’un essai s’écrirait deux fois.
+  setsid Xvfb -r -displayfd 3 -screen 0 1360x900x24 -nolisten tcp 3>"$tube" >/dev/null 2>&1 &
   pid_ecran=$!
   read -r numero <"$tube" || abandonner "L’écran virtuel n’a pas pu s’ouvrir."
   rm -f "$tube"
