@@ -30,7 +30,8 @@ AUTRES = ["space", "Tab", "Return", "Escape", "BackSpace"] + [f"F{n}" for n in r
 MODES_D_UN_EDITEUR = ["1", "66", "1049"]
 
 # Les raccourcis de la page, de l’application et du gestionnaire de fenêtres.
-A_NOUS = {"F11", "alt+F4"}
+# Maj+F10 ouvre le menu du terminal.
+A_NOUS = {"F11", "alt+F4", "shift+F10"}
 A_NOUS |= {f"{avec}Insert" for avec in AVEC if "ctrl" in avec or "shift" in avec}
 A_NOUS |= {f"ctrl+shift+{touche}" for touche in "a c z 0 agrave minus equal underscore parenright Up Down Left Right Prior Next "
                                                "F10".split()}
