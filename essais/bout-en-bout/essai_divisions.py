@@ -1,11 +1,15 @@
 """Des terminaux l’un au-dessus de l’autre et côte à côte, dans la vraie fenêtre."""
 
+import re
+import subprocess
+
 from application import attendre, compter_les_pixels, touches
 from essai_terminal import Terminal as CasDeTerminal
 from glissement import souris
 
 COLONNE = 680
 MILIEU = range(470, 510)
+ACCENT = "#1C64D0"
 
 
 class Divisions(CasDeTerminal):
@@ -16,6 +20,17 @@ class Divisions(CasDeTerminal):
         with open(fichier) as lu:
             return [int(nombre) for nombre in lu.read().split()]
 
+    def trouver_le_bord(self):
+        """Entre deux terminaux vides à cet endroit, le filet est la première ligne d’une autre teinte que le fond."""
+        def rangees():
+            texte = subprocess.run(["import", "-window", "root", "-crop", f"1x{len(MILIEU)}+{COLONNE}+{MILIEU[0]}", "-depth", "8", "txt:-"],
+                                   capture_output=True, text=True).stdout
+            teintes = re.findall(r"#\w{6}", texte)
+            return [MILIEU[0] + rang for rang, teinte in enumerate(teintes) if teinte != teintes[0]]
+
+        attendre(rangees, quoi="le filet")
+        return rangees()[0]
+
     def test_le_bord_se_tire_a_la_souris_et_chaque_programme_sait_sa_taille(self):
         application = self.ouvrir()
         entier = self.mesurer(application, "entier")
@@ -25,13 +40,9 @@ class Divisions(CasDeTerminal):
         self.assertEqual(moitie[1], entier[1])
         self.assertLess(moitie[0], entier[0] / 2 + 1)
 
-        bord = None
-        for ligne in MILIEU:
-            souris("mousemove", COLONNE, ligne)
-            if compter_les_pixels("#1C64D0", f"600x60+300+{MILIEU[0] - 10}") > 1500:
-                bord = ligne
-                break
-        self.assertIsNotNone(bord, "le bord ne se montre pas sous la souris")
+        bord = self.trouver_le_bord()
+        souris("mousemove", COLONNE, bord)
+        attendre(lambda: compter_les_pixels(ACCENT, f"600x20+300+{bord - 10}") > 600 * 3, quoi="le bord sous la souris")
         souris("mousedown", 1)
         for pas in range(1, 11):
             souris("mousemove", COLONNE, bord - 20 * pas)

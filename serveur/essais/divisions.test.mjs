@@ -76,6 +76,9 @@ essai('côte à côte puis l’un au-dessus de l’autre, des bords que l’on d
   const { x, y } = await page.evaluer(`(() => { const r = ${SEPARATEURS}[0].getBoundingClientRect(); return { x: r.x + 2, y: r.y + 100 }; })()`);
   await page.souris('mousePressed', x, y);
   await page.souris('mouseMoved', x - 100, y);
+  // La liste se redit entre-temps : le bord reste où on le tire.
+  await page.evaluer('import("/liaison.js").then(({ envoyer }) => envoyer({ type: "renommer", id: document.querySelector(".onglet").dataset.terminal, nom: "redite" }))');
+  await page.attendre('document.querySelector(".onglet .choisir").textContent === "redite"');
   await page.souris('mouseReleased', x - 100, y);
   await attendreLesCadres(page, 'Math.abs(b[0] - a[2] - 1) <= 1 && Math.abs(a[2] - 400) < 6');
   // Le terminal n’a pas perdu le clavier.

@@ -18,14 +18,18 @@ const etats = new WeakMap();
 let montrees = new Map();
 let racine = null;
 let poses = 0;
+let tire = false;
 
 const estUneFeuille = (noeud) => typeof noeud === 'string';
+const dessiner = (noeud) => JSON.stringify(noeud, (cle, valeur) => (cle === 'parts' ? undefined : valeur));
 const additionner = (nombres) => nombres.reduce((somme, nombre) => somme + nombre, 0);
 
 // Donne à chaque terminal montré sa place dans la page, et pose entre eux de quoi la changer.
 export function disposer(vues, division) {
   montrees = new Map(vues.map((vue) => [vue.id, vue]));
-  racine = structuredClone(division ?? vues[0].id);
+  const neuve = structuredClone(division ?? vues[0].id);
+  // Un bord que l’on tire ne revient pas sous la souris : chaque taille qu’il donne fait redire la liste.
+  if (!tire || dessiner(neuve) !== dessiner(racine)) racine = neuve;
   etaler();
 }
 
@@ -146,7 +150,9 @@ const ecouter = (nom, faire) => zone.addEventListener(nom, (evenement) => {
 // Le tirer à la souris ne prend pas le clavier au terminal.
 ecouter('mousedown', (_, evenement) => evenement.preventDefault());
 ecouter('pointerdown', (separateur, { button, pointerId }) => {
-  if (button === 0) separateur.setPointerCapture(pointerId);
+  if (button !== 0) return;
+  separateur.setPointerCapture(pointerId);
+  tire = true;
 });
 ecouter('pointermove', (separateur, { pointerId, clientX, clientY }) => {
   if (!separateur.hasPointerCapture(pointerId)) return;
@@ -154,7 +160,10 @@ ecouter('pointermove', (separateur, { pointerId, clientX, clientY }) => {
   const { left, top } = zone.getBoundingClientRect();
   tirer(separateur, (axe === AXES.colonnes ? clientX - left : clientY - top) - debut);
 });
-ecouter('lostpointercapture', finir);
+ecouter('lostpointercapture', (separateur) => {
+  tire = false;
+  finir(separateur);
+});
 ecouter('dblclick', egaliser);
 ecouter('keydown', (separateur, evenement) => {
   const { key, ctrlKey, altKey, metaKey } = evenement;
