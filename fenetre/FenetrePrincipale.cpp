@@ -34,7 +34,10 @@ FenetrePrincipale::FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications&
   vue_.quandNavigationFinie = [this] { chargement_.finir(); };
   vue_.quandNavigationRatee = [this](const EchecDeNavigation& echec) { chargement_.rater(echec); };
   vue_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
-    pont_.userContentController(canal, corps);
+    if (canal == canalDuLecteur)
+      faireLire(corps);
+    else
+      pont_.userContentController(canal, corps);
   };
   vue_.quandUnLienNeSOuvrePas = [this](const std::string& adresse) {
     if (pageIgnoree_) return;
@@ -96,6 +99,10 @@ void FenetrePrincipale::noterLeLecteur(const LecteurDEcran& lecteur) {
 
 void FenetrePrincipale::direLeLecteur() {
   vue_.evaluer(annonceALaPage(lecteur_), [](const auto&) {});
+}
+
+void FenetrePrincipale::faireLire(const std::optional<std::string>& corps) {
+  if (const auto texte = texteALire(corps)) vue_.annoncer(*texte);
 }
 
 void FenetrePrincipale::signalerPageRatee(const std::string& raison) {

@@ -49,6 +49,7 @@ private:
   void sonderLeContenu();
   void noterLeLecteur(const LecteurDEcran& lecteur);
   void direLeLecteur();
+  void faireLire(const std::optional<std::string>& corps);
   void signalerPageRatee(const std::string& raison);
 
   VueFenetre& vue_;

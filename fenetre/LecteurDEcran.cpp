@@ -1,13 +1,29 @@
 #include "fenetre/LecteurDEcran.hpp"
 
+#include "pont/TexteCourt.hpp"
+
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace keltrove::fenetre {
+namespace {
+
+// Une page de terminal, largement.
+constexpr std::size_t texteMaximal = 4000;
+
+} // namespace
 
 std::string annonceALaPage(const LecteurDEcran& lecteur) {
   return fmt::format("window.keltroveLecteur = {{ tourne: {}, voitLaPage: {} }}; "
                      "window.dispatchEvent(new Event('lecteur'));",
                      lecteur.tourne, lecteur.voitLaPage);
+}
+
+std::optional<std::string> texteALire(const std::optional<std::string>& corps) {
+  if (!corps) return std::nullopt;
+  const auto texte =
+      pont::texteCourt(nlohmann::json::parse(*corps, nullptr, /* exceptions */ false), "", texteMaximal);
+  return texte.empty() ? std::nullopt : std::optional(texte);
 }
 
 } // namespace keltrove::fenetre

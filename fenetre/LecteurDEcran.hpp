@@ -1,6 +1,7 @@
 // LecteurDEcran : le lecteur d’écran du bureau, et ce que la page doit en savoir.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace keltrove::fenetre {
@@ -13,5 +14,12 @@ struct LecteurDEcran {
 
 // L’expression qui le dit à la page : elle le lit quand elle est prête, puis à chaque événement « lecteur ».
 std::string annonceALaPage(const LecteurDEcran& lecteur);
+
+// Le canal des textes que la page veut faire lire aussitôt.
+inline constexpr const char* canalDuLecteur = "keltroveLecteur";
+
+// Le texte à lire, d’un message de ce canal : bref, car un lecteur ne se laisse pas couper ; rien si le
+// message n’est pas un texte.
+std::optional<std::string> texteALire(const std::optional<std::string>& corps);
 
 } // namespace keltrove::fenetre

@@ -50,6 +50,9 @@ public:
   virtual void evaluer(const std::string& expression,
                        std::function<void(std::optional<std::string>)> fini) = 0;
 
+  // Fait lire ce texte au lecteur d’écran ; un bureau qui ne le sait pas n’en fait rien.
+  virtual void annoncer(const std::string& /*texte*/) {}
+
   // Ce que la vue rapporte. Une navigation ratée n’est jamais rapportée comme finie.
   std::function<void()> quandNavigationCommence;
   std::function<void()> quandNavigationAvance;

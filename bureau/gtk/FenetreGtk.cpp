@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include <dlfcn.h>
 #include <fmt/format.h>
 #include <glibmm/main.h>
 #include <gtkmm/cssprovider.h>
@@ -180,6 +181,15 @@ unsigned long FenetreGtk::mettreDerriere() {
   set_visible(true);
   gdk_toplevel_lower(GDK_TOPLEVEL(surface));
   return numero;
+}
+
+// Cherchée quand on s’en sert : une application construite avec un GTK d’avant la 4.14 peut en trouver un
+// plus récent.
+void FenetreGtk::annoncer(const std::string& texte) {
+  using Annonce = void (*)(GtkAccessible*, const char*, int priorite);
+  static const auto annonce = reinterpret_cast<Annonce>(::dlsym(RTLD_DEFAULT, "gtk_accessible_announce"));
+  constexpr int moyenne = 1;
+  if (annonce != nullptr) annonce(GTK_ACCESSIBLE(gobj()), texte.c_str(), moyenne);
 }
 
 void FenetreGtk::charger(const std::string& adresse) {

@@ -37,6 +37,7 @@ public:
   void poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) override;
   void mettreDevant() override;
   unsigned long mettreDerriere() override;
+  void annoncer(const std::string& texte) override;
   void charger(const std::string& adresse) override;
   void arreterLeChargement() override;
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) override;

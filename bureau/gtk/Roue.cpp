@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include <gdkmm/frameclock.h>
+#include <gtkmm/settings.h>
 
 namespace keltrove::bureau {
 namespace {
@@ -24,7 +25,9 @@ Roue::Roue() {
   });
 }
 
-void Roue::tourner(bool tourne) {
+void Roue::tourner(bool demande) {
+  // À qui a demandé à son bureau que rien ne bouge, les phrases de l’écran suffisent.
+  const bool tourne = demande && get_settings()->property_gtk_enable_animations().get_value();
   if (tourne == (battement_ != 0)) return;
   if (!tourne) {
     remove_tick_callback(battement_);

@@ -13,7 +13,7 @@ public:
   Roue();
 
   // Ne tourne, et ne coûte, que tant qu’on le demande.
-  void tourner(bool tourne);
+  void tourner(bool demande);
 
 private:
   void peindre(const Cairo::RefPtr<Cairo::Context>& dessin, int largeur, int hauteur) const;

@@ -2,6 +2,7 @@
 
 #include "bureau/gtk/CurseurDeTexte.hpp"
 #include "bureau/gtk/EssaiDeLancement.hpp"
+#include "fenetre/LecteurDEcran.hpp"
 #include "fenetre/VueWebDepot.hpp"
 #include "pont/PontNotifications.hpp"
 
@@ -106,7 +107,8 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                      if (moi->quandNavigationAvance) moi->quandNavigationAvance();
                    }),
                    this);
-  ouvrirLeCanal();
+  ouvrirLeCanal<pont::PontNotifications::nomDuCanal>();
+  ouvrirLeCanal<fenetre::canalDuLecteur>();
   garderLaPage();
   collerLaSelectionAuClavier();
 }
@@ -130,8 +132,8 @@ void VueWeb::collerLaSelectionAuClavier() {
   gtk_widget_add_controller(GTK_WIDGET(vue_), raccourcis);
 }
 
+template <const char* const& canal>
 void VueWeb::ouvrirLeCanal() {
-  static constexpr const char* canal = pont::PontNotifications::nomDuCanal;
   auto* contenus = webkit_web_view_get_user_content_manager(vue_);
   g_signal_connect(contenus, (std::string("script-message-received::") + canal).c_str(),
                    G_CALLBACK(+[](WebKitUserContentManager*, JSCValue* corps, VueWeb* moi) {

@@ -47,6 +47,7 @@ public:
   std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
 
 private:
+  template <const char* const& canal>
   void ouvrirLeCanal();
   void garderLaPage();
   void collerLaSelectionAuClavier();

@@ -49,6 +49,10 @@ def textes(pid):
     return _lire(pid, lus)
 
 
+def noms_du_role(pid, role):
+    return _lire(pid, lambda objets: [objet.get_name() for objet in objets if objet.get_role_name() == role])
+
+
 def boutons(pid):
     return _lire(pid, lambda objets: {o.get_name(): o for o in objets if o.get_role_name() == "push button"})
 

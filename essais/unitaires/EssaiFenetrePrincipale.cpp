@@ -180,6 +180,20 @@ TEST_F(EssaiFenetre, UnePageQuUnLecteurNeVerraitPasLApprendAChaqueChargement) {
   EXPECT_EQ(vue.evaluations[1].first, pageInvisible);
 }
 
+TEST_F(EssaiFenetre, CeQueLaPageFaitLireVaAuLecteurEtNonAuPont) {
+  const auto ecrire = [&](const std::optional<std::string>& corps) {
+    vue.quandLaPageEcrit("keltroveLecteur", corps);
+  };
+  ecrire(R"("  « Terminal 2 » vous attend.\n")");
+  for (const auto* autre : {R"({"action":"notifier","id":"t1"})", "12", "null", R"("  ")", "{", R"("\ud83d)"})
+    ecrire(autre);
+  ecrire(std::nullopt);
+  EXPECT_EQ(vue.annonces, std::vector<std::string>{"« Terminal 2 » vous attend."});
+  EXPECT_TRUE(centre.notifications.empty());
+  ecrire("\"" + std::string(5000, 'a') + "\"");
+  EXPECT_EQ(vue.annonces.back(), std::string(3999, 'a') + "…");
+}
+
 TEST(SondeContenu, UnTitreVideDecaleLesMorceaux) {
   EXPECT_EQ(lireSonde("|52|jeton-rempli"),
             (Journal::Details{{"titre", "52"}, {"elements", std::int64_t{0}}, {"cle", "?"}}));

@@ -15,6 +15,7 @@ public:
   std::vector<fenetre::Menus::Menu> menus;
   std::vector<std::string> adresses;
   std::vector<std::pair<std::string, std::function<void(std::optional<std::string>)>>> evaluations;
+  std::vector<std::string> annonces;
   int devant = 0;
   int derriere = 0;
   int chargementsArretes = 0;
@@ -35,6 +36,7 @@ public:
     adresses.push_back(adresse);
     if (quandOnCharge) quandOnCharge();
   }
+  void annoncer(const std::string& texte) override { annonces.push_back(texte); }
   void arreterLeChargement() override { ++chargementsArretes; }
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) override {
     evaluations.emplace_back(expression, std::move(fini));

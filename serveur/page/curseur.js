@@ -1,4 +1,5 @@
 const CLIGNOTEMENT = 530;
+const immobile = matchMedia('(prefers-reduced-motion: reduce)');
 
 // Le curseur d’un terminal : sa forme, et s’il se voit à cet instant. `redessiner` le fait réapparaître ou disparaître.
 export class Curseur {
@@ -65,7 +66,7 @@ export class Curseur {
   // À chaque dessin de sa ligne. Il ne clignote que là où l’on tape.
   suivre() {
     const clignote = this.#coeur.coreService.decPrivateModes.cursorBlink ?? this.#options.cursorBlink;
-    if (!clignote || !this.#demande || !this.#coeur._coreBrowserService.isFocused) this.bouger();
+    if (!clignote || immobile.matches || !this.#demande || !this.#coeur._coreBrowserService.isFocused) this.bouger();
     else this.#minuteur ??= setInterval(() => this.#basculer(), CLIGNOTEMENT);
   }
 

@@ -1,3 +1,4 @@
+import { annoncer } from '/diction.js';
 import { direLaFin } from '/fins.js';
 import { valeurs } from '/reglages.js';
 import { choisir, vues } from '/terminaux.js';
@@ -65,6 +66,8 @@ function relire() {
 // Chaque sorte d’appel a son réglage, du même nom.
 function appeler(vue, sorte, corps) {
   if (vue.veille.regarde) return;
+  // Loin de la page, c’est la notification qui se fait lire.
+  if (!vue.attend && document.hasFocus()) annoncer(`« ${vue.nom} » vous attend.`);
   vue.marquer(true);
   if (!valeurs.prevenir || !valeurs[sorte]) return;
   const neuf = SANS_TEXTE.includes(sorte) ? vue.veille.annoncer(performance.now()) : vue.veille.appeler(performance.now());

@@ -1,4 +1,5 @@
 import { recevoirLesChemins } from '/chemins.js';
+import '/clavierVirtuel.js';
 import '/depot.js';
 import '/lecteur.js';
 import { aviser } from '/avis.js';

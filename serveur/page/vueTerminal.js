@@ -6,6 +6,7 @@ import { chercherLesChemins } from '/chemins.js';
 import { coller, prendreLesCollages } from '/collage.js';
 import { Commandes } from '/commandes.js';
 import { composer } from '/composition.js';
+import { suivreLeDoigt } from '/doigt.js';
 import { Envois } from '/envois.js';
 import { Images } from '/images.js';
 import { compterLesLargeurs } from '/largeurs.js';
@@ -81,6 +82,7 @@ export class VueTerminal {
     });
     bornerLesRepetitions(this.terminal);
     this.commandes = new Commandes(this.terminal);
+    suivreLeDoigt(this.panneau, this.terminal);
     prendreLesCollages(this.panneau, (texte) => this.coller(texte));
     prendreLesEcritures(this, { passe: () => this.#rejoue });
     copierEnSelectionnant(this);
@@ -113,7 +115,11 @@ export class VueTerminal {
     this.#lu = numero ? `Terminal ${numero} : ${etiquette}` : nom;
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
     montrerLaProgression(this.onglet.querySelector('.progression'), progression, nom);
-    this.marquer(this.onglet.classList.contains('attend'));
+    this.marquer(this.attend);
+  }
+
+  get attend() {
+    return this.onglet.classList.contains('attend');
   }
 
   // Une marque discrète : ce terminal attend l’utilisateur.
