@@ -28,7 +28,7 @@ std::string accelerateurDe(const Menus::Raccourci& raccourci) {
 
 // GTK les écrirait dans la langue du système.
 Glib::ustring touchesDe(const Menus::Raccourci& raccourci) {
-  const auto accelerateur = accelerateurDe(raccourci);
+  auto accelerateur = accelerateurDe(raccourci);
   if (raccourci.modificateurs.controle) return accelerateur;
   const char lettre = Glib::Ascii::toupper(accelerateur.back());
   return Glib::ustring("Ctrl+Maj+") + (raccourci.modificateurs.option ? "Alt+" : "") + lettre;

@@ -8,7 +8,7 @@ import { fileURLToPath } from 'node:url';
 import WebSocket from 'ws';
 
 export const DOSSIER_DU_SERVEUR = fileURLToPath(new URL('..', import.meta.url));
-const PATIENCE = 15_000;
+const PATIENCE = 60_000;
 
 // Une maison neuve par essai, au nom malcommode exprès ; à un autre compte si on le veut, et sur un système de fichiers à
 // elle, en mémoire, si `montage` en donne les options, ce que seul root peut faire.
