@@ -17,7 +17,7 @@ ReponseFermeture DelegueApplication::applicationShouldTerminate() {
     return ReponseFermeture::maintenant;
   }
   Journal::etape("arret-demande");
-  // Un Ctrl+C atteint aussi les processus de la page : leur mort n’est plus une nouvelle.
+  // La fin d’une session atteint aussi les processus de la page : leur mort n’est plus une nouvelle.
   fenetre_->ignorerLaPage();
   fenetre_->ecran().montrerAttente("Fermeture…",
                                    "Je laisse le serveur noter la liste des terminaux avant de partir.");

@@ -1,5 +1,7 @@
 #include "bureau/gtk/NavigateurDuBureau.hpp"
 
+#include "bureau/gtk/SignauxDuTerminal.hpp"
+
 #include <memory>
 #include <string_view>
 
@@ -23,16 +25,19 @@ void rendreLEnvironnement(GAppLaunchContext* contexte, const socle::Environnemen
 
 void ouvrirDansLeNavigateur(const std::string& adresse, const socle::Environnement& environnement,
                             std::function<void()> rate) {
-  using Suite = std::function<void()>;
+  struct Suite {
+    SignauxRendus rendus; // le lancement a lieu plus tard, sur ce même fil
+    std::function<void()> rate;
+  };
   auto* contexte = G_APP_LAUNCH_CONTEXT(gdk_display_get_app_launch_context(gdk_display_get_default()));
   rendreLEnvironnement(contexte, environnement);
   g_app_info_launch_default_for_uri_async(
       adresse.c_str(), contexte, nullptr,
       [](GObject*, GAsyncResult* resultat, gpointer donnees) {
         const std::unique_ptr<Suite> suite(static_cast<Suite*>(donnees));
-        if (!g_app_info_launch_default_for_uri_finish(resultat, nullptr)) (*suite)();
+        if (!g_app_info_launch_default_for_uri_finish(resultat, nullptr)) suite->rate();
       },
-      new Suite(std::move(rate)));
+      new Suite{{}, std::move(rate)});
   g_object_unref(contexte);
 }
 

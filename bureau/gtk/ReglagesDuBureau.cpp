@@ -1,5 +1,6 @@
 #include "bureau/gtk/ReglagesDuBureau.hpp"
 
+#include "bureau/gtk/SignauxDuTerminal.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
@@ -37,6 +38,7 @@ bool ouvrir(const Panneau& panneau, const socle::Environnement& environnement) {
   const std::array arguments{panneau.programme, panneau.argument, static_cast<const char*>(nullptr)};
   constexpr auto options = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH_FROM_ENVP |
                                                     G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+  const SignauxRendus rendus;
   return g_spawn_async(nullptr, const_cast<char**>(arguments.data()), variables.data(), options, nullptr,
                        nullptr, nullptr, nullptr);
 }

@@ -1,5 +1,7 @@
 #include "bureau/gtk/Reouverture.hpp"
 
+#include "bureau/gtk/SignauxDuTerminal.hpp"
+
 #include <vector>
 
 #include <gio/gio.h>
@@ -26,6 +28,7 @@ void rouvrir(const char* executable, const socle::Environnement& environnement) 
   for (const auto& entree : environnement.entrees())
     variables.push_back(const_cast<char*>(entree.c_str()));
   variables.push_back(nullptr);
+  const SignauxRendus rendus;
   char* commande[] = {const_cast<char*>(executable), nullptr};
   g_spawn_async(nullptr, commande, variables.data(), G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, nullptr);
 }

@@ -9,6 +9,7 @@
 #include "bureau/gtk/EssaiDeLancement.hpp"
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "bureau/gtk/Reouverture.hpp"
+#include "bureau/gtk/SignauxDuTerminal.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
 
@@ -49,6 +50,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
   if (!bureau::peutLancerUnProcessus()) return sansProcessus();
+  bureau::retenirLesSignauxDuTerminal();
   bureau::choisirLeRendu();
   const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
   bureau::ecarterUnBusAbsent();

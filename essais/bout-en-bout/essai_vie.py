@@ -13,6 +13,12 @@ from cas import Cas
 ORDINAIRE = SERVEUR + "servir();"
 
 
+def est_masque(pid, masque, signe):
+    """Si ce processus ignore (SigIgn) ou retient (SigBlk) ce signal."""
+    (valeur,) = [ligne.split()[1] for ligne in lire(f"/proc/{pid}/status").decode().splitlines() if ligne.startswith(masque)]
+    return bool(int(valeur, 16) >> (signe - 1) & 1)
+
+
 class EnService(Cas):
     def test_la_mort_du_serveur_se_dit_aussitot_et_reessayer_le_rallume(self):
         application = self.application(code=ORDINAIRE).lancer()
@@ -88,9 +94,7 @@ class Fermeture(Cas):
         application.suivre(subprocess.Popen(["nohup", application.executable], text=True, start_new_session=True,
                                             env=application.environnement(), stdout=subprocess.DEVNULL, stderr=subprocess.PIPE))
         application.attendre("page-affichee")
-        (ignores,) = [ligne.split()[1] for ligne in lire(f"/proc/{application.processus.pid}/status").decode().splitlines()
-                      if ligne.startswith("SigIgn:")]
-        self.assertTrue(int(ignores, 16) >> (signal.SIGHUP - 1) & 1)
+        self.assertTrue(est_masque(application.processus.pid, "SigIgn", signal.SIGHUP))
         self.assertEqual(application.quitter(), 0)
 
     def test_fermer_la_fenetre_prend_le_meme_chemin(self):
@@ -108,6 +112,17 @@ class Fermeture(Cas):
         self.assertEqual(application.attendre_la_fin(15), 0)
         self.assertFalse(os.path.exists(os.path.join(application.ressources, "keltrove/interrompu")))
         self.assertIn("Serveur fermé proprement", application.details("arret-fini")[0])
+
+    def test_ctrl_c_n_atteint_pas_les_programmes_de_la_page_meme_pendant_leur_lancement(self):
+        application = self.application(code=ORDINAIRE).lancer()
+        application.attendre("page-affichee")
+        programmes = application.enfants("WebKit") + application.enfants("xdg-dbus-proxy")
+        self.assertGreaterEqual(len(programmes), 2)
+        for pid in programmes:
+            for signe in (signal.SIGINT, signal.SIGHUP):
+                self.assertTrue(est_masque(pid, "SigBlk", signe), (commande(pid), signe))
+        self.assertFalse(est_masque(application.serveurs()[0], "SigBlk", signal.SIGINT))
+        self.assertEqual(application.quitter(signal.SIGINT), 0)
 
     def test_quitter_deux_fois_ne_demande_qu_un_arret(self):
         application = self.application(code=LENT_A_FINIR)

@@ -32,6 +32,7 @@ const servir = (port, hote) => http.createServer((_, r) => r.end('<meta name="ke
 class EssaiMoteur : public testing::Test {
 protected:
   ~EssaiMoteur() override {
+    moteur->quandLeServeurMeurt = nullptr; // ce qu’il touche a fini avec l’essai
     for (const auto pid : pids())
       ::kill(pid, SIGKILL);
     boucle->attendre([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; });
