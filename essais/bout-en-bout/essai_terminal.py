@@ -104,6 +104,16 @@ class Depot(Terminal):
 
 
 class Edition(Terminal):
+    def test_copier_sans_rien_de_selectionne_n_interrompt_pas_le_programme(self):
+        application = self.ouvrir()
+        taper("cat > recu\n")
+        self.attendre_le_fichier(application, "recu")
+        touches("ctrl+shift+c")
+        taper("toujours la\n")
+        touches("ctrl+d")
+        self.contenu(application, "recu", "toujours la\n")
+        application.quitter()
+
     def test_copier_prend_la_selection_du_terminal_et_coller_y_ecrit(self):
         application = self.ouvrir()
         taper("clear; yes mot-copie-du-terminal | head -45; touch ecrit\n")

@@ -166,6 +166,14 @@ essai('copier, tout sélectionner et coller, comme depuis un menu', async (page)
   assert.doesNotMatch(await page.texte(), /^collé/m);
 });
 
+essai('copier sans rien de sélectionné n’interrompt pas le programme', async (page) => {
+  await lancerUneLigne(page, 'cat');
+  await page.touche('Ctrl+Maj+C');
+  await lancerUneLigne(page, 'toujours là');
+  await page.attendreLeTexte('/toujours là *\\ntoujours là/');
+  assert.doesNotMatch(await page.texte(), /\^C/);
+});
+
 essai('les liens s’ouvrent ailleurs, d’un Ctrl+clic, et seulement vers le web ou le courrier', async (page) => {
   await lancerUneLigne(page, String.raw`clear; printf 'https://exemple.test/a?b=1\n\e]8;;mailto:moi@exemple.test\e\\courrier\e]8;;\e\\\n\e]8;;javascript:alert(1)\e\\piège\e]8;;\e\\\n\e]8;;file:///etc/passwd\e\\fichier\e]8;;\e\\\n'`);
   await page.attendreLeTexte('/^piège *\\nfichier/m');

@@ -40,7 +40,8 @@ async function trouverUnFichier(chemin, dossier) {
 export async function editer({ chemin, ligne, colonne, commande, dossier }) {
   const fichier = await trouverUnFichier(chemin, dossier);
   if (!fichier) return 'Ce fichier n’existe plus.';
-  const mots = decouper(typeof commande === 'string' && commande.trim() ? commande : COMMANDE_D_OFFICE);
+  const choisis = typeof commande === 'string' ? decouper(commande) : [];
+  const mots = choisis[0] ? choisis : decouper(COMMANDE_D_OFFICE);
   if (OUVREURS.test(basename(mots[0])) && (await pourraitSExecuter(fichier))) {
     return `« ${basename(fichier)} » pourrait s’exécuter en s’ouvrant. Choisissez un éditeur de texte dans les réglages.`;
   }

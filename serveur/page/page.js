@@ -62,7 +62,8 @@ const ouvrir = () => envoyer({ type: 'ouvrir', depuis: choisie()?.id, ...choisie
 
 const gestes = {
   b: () => envoyer({ type: 'accoler', id: choisie()?.id }),
-  c: () => document.execCommand('copy'),
+  // Sans rien à copier, cette commande rend faux ; la touche, elle, interromprait le programme.
+  c: () => void document.execCommand('copy'),
   d: () => diviser('colonnes'),
   e: () => diviser('lignes'),
   f: ouvrirLaRecherche,
