@@ -2,6 +2,7 @@
 
 #include "socle/Fil.hpp"
 
+#include <csignal>
 #include <system_error>
 #include <thread>
 
@@ -9,6 +10,10 @@
 
 namespace keltrove::bureau {
 namespace {
+
+// Les lancements en cours, et l’état du fil avant le premier.
+int lancements = 0;
+sigset_t avant;
 
 sigset_t signauxDuTerminal() {
   sigset_t signaux;
@@ -43,11 +48,11 @@ void retenirLesSignauxDuTerminal() {
 
 SignauxRendus::SignauxRendus() {
   const auto signaux = signauxDuTerminal();
-  ::pthread_sigmask(SIG_UNBLOCK, &signaux, &avant_);
+  if (lancements++ == 0) ::pthread_sigmask(SIG_UNBLOCK, &signaux, &avant);
 }
 
 SignauxRendus::~SignauxRendus() {
-  ::pthread_sigmask(SIG_SETMASK, &avant_, nullptr);
+  if (--lancements == 0) ::pthread_sigmask(SIG_SETMASK, &avant, nullptr);
 }
 
 } // namespace keltrove::bureau

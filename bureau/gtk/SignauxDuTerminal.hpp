@@ -6,24 +6,19 @@
 // signaux pour elle.
 #pragma once
 
-#include <csignal>
-
 namespace keltrove::bureau {
 
 // Avant tout autre fil, qui hériterait sinon de l’ancien état. Sans fil à donner, ne change rien.
 void retenirLesSignauxDuTerminal();
 
-// Rend ces signaux au fil appelant, le temps de lancer un programme de l’utilisateur, qui doit pouvoir les
-// recevoir.
+// Rend ces signaux au fil principal, le temps de lancer un programme de l’utilisateur, qui doit pouvoir les
+// recevoir. Plusieurs peuvent se chevaucher. Fil principal seulement.
 class SignauxRendus {
 public:
   SignauxRendus();
   SignauxRendus(const SignauxRendus&) = delete;
   SignauxRendus& operator=(const SignauxRendus&) = delete;
   ~SignauxRendus();
-
-private:
-  sigset_t avant_{};
 };
 
 } // namespace keltrove::bureau

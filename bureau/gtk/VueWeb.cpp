@@ -7,7 +7,6 @@
 #include "pont/PontNotifications.hpp"
 
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include <glibmm/main.h>
@@ -173,8 +172,8 @@ void VueWeb::garderLaPage() {
 // La page servie colle elle-même, depuis son menu ; rien d’autre n’est permis à personne.
 bool VueWeb::permettre(WebKitPermissionRequest* demande) {
   const char* adresse = webkit_web_view_get_uri(vue_);
-  if (!WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(demande) || adresse == nullptr || origine_.empty() ||
-      !std::string_view(adresse).starts_with(origine_ + "/"))
+  if (!WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(demande) || adresse == nullptr ||
+      fenetre::destinationDe(adresse, origine_) != fenetre::Destination::cetteFenetre)
     return false;
   webkit_permission_request_allow(demande);
   return true;
