@@ -104,7 +104,8 @@ class Commandes(Appels):
 
     def test_une_longue_commande_qui_finit_dans_l_ombre_dit_laquelle_et_comment(self):
         application = self.ouvrir(maison=self.maison())
-        self.poser(application, "long", "touch lancee; sleep 10; until [ -e va ]; do sleep .02; done; exit 2")
+        # Le serveur date ce qu’il lit : lu en retard, un début raccourcirait une commande d’à peine dix secondes.
+        self.poser(application, "long", "touch lancee; sleep 15; until [ -e va ]; do sleep .02; done; exit 2")
         taper("sh long\n")
         self.attendre_le_fichier(application, "lancee")
         touches("ctrl+shift+t")

@@ -41,10 +41,10 @@ class Depot(Cas):
     def vus(self, application, quoi):
         return [note for note in notes(application) if note[0] == quoi]
 
-    def deposer(self, application, *chemins):
+    def deposer(self, application, *chemins, vu=None):
         source = Source(self, "fichiers", *chemins)
         source.prendre()
-        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        source.mener(*CENTRE, vu or (lambda: self.vus(application, "survol")), "le survol")
         issue = source.lacher()
         attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
         return issue
@@ -53,14 +53,12 @@ class Depot(Cas):
         nom = "un nom d’été 'simple' \"double\" 100 %41 $HOME `date`\nà la ligne.txt"
         chemin = os.path.join(tempfile.mkdtemp(), nom)
         application = self.ouvrir_avec_accroches()
-        self.assertEqual(self.deposer(application, chemin), "fini")
-        ((_, chemins, x, y),) = self.vus(application, "depot")
-        self.assertEqual(chemins, [chemin])
         # La page commence sous le titre et les menus, et finit au bas de la fenêtre.
         (fenetre,) = fenetres(application)
-        self.assertEqual(self.vus(application, "survol")[-1][1:], [x, y])
         origine = self.origine_de_la_page(fenetre)
-        self.assertEqual((x + origine[0], y + origine[1]), CENTRE)
+        centre = [CENTRE[0] - origine[0], CENTRE[1] - origine[1]]
+        self.assertEqual(self.deposer(application, chemin, vu=lambda: ["survol", *centre] in notes(application)[-1:]), "fini")
+        self.assertEqual(self.vus(application, "depot"), [["depot", [chemin], *centre]])
         self.assertEqual(self.vus(application, "vue-par-la-page"), [], "la page elle-même ne voit rien du glissement")
         self.assertNotIn(["survol", None, None], notes(application), "aucune fin de survol après un dépôt")
         application.quitter()

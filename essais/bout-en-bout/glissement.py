@@ -51,16 +51,19 @@ class Source:
             souris("mousemove", "--window", self.fenetre, 60 - pas, 40 + pas)
 
     def mener(self, x, y, fini, quoi):
-        """Promène la chose autour d’un point de l’écran jusqu’à ce que la page, ou l’application, l’ait vue."""
+        """Promène la chose autour d’un point de l’écran jusqu’à ce que la page, ou l’application, l’y ait vue : une source
+        occupée ne redit pas sa dernière place, et le dépôt se fait à celle qu’elle a dite."""
+        souris("mousemove", x, y)
         tour = [0]
 
         def un_pas():
+            if tour[0] == 0 and fini():
+                return True
             tour[0] = 1 - tour[0]
             souris("mousemove", x + tour[0], y)
-            return fini()
+            return False
 
         attendre(un_pas, quoi=quoi)
-        souris("mousemove", x, y)
 
     def lacher(self):
         souris("mouseup", 1)
