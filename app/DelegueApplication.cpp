@@ -1,5 +1,6 @@
 #include "app/DelegueApplication.hpp"
 
+#include "fenetre/Menus.hpp"
 #include "socle/Journal.hpp"
 #include "socle/Reglages.hpp"
 
@@ -22,8 +23,9 @@ constexpr std::size_t verificationsALaFois = 4;
 } // namespace
 
 DelegueApplication::DelegueApplication(std::shared_ptr<moteur::MoteurServeur> moteur,
-                                       std::shared_ptr<socle::BoucleEvenements> boucle)
-    : moteur_(std::move(moteur)), boucle_(std::move(boucle)),
+                                       std::shared_ptr<socle::BoucleEvenements> boucle,
+                                       fenetre::Bureau& bureau)
+    : moteur_(std::move(moteur)), boucle_(std::move(boucle)), bureau_(bureau),
       arrierePlan_(KELTROVE_IDENTIFIANT ".utilitaire", verificationsALaFois),
       surveillance_(
           boucle_, arrierePlan_,
@@ -37,15 +39,14 @@ DelegueApplication::~DelegueApplication() {
   moteur_->quandLeServeurMeurt = nullptr;
 }
 
-void DelegueApplication::applicationDidFinishLaunching(fenetre::VueFenetre& vue,
-                                                       pont::CentreNotifications& centre) {
-  fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(vue, centre, *boucle_);
+void DelegueApplication::applicationDidFinishLaunching() {
+  fenetre_ = std::make_unique<fenetre::FenetrePrincipale>(bureau_, *boucle_);
   fenetre_->quandOnDemandeUnEssai = [this] { lancerLeDemarrage(false); };
   fenetre_->quandLaPageEstLa = [this] { surveillerDeNouveau(); };
-  fenetre::Menus::installer(vue, *fenetre_);
+  fenetre::Menus::installer(fenetre_->vue());
   fenetre_->ecran().montrerAttente("keltrove démarre…", "Je regarde si le serveur tourne déjà.");
   fenetre_->afficher();
-  if (!Reglages::modeEssai() && !Reglages::modeDiscret()) fenetre_->pont().demanderLaPermissionUneSeuleFois();
+  if (!Reglages::accessoire()) fenetre_->pont().demanderLaPermissionUneSeuleFois();
   moteur_->quandLeServeurMeurt = [this](const moteur::ErreurServeur& erreur) { quandLeServeurMeurt(erreur); };
   lancerLeDemarrage(true);
   programmerLaFin();
@@ -56,8 +57,15 @@ void DelegueApplication::programmerLaFin() {
   if (!(secondes > 0)) return;
   finProgrammee_ = boucle_->apres(secondes, [this] {
     Journal::etape("essai-quitte-tout-seul");
-    if (quandOnVeutQuitter) quandOnVeutQuitter();
+    bureau_.demanderLaFermeture();
   });
+}
+
+void DelegueApplication::quandOnNousRelance() {
+  if (fermetureEnCours_)
+    aRouvrir_ = true;
+  else
+    fenetre_->ramener();
 }
 
 void DelegueApplication::lancerLeDemarrage(bool premiereFois) {
@@ -70,9 +78,7 @@ void DelegueApplication::lancerLeDemarrage(bool premiereFois) {
       premiereFois ? "keltrove démarre…" : "Nouvel essai…",
       "Je regarde si le serveur tourne déjà. S’il dort, je l’allume et j’attends qu’il réponde.");
   Journal::etape("demarrage-demande");
-  moteur_->demarrer([this, existe = std::weak_ptr(existe_)](const moteur::Demarrage& issue) {
-    if (existe.lock()) quandLeDemarrageFinit(issue);
-  });
+  moteur_->demarrer(temoin_.garder([this](const moteur::Demarrage& issue) { quandLeDemarrageFinit(issue); }));
 }
 
 void DelegueApplication::quandLeDemarrageFinit(const moteur::Demarrage& issue) {

@@ -5,10 +5,12 @@
 #pragma once
 
 #include "app/Surveillance.hpp"
+#include "fenetre/Bureau.hpp"
 #include "fenetre/FenetrePrincipale.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/BoucleEvenements.hpp"
 #include "socle/FileDeTravail.hpp"
+#include "socle/Temoin.hpp"
 
 #include <deque>
 #include <functional>
@@ -20,24 +22,26 @@ namespace keltrove::app {
 // La réponse à une demande de fermeture.
 enum class ReponseFermeture {
   maintenant,
-  plusTard, // quandOnPeutPartir viendra
+  plusTard, // le bureau recevra partir()
 };
 
 class DelegueApplication {
 public:
+  // Le bureau survit au délégué.
   DelegueApplication(std::shared_ptr<moteur::MoteurServeur> moteur,
-                     std::shared_ptr<socle::BoucleEvenements> boucle);
+                     std::shared_ptr<socle::BoucleEvenements> boucle, fenetre::Bureau& bureau);
   DelegueApplication(const DelegueApplication&) = delete;
   DelegueApplication& operator=(const DelegueApplication&) = delete;
   ~DelegueApplication();
 
-  // Demande la fermeture de l’application : le bureau doit alors poser la question ci-dessous.
-  std::function<void()> quandOnVeutQuitter;
-  // La réponse définitive après un « plus tard » : le processus se termine aussitôt.
-  std::function<void()> quandOnPeutPartir;
+  // Une fois, dès que le système laisse créer une fenêtre.
+  void applicationDidFinishLaunching();
 
-  // Une fois, dès que la fenêtre native existe. La vue et le centre survivent au délégué.
-  void applicationDidFinishLaunching(fenetre::VueFenetre& vue, pont::CentreNotifications& centre);
+  // L’utilisateur relance l’application, qui tourne déjà : elle revient devant, ou se rouvrira une fois
+  // fermée.
+  void quandOnNousRelance();
+  // À lire quand tout est fini.
+  bool aRouvrir() const { return aRouvrir_; }
 
   // À chaque demande de fermeture : menu, fenêtre fermée, signal, fin de session. Une seconde demande pendant
   // l’attente ne relance rien.
@@ -62,15 +66,16 @@ private:
 
   const std::shared_ptr<moteur::MoteurServeur> moteur_;
   const std::shared_ptr<socle::BoucleEvenements> boucle_;
+  fenetre::Bureau& bureau_;
   socle::FileDeTravail arrierePlan_;
   std::unique_ptr<fenetre::FenetrePrincipale> fenetre_;
   Surveillance surveillance_;
   bool demarrageEnCours_ = false;
   bool fermetureEnCours_ = false;
+  bool aRouvrir_ = false;
   std::deque<socle::Minuteur> regardsSurLeMot_; // un par démarrage récent, dans l’ordre où ils auront lieu
   socle::Minuteur finProgrammee_;
-  // Les réponses du moteur peuvent arriver après le délégué.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  socle::Temoin temoin_; // les réponses du moteur peuvent arriver après le délégué
 };
 
 } // namespace keltrove::app

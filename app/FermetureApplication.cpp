@@ -21,11 +21,10 @@ ReponseFermeture DelegueApplication::applicationShouldTerminate() {
   fenetre_->ignorerLaPage();
   fenetre_->ecran().montrerAttente("Fermeture…",
                                    "Je laisse le serveur noter la liste des terminaux avant de partir.");
-  moteur_->arreter([this, existe = std::weak_ptr(existe_)](const std::string& message) {
-    if (!existe.lock()) return;
+  moteur_->arreter(temoin_.garder([this](const std::string& message) {
     Journal::etape("arret-fini", {{"message", message}});
-    if (quandOnPeutPartir) quandOnPeutPartir();
-  });
+    bureau_.partir();
+  }));
   return ReponseFermeture::plusTard;
 }
 

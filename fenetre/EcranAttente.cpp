@@ -2,6 +2,11 @@
 
 namespace keltrove::fenetre {
 
+EtatEcran::Clavier EtatEcran::clavier() const {
+  if (!visible) return Clavier::page;
+  return boutonReessayer ? Clavier::reessayer : Clavier::ecran;
+}
+
 void EcranAttente::montrerAttente(const std::string& titre, const std::string& phrase) {
   etat_ = {.roue = true, .titre = titre, .phrase = phrase, .detail = etat_.detail};
   dessiner();

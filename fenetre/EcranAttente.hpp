@@ -20,12 +20,18 @@ struct EtatEcran {
   std::string titre;
   std::string phrase;
   std::string conseil;
-  bool boutonReessayer = false; // la touche Entrée le presse
+  bool boutonReessayer = false; // la touche Entrée le presse, où que soit le clavier sur l’écran
+  std::string titreDuBoutonReessayer = "Réessayer";
   bool boutonDetail = false;
   std::string titreDuBoutonDetail = "Voir le détail";
   bool cadreDetail = false;
   std::string detail;
   bool operator==(const EtatEcran&) const = default;
+
+  // Qui reçoit le clavier quand l’état change, à moins qu’un autre élément que l’écran montre encore ne
+  // l’ait.
+  enum class Clavier { page, ecran, reessayer };
+  Clavier clavier() const;
 };
 
 class EcranAttente {

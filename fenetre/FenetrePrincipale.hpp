@@ -4,11 +4,13 @@
 // demandes d’essai à qui l’a créé. Fil principal seulement.
 #pragma once
 
+#include "fenetre/Bureau.hpp"
 #include "fenetre/ChargementDeLaPage.hpp"
 #include "fenetre/EcranAttente.hpp"
 #include "fenetre/VueFenetre.hpp"
 #include "pont/PontNotifications.hpp"
 #include "socle/BoucleEvenements.hpp"
+#include "socle/Temoin.hpp"
 
 #include <deque>
 #include <functional>
@@ -17,10 +19,10 @@
 
 namespace keltrove::fenetre {
 
-class FenetrePrincipale {
+class FenetrePrincipale final : ObservateurDeLaVue {
 public:
-  // La vue, le centre et la boucle survivent à la fenêtre.
-  FenetrePrincipale(VueFenetre& vue, pont::CentreNotifications& centre, socle::BoucleEvenements& boucle);
+  // Crée la fenêtre native, sans la montrer. Le bureau et la boucle lui survivent.
+  FenetrePrincipale(Bureau& bureau, socle::BoucleEvenements& boucle);
   FenetrePrincipale(const FenetrePrincipale&) = delete;
   FenetrePrincipale& operator=(const FenetrePrincipale&) = delete;
   ~FenetrePrincipale();
@@ -33,6 +35,8 @@ public:
 
   // Selon les modes : rien en mode essai, derrière en mode discret, devant sinon.
   void afficher();
+  // L’application et sa fenêtre devant les autres.
+  void ramener();
   void chargerLaPage(int port) { chargement_.charger(port); }
   void afficherBandeau(const std::string& texte, double secondes);
   void rechargerVraiment();
@@ -40,29 +44,41 @@ public:
   // À la fermeture : plus rien de ce qui arrive à la page ne change l’écran ni le journal.
   void ignorerLaPage();
 
+  VueFenetre& vue() { return *vue_; }
   ChargementDeLaPage& chargement() { return chargement_; }
   EcranAttente& ecran() { return ecran_; }
   pont::PontNotifications& pont() { return pont_; }
 
 private:
+  void quandNavigationCommence() override { chargement_.commencer(); }
+  void quandNavigationAvance() override { chargement_.avancer(); }
+  void quandNavigationFinie() override { chargement_.finir(); }
+  void quandNavigationRatee(const EchecDeNavigation& echec) override { chargement_.rater(echec); }
+  void quandOnReessaie() override { ecran_.reessayer(); }
+  void quandOnBasculeLeDetail() override { ecran_.basculerDetail(); }
+  void quandOnRecharge() override { rechargerVraiment(); }
+  void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) override;
+  void quandUnLienNeSOuvrePas(const std::string& adresse) override;
+  void quandLeRegardChange(bool ici) override;
+  void quandLeLecteurDEcranChange(const LecteurDEcran& lecteur) override;
+
   void montrerLaPage();
   void sonderLeContenu();
-  void noterLeLecteur(const LecteurDEcran& lecteur);
-  void direLeLecteur();
-  void faireLire(const std::optional<std::string>& corps);
   void signalerPageRatee(const std::string& raison);
+  void direALaPage(const std::string& expression);
 
-  VueFenetre& vue_;
+  Bureau& bureau_;
   socle::BoucleEvenements& boucle_;
   EcranAttente ecran_;
-  pont::PontNotifications pont_;
   LecteurDEcran lecteur_;
-  ChargementDeLaPage chargement_;
+  bool regardIci_ = false;
   bool pageIgnoree_ = false;
   socle::Minuteur minuteurBandeau_;
   std::deque<socle::Minuteur> sondesPrevues_; // une par page finie, dans l’ordre où elles auront lieu
-  // Une réponse de la page peut arriver après la fenêtre.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  std::unique_ptr<VueFenetre> vue_;
+  pont::PontNotifications pont_;
+  ChargementDeLaPage chargement_;
+  socle::Temoin temoin_; // une réponse de la page peut arriver après la fenêtre
 };
 
 } // namespace keltrove::fenetre

@@ -3,7 +3,6 @@
 #include "pont/TexteCourt.hpp"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace keltrove::fenetre {
 namespace {
@@ -19,10 +18,10 @@ std::string annonceALaPage(const LecteurDEcran& lecteur) {
                      lecteur.tourne, lecteur.voitLaPage);
 }
 
-std::optional<std::string> texteALire(const std::optional<std::string>& corps) {
-  if (!corps) return std::nullopt;
-  const auto texte =
-      pont::texteCourt(nlohmann::json::parse(*corps, nullptr, /* exceptions */ false), "", texteMaximal);
+std::optional<std::string> texteALire(const pont::MessageDeLaPage& message) {
+  const auto* ecrit = std::get_if<std::string>(&message);
+  if (ecrit == nullptr) return std::nullopt;
+  const auto texte = pont::texteCourt(*ecrit, "", texteMaximal);
   return texte.empty() ? std::nullopt : std::optional(texte);
 }
 

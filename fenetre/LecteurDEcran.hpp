@@ -1,6 +1,8 @@
 // LecteurDEcran : le lecteur d’écran du bureau, et ce que la page doit en savoir.
 #pragma once
 
+#include "pont/MessageDeLaPage.hpp"
+
 #include <optional>
 #include <string>
 
@@ -20,6 +22,6 @@ inline constexpr const char* canalDuLecteur = "keltroveLecteur";
 
 // Le texte à lire, d’un message de ce canal : bref, car un lecteur ne se laisse pas couper ; rien si le
 // message n’est pas un texte.
-std::optional<std::string> texteALire(const std::optional<std::string>& corps);
+std::optional<std::string> texteALire(const pont::MessageDeLaPage& message);
 
 } // namespace keltrove::fenetre

@@ -1,8 +1,47 @@
 #include "fenetre/Menus.hpp"
 
-#include "fenetre/FenetrePrincipale.hpp"
-
 namespace keltrove::fenetre::Menus {
+
+const char* nomDe(Action action) {
+  using enum Action;
+  switch (action) {
+  case orderFrontStandardAboutPanel:
+    return "orderFrontStandardAboutPanel";
+  case hide:
+    return "hide";
+  case hideOtherApplications:
+    return "hideOtherApplications";
+  case unhideAllApplications:
+    return "unhideAllApplications";
+  case terminate:
+    return "terminate";
+  case undo:
+    return "undo";
+  case redo:
+    return "redo";
+  case cut:
+    return "cut";
+  case copy:
+    return "copy";
+  case paste:
+    return "paste";
+  case pasteAsPlainText:
+    return "pasteAsPlainText";
+  case selectAll:
+    return "selectAll";
+  case rechargerVraiment:
+    return "rechargerVraiment";
+  case toggleFullScreen:
+    return "toggleFullScreen";
+  case performMiniaturize:
+    return "performMiniaturize";
+  case performClose:
+    return "performClose";
+  case arrangeInFront:
+    return "arrangeInFront";
+  }
+  return "";
+}
 
 const std::vector<Menu>& barre() {
   static const std::vector<Menu> menus{
@@ -15,7 +54,8 @@ const std::vector<Menu>& barre() {
            Article{"Tout afficher", {}, Action::unhideAllApplications},
            Separateur{},
            Article{"Quitter Keltrove", Raccourci{'q'}, Action::terminate},
-       }},
+       },
+       Role::application},
       {"Édition",
        {
            Article{"Annuler", Raccourci{'z'}, Action::undo},
@@ -40,13 +80,13 @@ const std::vector<Menu>& barre() {
            Article{"Fermer", Raccourci{'w'}, Action::performClose},
            Separateur{},
            Article{"Tout ramener au premier plan", {}, Action::arrangeInFront},
-       }},
+       },
+       Role::fenetres},
   };
   return menus;
 }
 
-void installer(VueFenetre& vue, FenetrePrincipale& cible) {
-  vue.quandOnRecharge = [&cible] { cible.rechargerVraiment(); };
+void installer(VueFenetre& vue) {
   vue.poserLesMenus(barre());
 }
 

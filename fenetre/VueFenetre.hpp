@@ -1,13 +1,15 @@
-// VueFenetre : la fenêtre native et sa vue web, vues du comportement.
+// VueFenetre : la fenêtre native et sa vue web, vues du comportement ; ObservateurDeLaVue, l’inverse.
 //
 // Chaque bureau en écrit une, aussi mince que possible : elle dessine les valeurs qu’on lui donne et rapporte
 // ce qui arrive. Fil principal seulement.
 #pragma once
 
+#include "fenetre/ArticlesDeMenu.hpp"
 #include "fenetre/EcranAttente.hpp"
 #include "fenetre/LecteurDEcran.hpp"
-#include "fenetre/Menus.hpp"
+#include "pont/MessageDeLaPage.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,6 +28,31 @@ struct EchecDeNavigation {
   std::string description; // le texte du système
 };
 
+// Ce que la vue rapporte, dès qu’elle existe et jusqu’à sa fin.
+class ObservateurDeLaVue {
+public:
+  // Une navigation ratée n’est jamais rapportée comme finie.
+  virtual void quandNavigationCommence() = 0;
+  virtual void quandNavigationAvance() = 0;
+  virtual void quandNavigationFinie() = 0;
+  virtual void quandNavigationRatee(const EchecDeNavigation& echec) = 0;
+
+  virtual void quandOnReessaie() = 0;
+  virtual void quandOnBasculeLeDetail() = 0;
+  virtual void quandOnRecharge() = 0;
+
+  virtual void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) = 0;
+  // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
+  virtual void quandUnLienNeSOuvrePas(const std::string& adresse) = 0;
+  // L’utilisateur est-il devant l’application, fût-ce dans un de ses menus ou une de ses boîtes ?
+  virtual void quandLeRegardChange(bool ici) = 0;
+  // Dès qu’on le sait, puis quand cela change.
+  virtual void quandLeLecteurDEcranChange(const LecteurDEcran& lecteur) = 0;
+
+protected:
+  ~ObservateurDeLaVue() = default;
+};
+
 class VueFenetre {
 public:
   virtual ~VueFenetre() = default;
@@ -34,16 +61,18 @@ public:
   virtual void dessiner(const EtatBandeau& etat) = 0;
 
   // Traduit la table en menus et raccourcis du système, une fois. Chaque action va à qui a le clavier, et
-  // reste grisée quand elle ne peut rien ; seule « rechargerVraiment » revient par quandOnRecharge, «
-  // terminate » prend le chemin ordinaire de la fermeture.
+  // reste grisée quand elle ne peut rien ; seule « rechargerVraiment » va à l’observateur, et « terminate »
+  // prend le chemin ordinaire de la fermeture.
   virtual void poserLesMenus(const std::vector<Menus::Menu>& menus) = 0;
 
-  // Montre la fenêtre devant les autres, avec le clavier.
+  // Montre la fenêtre devant les autres de l’application, avec le clavier.
   virtual void mettreDevant() = 0;
   // Montre la fenêtre derrière les autres, sans le clavier ; rend son numéro, 0 si le système n’en donne pas.
-  virtual unsigned long mettreDerriere() = 0;
+  virtual std::int64_t mettreDerriere() = 0;
 
-  // Charge l’adresse sans rien prendre d’aucun cache. Remplace le chargement en cours.
+  // Demande l’adresse par GET, sans rien prendre d’aucun cache ni ajouter d’en-tête qui compte pour le
+  // serveur. Remplace le chargement en cours. L’observateur de la vue tient lui-même le délai de soixante
+  // secondes : la vue peut avoir le sien, jamais plus court.
   virtual void charger(const std::string& adresse) = 0;
   virtual void arreterLeChargement() = 0;
   // Évalue une expression dans la page ; rend sa valeur si c’est un texte, rien sinon ou en cas d’erreur.
@@ -51,22 +80,7 @@ public:
                        std::function<void(std::optional<std::string>)> fini) = 0;
 
   // Fait lire ce texte au lecteur d’écran ; un bureau qui ne le sait pas n’en fait rien.
-  virtual void annoncer(const std::string& /*texte*/) {}
-
-  // Ce que la vue rapporte. Une navigation ratée n’est jamais rapportée comme finie.
-  std::function<void()> quandNavigationCommence;
-  std::function<void()> quandNavigationAvance;
-  std::function<void()> quandNavigationFinie;
-  std::function<void(const EchecDeNavigation&)> quandNavigationRatee;
-  std::function<void()> quandOnReessaie;
-  std::function<void()> quandOnBasculeLeDetail;
-  std::function<void()> quandOnRecharge;
-  // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
-  std::function<void(const std::string& adresse)> quandUnLienNeSOuvrePas;
-  // Dès qu’on le sait, puis quand cela change.
-  std::function<void(const LecteurDEcran& lecteur)> quandLeLecteurDEcranChange;
-  // Un message de la page : le canal, et son corps en JSON s’il en a un.
-  std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
+  virtual void annoncer(const std::string& texte) = 0;
 };
 
 } // namespace keltrove::fenetre

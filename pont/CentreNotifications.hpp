@@ -22,7 +22,7 @@ struct Notification {
   std::string identifiant; // celle du même identifiant est remplacée
   std::string titre;       // texte simple, à montrer tel quel
   std::string corps;       // texte simple, à montrer tel quel
-  std::string idTerminal;  // vide : aucun terminal
+  std::optional<std::string> terminal;
   bool operator==(const Notification&) const = default;
 };
 
@@ -33,9 +33,13 @@ struct Refusee {
 struct CentreAbsent {};
 using Remise = std::variant<Posee, Refusee, CentreAbsent>;
 
-// Sans délégué, rien n’est montré tant que l’application est devant, et un clic ne va nulle part.
-struct DelegueDuCentre {
-  std::function<void(const std::string& idTerminal)> quandOnClique;
+// Qui décide de ce qu’un clic fait.
+class DelegueDuCentre {
+public:
+  virtual void quandOnClique(const std::optional<std::string>& terminal) = 0;
+
+protected:
+  ~DelegueDuCentre() = default;
 };
 
 class CentreNotifications {
@@ -53,7 +57,9 @@ public:
   // Retient pour toujours un drapeau levé, sous ce nom.
   virtual void retenir(const std::string& drapeau) = 0;
 
-  std::optional<DelegueDuCentre> delegue;
+  // Sans délégué, un clic ne va nulle part, et rien n’est montré tant que l’application est devant. Nul pour
+  // n’en plus avoir.
+  virtual void deleguerA(DelegueDuCentre* delegue) = 0;
 };
 
 } // namespace keltrove::pont

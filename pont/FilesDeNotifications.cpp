@@ -10,48 +10,42 @@ constexpr std::size_t attentesSansTerminal = 16;
 // Tous les services ne disent pas quand ils cessent de montrer.
 constexpr std::size_t montreesMaximales = 256;
 
-std::string nomDeLaFile(const Notification& notification) {
-  return notification.idTerminal.empty() ? "" : notification.identifiant;
-}
-
 } // namespace
 
-void FilesDeNotifications::ajouter(const Notification& notification,
+void FilesDeNotifications::ajouter(const Notification& notification, bool applicationDevant,
                                    std::function<void(const Remise&)> fini) {
-  const auto nom = nomDeLaFile(notification);
-  auto& file = files_[nom];
-  if (!file.envoiEnCours) return envoyer(nom, {notification, std::move(fini)});
-  const std::size_t maximum = nom.empty() ? attentesSansTerminal : 1;
+  if (delegue_ == nullptr && applicationDevant) return fini(Posee{});
+  auto& file = files_[notification.terminal];
+  if (!file.envoiEnCours) return envoyer({notification, std::move(fini)});
+  const std::size_t maximum = notification.terminal ? 1 : attentesSansTerminal;
   if (file.attente.size() == maximum) file.attente.pop_front();
   file.attente.push_back({notification, std::move(fini)});
 }
 
-void FilesDeNotifications::envoyer(const std::string& nom, Demande demande) {
-  files_[nom].envoiEnCours = true;
+void FilesDeNotifications::envoyer(Demande demande) {
   const auto notification = demande.notification;
+  files_[notification.terminal].envoiEnCours = true;
   const auto remplace = numeroDe(notification.identifiant);
   envoyer_(notification, remplace,
-           [this, nom, epoque = epoque_, demande = std::move(demande)](const Issue& issue) {
+           [this, epoque = epoque_, demande = std::move(demande)](const Issue& issue) {
              const bool perime = epoque != epoque_;
-             quandLEnvoiFinit(nom, demande, perime ? Issue{issue.remise, 0} : issue);
+             quandLEnvoiFinit(demande, perime ? Issue{issue.remise, 0} : issue);
            });
 }
 
-void FilesDeNotifications::quandLEnvoiFinit(const std::string& nom, const Demande& demande,
-                                            const Issue& issue) {
-  const auto& [identifiant, titre, corps, idTerminal] = demande.notification;
+void FilesDeNotifications::quandLEnvoiFinit(const Demande& demande, const Issue& issue) {
   if (issue.numero != 0) {
-    oublier(numeroDe(identifiant));
-    montrees_[issue.numero] = {identifiant, idTerminal};
+    oublier(numeroDe(demande.notification.identifiant));
+    montrees_[issue.numero] = demande.notification;
     if (montrees_.size() > montreesMaximales) montrees_.erase(montrees_.begin());
   }
-  auto& file = files_[nom];
+  auto& file = files_[demande.notification.terminal];
   if (file.attente.empty()) {
-    files_.erase(nom);
+    files_.erase(demande.notification.terminal);
   } else {
     auto suivante = std::move(file.attente.front());
     file.attente.pop_front();
-    envoyer(nom, std::move(suivante));
+    envoyer(std::move(suivante));
   }
   if (demande.fini) demande.fini(issue.remise);
 }
@@ -65,9 +59,12 @@ void FilesDeNotifications::toutOublier() {
   ++epoque_;
 }
 
-std::optional<std::string> FilesDeNotifications::terminalDe(Numero numero) const {
-  const auto montree = montrees_.find(numero);
-  return montree != montrees_.end() ? std::optional(montree->second.idTerminal) : std::nullopt;
+bool FilesDeNotifications::meneQuelquePart(Numero numero) const {
+  return delegue_ != nullptr && montrees_.contains(numero);
+}
+
+void FilesDeNotifications::cliquer(Numero numero) const {
+  if (meneQuelquePart(numero)) delegue_->quandOnClique(montrees_.at(numero).terminal);
 }
 
 FilesDeNotifications::Numero FilesDeNotifications::numeroDe(const std::string& identifiant) const {

@@ -1,9 +1,9 @@
-// FilesDeNotifications : une page bavarde n’inonde pas le service de notification.
+// FilesDeNotifications : ce qu’un centre de notifications ajoute à un service qui montre tout, aussitôt.
 //
-// Un seul envoi à la fois par identifiant ; tant qu’il dure, les suivants attendent et seul le plus récent
-// part. Les notifications sans terminal, qui ne se remplacent jamais, partent l’une après l’autre et
-// n’attendent qu’à quelques- unes. Retient aussi ce que le service montre encore, pour l’y remplacer. Fil
-// principal seulement.
+// Une page bavarde n’inonde pas le service : un seul envoi à la fois par terminal ; tant qu’il dure, les
+// suivants attendent et seul le plus récent part. Les notifications sans terminal, qui ne se remplacent
+// jamais, partent l’une après l’autre et n’attendent qu’à quelques-unes. Ce que le service montre encore est
+// retenu, pour l’y remplacer et savoir où mène un clic. Fil principal seulement.
 #pragma once
 
 #include "pont/CentreNotifications.hpp"
@@ -32,14 +32,19 @@ public:
 
   explicit FilesDeNotifications(Envoi envoyer) : envoyer_(std::move(envoyer)) {}
 
-  void ajouter(const Notification& notification, std::function<void(const Remise&)> fini);
+  // Sans délégué, ce qui vient pendant que l’application est devant compte pour posé sans être montré.
+  void ajouter(const Notification& notification, bool applicationDevant,
+               std::function<void(const Remise&)> fini);
+
+  void deleguerA(DelegueDuCentre* delegue) { delegue_ = delegue; }
+  // Un clic sur ce numéro mènerait-il quelque part ?
+  bool meneQuelquePart(Numero numero) const;
+  void cliquer(Numero numero) const;
 
   // Le service ne montre plus cette notification.
   void oublier(Numero numero);
   // Le service est parti ou a redémarré : ses numéros ne veulent plus rien dire.
   void toutOublier();
-  // Le terminal d’une notification montrée ; rien si elle n’est pas à nous.
-  std::optional<std::string> terminalDe(Numero numero) const;
 
 private:
   struct Demande {
@@ -50,18 +55,15 @@ private:
     bool envoiEnCours = false;
     std::deque<Demande> attente;
   };
-  struct Montree {
-    std::string identifiant;
-    std::string idTerminal;
-  };
 
-  void envoyer(const std::string& nom, Demande demande);
-  void quandLEnvoiFinit(const std::string& nom, const Demande& demande, const Issue& issue);
+  void envoyer(Demande demande);
+  void quandLEnvoiFinit(const Demande& demande, const Issue& issue);
   Numero numeroDe(const std::string& identifiant) const;
 
   Envoi envoyer_;
-  std::map<std::string, File> files_;
-  std::map<Numero, Montree> montrees_;
+  DelegueDuCentre* delegue_ = nullptr;
+  std::map<std::optional<std::string>, File> files_; // une par terminal, et une pour toutes les autres
+  std::map<Numero, Notification> montrees_;
   // Un envoi parti avant un redémarrage du service rapporte un numéro qui n’existe plus.
   int epoque_ = 0;
 };

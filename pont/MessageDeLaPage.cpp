@@ -48,12 +48,20 @@ std::string sansMoitieSeule(std::string_view json) {
 
 } // namespace
 
-nlohmann::json lireLeMessage(const std::optional<std::string>& corps) {
-  if (!corps) return {};
-  auto message = nlohmann::json::parse(sansMoitieSeule(*corps), nullptr, /* exceptions */ false);
-  // Copier un objet très imbriqué épuiserait la pile.
-  if (!message.is_object()) message = nullptr;
-  return message;
+std::optional<std::string> ObjetDeLaPage::texte(const std::string& nom) const {
+  const auto trouve = textes.find(nom);
+  return trouve != textes.end() ? std::optional(trouve->second) : std::nullopt;
+}
+
+MessageDeLaPage lireLeMessage(const std::optional<std::string>& json) {
+  if (!json) return Illisible{};
+  const auto lu = nlohmann::json::parse(sansMoitieSeule(*json), nullptr, /* exceptions */ false);
+  if (lu.is_string()) return lu.get<std::string>();
+  if (!lu.is_object()) return Illisible{};
+  ObjetDeLaPage objet{.textes = {}, .forme = *json};
+  for (const auto& [nom, valeur] : lu.items())
+    if (valeur.is_string()) objet.textes[nom] = valeur.get<std::string>();
+  return objet;
 }
 
 } // namespace keltrove::pont

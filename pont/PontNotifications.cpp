@@ -1,16 +1,10 @@
 #include "pont/PontNotifications.hpp"
 
 #include "pont/EnJavaScript.hpp"
-#include "pont/MessageDeLaPage.hpp"
 #include "pont/TexteCourt.hpp"
 #include "socle/Identifiant.hpp"
 
-#include <nlohmann/json.hpp>
-
 namespace keltrove::pont {
-
-using nlohmann::json;
-
 namespace {
 
 constexpr const char* titreParDefaut = "keltrove";
@@ -23,14 +17,10 @@ std::string appel(const char* fonction, std::string_view argument) {
          enJavaScript(argument) + ");";
 }
 
-std::string texteDe(const json& message, const char* cle) {
-  const auto valeur = message.find(cle);
-  return valeur != message.end() && valeur->is_string() ? valeur->get<std::string>() : "";
-}
-
-std::string texteCourtDe(const json& message, const char* cle, const char* parDefaut, std::size_t maximum) {
-  const auto valeur = message.find(cle);
-  return valeur != message.end() ? texteCourt(*valeur, parDefaut, maximum) : parDefaut;
+// La page dit « aucun terminal » en le taisant ou d’un texte vide.
+std::optional<std::string> terminalDe(const ObjetDeLaPage& message) {
+  auto terminal = message.texte("id");
+  return terminal && !terminal->empty() ? terminal : std::nullopt;
 }
 
 } // namespace
@@ -39,19 +29,18 @@ PontNotifications::PontNotifications(CentreNotifications& centre, socle::BoucleE
     : centre_(centre), boucle_(boucle) {}
 
 PontNotifications::~PontNotifications() {
-  centre_.delegue.reset();
+  centre_.deleguerA(nullptr);
 }
 
-void PontNotifications::userContentController(std::string_view canal,
-                                              const std::optional<std::string>& corps) {
+void PontNotifications::userContentController(std::string_view canal, const MessageDeLaPage& message) {
   if (canal != nomDuCanal) return;
-  const auto message = lireLeMessage(corps);
-  if (message.is_null()) return tracer("message du pont illisible");
-  tracer("message reçu de la page : " + *corps);
-  const auto action = texteDe(message, "action");
+  const auto* objet = std::get_if<ObjetDeLaPage>(&message);
+  if (objet == nullptr) return tracer("message du pont illisible");
+  tracer("message reçu de la page : " + objet->forme);
+  const auto action = objet->texte("action");
   if (action == "notifier")
-    poser(texteDe(message, "id"), texteCourtDe(message, "titre", titreParDefaut, titreMaximal),
-          texteCourtDe(message, "corps", corpsParDefaut, corpsMaximal));
+    poser(terminalDe(*objet), texteCourt(objet->texte("titre"), titreParDefaut, titreMaximal),
+          texteCourt(objet->texte("corps"), corpsParDefaut, corpsMaximal));
   else if (action == "etat")
     redireLEtat();
   else if (action == "reglages")
@@ -59,21 +48,17 @@ void PontNotifications::userContentController(std::string_view canal,
 }
 
 void PontNotifications::demanderLaPermissionUneSeuleFois() {
-  centre_.delegue = DelegueDuCentre{[this](const std::string& idTerminal) { quandOnClique(idTerminal); }};
-  centre_.lireLesReglages([this, existe = std::weak_ptr(existe_)](Autorisation autorisation) {
-    if (!existe.lock()) return;
+  centre_.deleguerA(this);
+  centre_.lireLesReglages(temoin_.garder([this](Autorisation autorisation) {
     if (autorisation != Autorisation::indeterminee) return quandLAutorisationEstLue(autorisation);
     centre_.retenir(KELTROVE_IDENTIFIANT ".permissionDejaDemandee");
-    centre_.demanderLAutorisation([this, existe](bool accordee) {
-      if (existe.lock()) direLAccord(accordee);
-    });
-  });
+    centre_.demanderLAutorisation(temoin_.garder([this](bool accordee) { direLAccord(accordee); }));
+  }));
 }
 
 void PontNotifications::redireLEtat() {
-  centre_.lireLesReglages([this, existe = std::weak_ptr(existe_)](Autorisation autorisation) {
-    if (existe.lock()) quandLAutorisationEstLue(autorisation);
-  });
+  centre_.lireLesReglages(
+      temoin_.garder([this](Autorisation autorisation) { quandLAutorisationEstLue(autorisation); }));
 }
 
 void PontNotifications::quandLAutorisationEstLue(Autorisation autorisation) {
@@ -98,30 +83,23 @@ void PontNotifications::direLEtat(const char* etat) {
   executerDansLaPage(appel("etat", etat));
 }
 
-void PontNotifications::poser(const std::string& idTerminal, const std::string& titre,
+void PontNotifications::poser(const std::optional<std::string>& terminal, const std::string& titre,
                               const std::string& corps) {
-  const Notification notification{
-      .identifiant = "keltrove-" + (idTerminal.empty() ? socle::identifiantAuHasard() : idTerminal),
-      .titre = titre,
-      .corps = corps,
-      .idTerminal = idTerminal,
-  };
-  centre_.ajouter(notification, [this, identifiant = notification.identifiant,
-                                 existe = std::weak_ptr(existe_)](const Remise& remise) {
-    if (!existe.lock()) return;
-    if (const auto* refus = std::get_if<Refusee>(&remise))
-      tracer("le Mac a refusé la notification : " + refus->description);
-    else if (std::holds_alternative<Posee>(remise))
-      tracer("notification posée : " + identifiant);
-  });
+  const auto identifiant = "keltrove-" + (terminal ? *terminal : socle::identifiantAuHasard());
+  centre_.ajouter({.identifiant = identifiant, .titre = titre, .corps = corps, .terminal = terminal},
+                  temoin_.garder([this, identifiant](const Remise& remise) {
+                    if (const auto* refus = std::get_if<Refusee>(&remise))
+                      tracer("le Mac a refusé la notification : " + refus->description);
+                    else if (std::holds_alternative<Posee>(remise))
+                      tracer("notification posée : " + identifiant);
+                  }));
 }
 
-void PontNotifications::quandOnClique(const std::string& idTerminal) {
-  boucle_.poster([this, idTerminal, existe = std::weak_ptr(existe_)] {
-    if (!existe.lock()) return;
+void PontNotifications::quandOnClique(const std::optional<std::string>& terminal) {
+  boucle_.poster(temoin_.garder([this, terminal] {
     if (activer) activer();
-    if (!idTerminal.empty()) executerDansLaPage(appel("ouvrir", idTerminal));
-  });
+    if (terminal) executerDansLaPage(appel("ouvrir", *terminal));
+  }));
 }
 
 void PontNotifications::ouvrirLesReglagesDeNotification() {
@@ -129,9 +107,9 @@ void PontNotifications::ouvrirLesReglagesDeNotification() {
 }
 
 void PontNotifications::executerDansLaPage(const std::string& ligne) {
-  boucle_.poster([this, ligne, existe = std::weak_ptr(existe_)] {
-    if (existe.lock() && vue) vue(ligne);
-  });
+  boucle_.poster(temoin_.garder([this, ligne] {
+    if (vue) vue(ligne);
+  }));
 }
 
 void PontNotifications::tracer(const std::string& ligne) const {

@@ -6,17 +6,18 @@
 #pragma once
 
 #include "pont/CentreNotifications.hpp"
+#include "pont/MessageDeLaPage.hpp"
 #include "socle/BoucleEvenements.hpp"
+#include "socle/Temoin.hpp"
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace keltrove::pont {
 
-class PontNotifications {
+class PontNotifications final : DelegueDuCentre {
 public:
   // Le nom sous lequel la page écrit : window.webkit.messageHandlers.keltroveNotifications.
   static constexpr const char* nomDuCanal = "keltroveNotifications";
@@ -37,17 +38,16 @@ public:
   // La dernière réponse connue. Rien ne la lit : poser une notification ne la consulte pas.
   bool permissionAccordee() const { return permissionAccordee_; }
 
-  // Un message de la page : le canal, et le corps en JSON ; aucun si le corps n’en a pas.
-  void userContentController(std::string_view canal, const std::optional<std::string>& corps);
+  void userContentController(std::string_view canal, const MessageDeLaPage& message);
   // Au lancement, une fois. C’est ici seulement que le pont devient le délégué du centre.
   void demanderLaPermissionUneSeuleFois();
   void redireLEtat();
-  void poser(const std::string& idTerminal, const std::string& titre, const std::string& corps);
+  void poser(const std::optional<std::string>& terminal, const std::string& titre, const std::string& corps);
   void ouvrirLesReglagesDeNotification();
   void executerDansLaPage(const std::string& ligne);
 
 private:
-  void quandOnClique(const std::string& idTerminal);
+  void quandOnClique(const std::optional<std::string>& terminal) override;
   void quandLAutorisationEstLue(Autorisation autorisation);
   void direLEtat(const char* etat);
   void direLAccord(bool accorde);
@@ -57,7 +57,7 @@ private:
   socle::BoucleEvenements& boucle_;
   bool permissionAccordee_ = false;
   // Les réponses du centre peuvent arriver après le pont.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  socle::Temoin temoin_;
 };
 
 } // namespace keltrove::pont

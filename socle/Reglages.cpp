@@ -73,6 +73,9 @@ bool modeEssai() {
 bool modeDiscret() {
   return vautUn("KELTROVE_DISCRET");
 }
+bool accessoire() {
+  return modeEssai() || modeDiscret();
+}
 
 std::string cheminEtatEssai() {
   return dansLeDossierCache("keltrove-app-etat.json");

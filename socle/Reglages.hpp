@@ -19,6 +19,8 @@ std::string maison();
 // KELTROVE_ESSAI et KELTROVE_DISCRET : vrais exactement pour « 1 ».
 bool modeEssai();
 bool modeDiscret();
+// L’un ou l’autre : une application d’appoint, qui n’est pas celle de l’utilisateur et ne le consulte pas.
+bool accessoire();
 
 std::string cheminEtatEssai();
 std::string cheminJeton();

@@ -10,7 +10,8 @@
 
 namespace keltrove::bureau {
 
-using fenetre::Menus::Action;
+namespace Menus = fenetre::Menus;
+using Menus::Action;
 
 // Une action d’édition, sous le nom que WebKit et les éléments de GTK lui donnent.
 struct Edition {
@@ -41,27 +42,23 @@ bool leTextePermet(Gtk::Widget* focus, Action action) {
 
 } // namespace
 
-ActionsGtk::ActionsGtk(Gtk::ApplicationWindow& fenetre, MenusGtk& menus, VueWeb& vueWeb)
-    : fenetre_(fenetre), menus_(menus), vueWeb_(vueWeb) {
+ActionsGtk::ActionsGtk(Gtk::ApplicationWindow& fenetre, MenusGtk& menus, VueWeb& vueWeb, Effets effets)
+    : fenetre_(fenetre), menus_(menus), vueWeb_(vueWeb), effets_(std::move(effets)) {
   ajouterCellesDeLaFenetre();
   for (const auto& edition : editions)
-    fenetre_.add_action(nomDe(edition.action), [this, &edition] { editer(edition); });
+    fenetre_.add_action(Menus::nomDe(edition.action), [this, &edition] { editer(edition); });
   menus_.quandUnMenuSOuvre = [this] { valider(); };
   menus_.quandLesMenusSeFerment = [this] { toutPermettre(); };
 }
 
 void ActionsGtk::ajouterCellesDeLaFenetre() {
   const auto ajouter = [this](Action action, std::function<void()> faire) {
-    fenetre_.add_action(nomDe(action), [faire = std::move(faire)] { faire(); });
+    fenetre_.add_action(Menus::nomDe(action), [faire = std::move(faire)] { faire(); });
   };
   ajouter(Action::orderFrontStandardAboutPanel, [this] { montrerAPropos(); });
   ajouter(Action::hide, [this] { fenetre_.minimize(); });
-  ajouter(Action::terminate, [this] {
-    if (quandOnQuitte) quandOnQuitte();
-  });
-  ajouter(Action::rechargerVraiment, [this] {
-    if (quandOnRecharge) quandOnRecharge();
-  });
+  ajouter(Action::terminate, effets_.quitter);
+  ajouter(Action::rechargerVraiment, effets_.recharger);
   ajouter(Action::toggleFullScreen, [this] {
     if (fenetre_.is_fullscreen())
       fenetre_.unfullscreen();
@@ -94,9 +91,9 @@ void ActionsGtk::valider() {
       permettre(edition, false);
       continue;
     }
-    vueWeb_.siLEditionPeut(edition.commande, [this, &edition, existe = std::weak_ptr(existe_)](bool peut) {
-      if (existe.lock() && menuOuvert_) permettre(edition, peut);
-    });
+    vueWeb_.siLEditionPeut(edition.commande, temoin_.garder([this, &edition](bool peut) {
+      if (menuOuvert_) permettre(edition, peut);
+    }));
   }
 }
 
@@ -107,7 +104,7 @@ void ActionsGtk::toutPermettre() {
 }
 
 void ActionsGtk::permettre(const Edition& edition, bool oui) {
-  const auto action = fenetre_.lookup_action(nomDe(edition.action));
+  const auto action = fenetre_.lookup_action(Menus::nomDe(edition.action));
   std::dynamic_pointer_cast<Gio::SimpleAction>(action)->set_enabled(oui);
 }
 
@@ -119,7 +116,7 @@ bool ActionsGtk::ilYADeQuoiColler() const {
 void ActionsGtk::montrerAPropos() {
   if (!aPropos_) {
     aPropos_ = std::make_unique<AProposGtk>(fenetre_);
-    if (quandUneBoiteSOuvre) quandUneBoiteSOuvre(*aPropos_);
+    effets_.boiteOuverte(*aPropos_);
   }
   aPropos_->present();
 }

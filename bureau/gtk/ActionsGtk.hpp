@@ -8,6 +8,7 @@
 #include "bureau/gtk/AProposGtk.hpp"
 #include "bureau/gtk/MenusGtk.hpp"
 #include "bureau/gtk/VueWeb.hpp"
+#include "socle/Temoin.hpp"
 
 #include <functional>
 #include <memory>
@@ -20,11 +21,12 @@ struct Edition;
 
 class ActionsGtk {
 public:
-  ActionsGtk(Gtk::ApplicationWindow& fenetre, MenusGtk& menus, VueWeb& vueWeb);
-
-  std::function<void()> quandOnQuitte;
-  std::function<void()> quandOnRecharge;
-  std::function<void(Gtk::Window&)> quandUneBoiteSOuvre; // une fois chacune
+  struct Effets {
+    std::function<void()> recharger;
+    std::function<void()> quitter;
+    std::function<void(Gtk::Window&)> boiteOuverte; // une fois chacune
+  };
+  ActionsGtk(Gtk::ApplicationWindow& fenetre, MenusGtk& menus, VueWeb& vueWeb, Effets effets);
 
 private:
   void ajouterCellesDeLaFenetre();
@@ -38,10 +40,10 @@ private:
   Gtk::ApplicationWindow& fenetre_;
   MenusGtk& menus_;
   VueWeb& vueWeb_;
+  const Effets effets_;
   std::unique_ptr<AProposGtk> aPropos_;
   bool menuOuvert_ = false;
-  // Une réponse de la page peut arriver après nous.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  socle::Temoin temoin_; // une réponse de la page peut arriver après nous
 };
 
 } // namespace keltrove::bureau

@@ -14,7 +14,7 @@ namespace Reglages = socle::Reglages;
 using Partage = Gio::Application::Flags;
 
 Partage partage() {
-  return Reglages::modeEssai() || Reglages::modeDiscret() ? Partage::NON_UNIQUE : Partage::NONE;
+  return Reglages::accessoire() ? Partage::NON_UNIQUE : Partage::NONE;
 }
 
 bool estIgnore(int signal) {
@@ -28,11 +28,7 @@ ApplicationGtk::ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
                                std::shared_ptr<socle::BoucleEvenements> boucle,
                                socle::Environnement environnement)
     : Gtk::Application(KELTROVE_IDENTIFIANT, partage()), environnement_(std::move(environnement)),
-      notifications_(environnement_),
-      delegue_(std::make_unique<app::DelegueApplication>(std::move(moteur), std::move(boucle))) {
-  delegue_->quandOnVeutQuitter = [this] { demanderLaFermeture(); };
-  delegue_->quandOnPeutPartir = [this] { partir(); };
-}
+      notifications_(environnement_), delegue_(std::move(moteur), std::move(boucle), *this) {}
 
 ApplicationGtk::~ApplicationGtk() = default;
 
@@ -46,24 +42,27 @@ void ApplicationGtk::sInscrire() {
 }
 
 void ApplicationGtk::on_activate() {
-  if (seFerme_)
-    aRouvrir_ = true;
-  else if (fenetre_)
-    fenetre_->mettreDevant();
+  if (fenetre_ != nullptr)
+    delegue_.quandOnNousRelance();
   else
     ouvrir();
 }
 
 void ApplicationGtk::ouvrir() {
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
-  fenetre_ = std::make_unique<FenetreGtk>(environnement_);
-  fenetre_->quandOnFerme = [this] { demanderLaFermeture(); };
+  ecouterLesSignaux();
+  quandLEcranDisparait([this] { delegue_.partirSansEcran(); });
+  delegue_.applicationDidFinishLaunching();
+}
+
+std::unique_ptr<fenetre::VueFenetre>
+ApplicationGtk::creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) {
+  auto fenetre = std::make_unique<FenetreGtk>(observateur, environnement_, [this] { demanderLaFermeture(); });
+  fenetre_ = fenetre.get();
   notifications_.applicationDevant = [this] { return fenetre_->is_active(); };
   notifications_.quandUnJetonArrive = [this](const std::string& jeton) { fenetre_->recevoirLeJeton(jeton); };
   add_window(*fenetre_);
-  ecouterLesSignaux();
-  quandLEcranDisparait([this] { delegue_->partirSansEcran(); });
-  delegue_->applicationDidFinishLaunching(*fenetre_, notifications_);
+  return fenetre;
 }
 
 void ApplicationGtk::ecouterLesSignaux() {
@@ -81,8 +80,7 @@ void ApplicationGtk::ecouterLesSignaux() {
 }
 
 void ApplicationGtk::demanderLaFermeture() {
-  seFerme_ = true;
-  if (delegue_->applicationShouldTerminate() == app::ReponseFermeture::maintenant) partir();
+  if (delegue_.applicationShouldTerminate() == app::ReponseFermeture::maintenant) partir();
 }
 
 void ApplicationGtk::partir() {

@@ -14,7 +14,7 @@
 
 namespace keltrove::bureau {
 
-class ApplicationGtk final : public Gtk::Application {
+class ApplicationGtk final : public Gtk::Application, fenetre::Bureau {
 public:
   // L’environnement est celui d’avant nos propres réglages : les programmes lancés d’ici le reçoivent.
   ApplicationGtk(std::shared_ptr<moteur::MoteurServeur> moteur,
@@ -24,22 +24,23 @@ public:
   // À appeler avant run(), une fois la boîte à outils prête.
   void sInscrire();
   // Après run() : quelqu’un nous a relancés pendant la fermeture, et attend une fenêtre.
-  bool aRouvrir() const { return aRouvrir_; }
+  bool aRouvrir() const { return delegue_.aRouvrir(); }
 
 private:
   void on_activate() override;
   void ouvrir();
   void ecouterLesSignaux();
-  void demanderLaFermeture();
-  void partir();
+
+  std::unique_ptr<fenetre::VueFenetre> creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) override;
+  pont::CentreNotifications& notifications() override { return notifications_; }
+  void activerLApplication() override {} // sous Linux, c’est la fenêtre que l’on met devant
+  void demanderLaFermeture() override;
+  void partir() override;
 
   const socle::Environnement environnement_;
-  bool seFerme_ = false;
-  bool aRouvrir_ = false;
-  std::unique_ptr<FenetreGtk> fenetre_;
+  FenetreGtk* fenetre_ = nullptr; // au délégué, qui la garde autant que lui
   NotificationsDBus notifications_;
-  // Détruit avant la fenêtre et les notifications, dont il se sert.
-  std::unique_ptr<app::DelegueApplication> delegue_;
+  app::DelegueApplication delegue_;
 };
 
 } // namespace keltrove::bureau

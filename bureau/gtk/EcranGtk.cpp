@@ -24,8 +24,9 @@ Glib::ustring affichable(const std::string& texte) {
 
 } // namespace
 
-EcranGtk::EcranGtk()
-    : phrase_(Ecran::largeurDuTexte, "phrase"), conseil_(Ecran::largeurDuTexte, "conseil"),
+EcranGtk::EcranGtk(fenetre::ObservateurDeLaVue& observateur)
+    : observateur_(observateur), phrase_(Ecran::largeurDuTexte, "phrase"),
+      conseil_(Ecran::largeurDuTexte, "conseil"),
       boutons_(Gtk::Orientation::HORIZONTAL, Ecran::entreLesBoutons),
       pile_(Gtk::Orientation::VERTICAL, Ecran::espacement) {
   add_css_class("ecran-attente");
@@ -55,16 +56,11 @@ void EcranGtk::construireLeTitre() {
 }
 
 void EcranGtk::construireLesBoutons() {
-  boutonReessayer_.set_label("Réessayer");
   boutonReessayer_.add_css_class("reessayer");
-  boutonReessayer_.signal_clicked().connect([this] {
-    if (quandOnReessaie) quandOnReessaie();
-  });
+  boutonReessayer_.signal_clicked().connect([this] { observateur_.quandOnReessaie(); });
   boutonDetail_.add_css_class("detail");
   boutonDetail_.set_valign(Gtk::Align::CENTER);
-  boutonDetail_.signal_clicked().connect([this] {
-    if (quandOnBasculeLeDetail) quandOnBasculeLeDetail();
-  });
+  boutonDetail_.signal_clicked().connect([this] { observateur_.quandOnBasculeLeDetail(); });
   boutons_.append(boutonReessayer_);
   boutons_.append(boutonDetail_);
 }
@@ -96,7 +92,7 @@ void EcranGtk::lierEntree() {
         const bool entree =
             touche == GDK_KEY_Return || touche == GDK_KEY_KP_Enter || touche == GDK_KEY_ISO_Enter;
         if (!entree || !boutonReessayer_.get_visible()) return false;
-        if (quandOnReessaie) quandOnReessaie();
+        observateur_.quandOnReessaie();
         return true;
       },
       false);
@@ -110,6 +106,7 @@ void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
   roue_.set_visible(etat.roue);
   roue_.tourner(etat.roue);
   boutonReessayer_.set_visible(etat.boutonReessayer);
+  boutonReessayer_.set_label(etat.titreDuBoutonReessayer);
   boutonDetail_.set_visible(etat.boutonDetail);
   boutonDetail_.set_label(etat.titreDuBoutonDetail);
   boutons_.set_visible(etat.boutonReessayer || etat.boutonDetail);
@@ -117,12 +114,13 @@ void EcranGtk::dessiner(const fenetre::EtatEcran& etat) {
   if (etat.cadreDetail) detail_.get_buffer()->set_text(affichable(etat.detail));
   cadreDetail_.set_visible(etat.cadreDetail);
   set_visible(etat.visible);
-  donnerLeClavier(etat);
+  donnerLeClavier(etat.clavier());
 }
 
-void EcranGtk::donnerLeClavier(const fenetre::EtatEcran& etat) {
-  if (!etat.visible || boutonDetail_.has_focus() || detail_.has_focus()) return;
-  if (etat.boutonReessayer)
+void EcranGtk::donnerLeClavier(fenetre::EtatEcran::Clavier clavier) {
+  using enum fenetre::EtatEcran::Clavier;
+  if (clavier == page || boutonDetail_.has_focus() || detail_.has_focus()) return;
+  if (clavier == reessayer)
     boutonReessayer_.grab_focus();
   else
     grab_focus();

@@ -4,9 +4,7 @@
 #include "bureau/gtk/MenuDeTexte.hpp"
 #include "bureau/gtk/Roue.hpp"
 #include "bureau/gtk/TexteReplie.hpp"
-#include "fenetre/EcranAttente.hpp"
-
-#include <functional>
+#include "fenetre/VueFenetre.hpp"
 
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
@@ -18,20 +16,19 @@ namespace keltrove::bureau {
 
 class EcranGtk final : public Gtk::ScrolledWindow {
 public:
-  EcranGtk();
+  // L’observateur survit à l’écran.
+  explicit EcranGtk(fenetre::ObservateurDeLaVue& observateur);
 
   void dessiner(const fenetre::EtatEcran& etat);
-
-  std::function<void()> quandOnReessaie;
-  std::function<void()> quandOnBasculeLeDetail;
 
 private:
   void construireLeTitre();
   void construireLesBoutons();
   void construireLeDetail();
   void lierEntree();
-  void donnerLeClavier(const fenetre::EtatEcran& etat);
+  void donnerLeClavier(fenetre::EtatEcran::Clavier clavier);
 
+  fenetre::ObservateurDeLaVue& observateur_;
   Roue roue_;
   Gtk::Label titre_;
   TexteReplie phrase_;

@@ -9,7 +9,6 @@
 #include <algorithm>
 
 #include <dlfcn.h>
-#include <fmt/format.h>
 #include <glibmm/main.h>
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/settings.h>
@@ -23,7 +22,18 @@ namespace keltrove::bureau {
 
 namespace Apparence = fenetre::Apparence;
 
-FenetreGtk::FenetreGtk(socle::Environnement environnement) : environnement_(std::move(environnement)) {
+FenetreGtk::FenetreGtk(fenetre::ObservateurDeLaVue& observateur, socle::Environnement environnement,
+                       std::function<void()> fermer)
+    : observateur_(observateur), environnement_(std::move(environnement)), fermer_(std::move(fermer)),
+      lecteur_([this](bool tourne) {
+        // GTK sait montrer l’arbre d’un autre processus, comme celui de la page, depuis sa version 4.14.
+        observateur_.quandLeLecteurDEcranChange(
+            {.tourne = tourne, .voitLaPage = gtk_check_version(4, 14, 0) == nullptr});
+      }),
+      actions_(*this, menus_, vueWeb_,
+               {.recharger = [this] { observateur_.quandOnRecharge(); },
+                .quitter = fermer_,
+                .boiteOuverte = [this](Gtk::Window& boite) { suivreLeRegard(boite); }}) {
   const auto style = Gtk::CssProvider::create();
   style->load_from_data(feuilleDeStyle());
   Gtk::StyleContext::add_provider_for_display(get_display(), style, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
@@ -43,7 +53,6 @@ FenetreGtk::FenetreGtk(socle::Environnement environnement) : environnement_(std:
   pile_.append(menus_.barre());
   pile_.append(contenu_);
   set_child(pile_);
-  relierLesVues();
   suivreLeRegard(*this);
 
   const auto reglages = Gtk::Settings::get_default();
@@ -66,52 +75,21 @@ void FenetreGtk::construireLeBandeau() {
   bandeau_.set_visible(false);
 }
 
-void FenetreGtk::relierLesVues() {
-  const auto transmettre = [](const std::function<void()>& appel) {
-    if (appel) appel();
-  };
-  ecran_.quandOnReessaie = [=, this] { transmettre(quandOnReessaie); };
-  ecran_.quandOnBasculeLeDetail = [=, this] { transmettre(quandOnBasculeLeDetail); };
-  actions_.quandOnRecharge = [=, this] { transmettre(quandOnRecharge); };
-  actions_.quandUneBoiteSOuvre = [this](Gtk::Window& boite) { suivreLeRegard(boite); };
-  actions_.quandOnQuitte = [=, this] { transmettre(quandOnFerme); };
-  vueWeb_.quandNavigationCommence = [=, this] { transmettre(quandNavigationCommence); };
-  vueWeb_.quandNavigationAvance = [=, this] { transmettre(quandNavigationAvance); };
-  vueWeb_.quandNavigationFinie = [=, this] {
-    direLeRegard();
-    transmettre(quandNavigationFinie);
-  };
-  vueWeb_.quandUneAdresseEstPourLeNavigateur = [this](const std::string& adresse) {
-    ouvrirDansLeNavigateur(adresse, environnement_, [this, adresse, existe = std::weak_ptr(existe_)] {
-      if (existe.lock() && quandUnLienNeSOuvrePas) quandUnLienNeSOuvrePas(adresse);
-    });
-  };
-  vueWeb_.quandLaPageEcrit = [this](const std::string& canal, const std::optional<std::string>& corps) {
-    if (quandLaPageEcrit) quandLaPageEcrit(canal, corps);
-  };
-  lecteur_.quandOnLeSait = [this](bool tourne) {
-    // GTK sait montrer l’arbre d’un autre processus, comme celui de la page, depuis sa version 4.14.
-    const bool voitLaPage = gtk_check_version(4, 14, 0) == nullptr;
-    if (quandLeLecteurDEcranChange) quandLeLecteurDEcranChange({.tourne = tourne, .voitLaPage = voitLaPage});
-  };
-  vueWeb_.quandNavigationRatee = [this](const fenetre::EchecDeNavigation& echec) {
-    if (quandNavigationRatee) quandNavigationRatee(echec);
-  };
+void FenetreGtk::ouvrirLeLien(const std::string& adresse) {
+  ouvrirDansLeNavigateur(adresse, environnement_,
+                         temoin_.garder([this, adresse] { observateur_.quandUnLienNeSOuvrePas(adresse); }));
 }
 
 void FenetreGtk::suivreLeRegard(Gtk::Window& fenetre) {
-  fenetre.property_is_active().signal_changed().connect([this, existe = std::weak_ptr(existe_)] {
-    if (existe.lock()) direLeRegard();
-  });
+  fenetre.property_is_active().signal_changed().connect(temoin_.garder([this] { direLeRegard(); }));
 }
 
 // Un menu ou une boîte prend le clavier à la page sans que l’utilisateur regarde ailleurs.
 void FenetreGtk::direLeRegard() {
   const auto fenetres = Gtk::Window::list_toplevels();
   // Une boîte refermée peut se croire encore active.
-  const bool ici = std::ranges::any_of(
-      fenetres, [](auto* fenetre) { return fenetre->get_visible() && fenetre->is_active(); });
-  vueWeb_.evaluer(fmt::format("window.keltrovePont?.regard?.({})", ici), [](const auto&) {});
+  observateur_.quandLeRegardChange(std::ranges::any_of(
+      fenetres, [](auto* fenetre) { return fenetre->get_visible() && fenetre->is_active(); }));
 }
 
 void FenetreGtk::reprendreLaTaille() {
@@ -135,7 +113,7 @@ void FenetreGtk::suivreLeTheme() {
 }
 
 bool FenetreGtk::on_close_request() {
-  if (quandOnFerme) quandOnFerme();
+  fermer_();
   return true;
 }
 
@@ -166,13 +144,13 @@ void FenetreGtk::mettreDevant() {
   present();
 }
 
-unsigned long FenetreGtk::mettreDerriere() {
-  unsigned long numero = 0;
+std::int64_t FenetreGtk::mettreDerriere() {
+  std::int64_t numero = 0;
   gtk_widget_realize(GTK_WIDGET(gobj()));
   auto* surface = gtk_native_get_surface(GTK_NATIVE(gobj()));
 #ifdef GDK_WINDOWING_X11
   if (GDK_IS_X11_SURFACE(surface)) {
-    numero = gdk_x11_surface_get_xid(surface);
+    numero = static_cast<std::int64_t>(gdk_x11_surface_get_xid(surface));
     // Une heure nulle dit au gestionnaire de fenêtres de ne pas nous donner le clavier.
     gdk_x11_surface_set_user_time(surface, 0);
     gdk_x11_surface_set_skip_taskbar_hint(surface, TRUE);

@@ -10,6 +10,7 @@
 #include "bureau/gtk/VueWeb.hpp"
 #include "fenetre/VueFenetre.hpp"
 #include "socle/Environnement.hpp"
+#include "socle/Temoin.hpp"
 
 #include <gtkmm/applicationwindow.h>
 #include <gtkmm/box.h>
@@ -20,11 +21,10 @@ namespace keltrove::bureau {
 
 class FenetreGtk final : public Gtk::ApplicationWindow, public fenetre::VueFenetre {
 public:
-  // L’environnement est celui que reçoit le navigateur du bureau.
-  explicit FenetreGtk(socle::Environnement environnement);
-
-  // La fenêtre ne se ferme jamais seule : la question remonte à l’application.
-  std::function<void()> quandOnFerme;
+  // L’environnement est celui que reçoit le navigateur du bureau. La fenêtre ne se ferme jamais seule :
+  // `fermer` porte la question à l’application. L’observateur lui survit.
+  FenetreGtk(fenetre::ObservateurDeLaVue& observateur, socle::Environnement environnement,
+             std::function<void()> fermer);
 
   // Une fenêtre que personne n’a vue ne retient rien.
   void retenirLaTaille() const;
@@ -36,7 +36,7 @@ public:
   void dessiner(const fenetre::EtatBandeau& etat) override;
   void poserLesMenus(const std::vector<fenetre::Menus::Menu>& menus) override;
   void mettreDevant() override;
-  unsigned long mettreDerriere() override;
+  std::int64_t mettreDerriere() override;
   void annoncer(const std::string& texte) override;
   void charger(const std::string& adresse) override;
   void arreterLeChargement() override;
@@ -46,24 +46,25 @@ private:
   void reprendreLaTaille();
   void suivreLeTheme();
   void construireLeBandeau();
-  void relierLesVues();
+  void ouvrirLeLien(const std::string& adresse);
   void suivreLeRegard(Gtk::Window& fenetre);
   void direLeRegard();
   bool on_close_request() override;
 
+  fenetre::ObservateurDeLaVue& observateur_;
   const socle::Environnement environnement_;
+  const std::function<void()> fermer_;
   ThemeSysteme theme_;
   LecteurDuBureau lecteur_;
   Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
-  VueWeb vueWeb_;
+  VueWeb vueWeb_{observateur_, [this](const std::string& adresse) { ouvrirLeLien(adresse); }};
   DepotGtk depot_{vueWeb_};
   MenusGtk menus_{*this};
-  ActionsGtk actions_{*this, menus_, vueWeb_};
-  EcranGtk ecran_;
+  ActionsGtk actions_;
+  EcranGtk ecran_{observateur_};
   Gtk::Label bandeau_;
-  // La réponse du bureau peut arriver après la fenêtre.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  socle::Temoin temoin_; // la réponse du bureau peut arriver après la fenêtre
 };
 
 } // namespace keltrove::bureau

@@ -1,5 +1,7 @@
 #include "bureau/gtk/LecteurDuBureau.hpp"
 
+#include <utility>
+
 #include <giomm/error.h>
 #include <giomm/settingsschemasource.h>
 
@@ -19,7 +21,8 @@ Glib::RefPtr<Gio::Settings> reglagesDeGNOME() {
 
 } // namespace
 
-LecteurDuBureau::LecteurDuBureau() : reglages_(reglagesDeGNOME()) {
+LecteurDuBureau::LecteurDuBureau(std::function<void(bool tourne)> quandOnLeSait)
+    : quandOnLeSait_(std::move(quandOnLeSait)), reglages_(reglagesDeGNOME()) {
   if (reglages_) reglages_->signal_changed(cle).connect([this](const Glib::ustring&) { dire(); });
   Gio::DBus::Proxy::create_for_bus(
       Gio::DBus::BusType::SESSION, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status",
@@ -49,7 +52,7 @@ bool LecteurDuBureau::tourne() const {
 }
 
 void LecteurDuBureau::dire() const {
-  if (quandOnLeSait) quandOnLeSait(tourne());
+  quandOnLeSait_(tourne());
 }
 
 } // namespace keltrove::bureau

@@ -13,18 +13,17 @@ namespace keltrove::bureau {
 
 class LecteurDuBureau {
 public:
-  LecteurDuBureau();
+  explicit LecteurDuBureau(std::function<void(bool tourne)> quandOnLeSait);
   LecteurDuBureau(const LecteurDuBureau&) = delete;
   LecteurDuBureau& operator=(const LecteurDuBureau&) = delete;
   ~LecteurDuBureau();
-
-  std::function<void(bool tourne)> quandOnLeSait;
 
 private:
   void quandLeServiceEstConnu(const Glib::RefPtr<Gio::AsyncResult>& resultat);
   bool tourne() const;
   void dire() const;
 
+  const std::function<void(bool tourne)> quandOnLeSait_;
   Glib::RefPtr<Gio::DBus::Proxy> service_;
   Glib::RefPtr<Gio::Settings> reglages_; // vide là où GNOME ne les a pas posés
   Glib::RefPtr<Gio::Cancellable> abandon_ = Gio::Cancellable::create();

@@ -43,7 +43,7 @@ std::map<Glib::ustring, Glib::ustring> touchesDe(const Menus::Menu& menu) {
 }
 
 Glib::ustring titreDe(const Menus::Menu& menu) {
-  return menu.titre.empty() ? "Keltrove" : menu.titre;
+  return menu.role == Menus::Role::application ? "Keltrove" : menu.titre;
 }
 
 Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& application) {
@@ -56,7 +56,7 @@ Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& appl
       section = Gio::Menu::create();
       continue;
     }
-    const auto action = "win." + nomDe(article->action);
+    const auto action = std::string("win.") + Menus::nomDe(article->action);
     section->append(article->titre, action);
     if (article->raccourci) application.set_accel_for_action(action, accelerateurDe(*article->raccourci));
   }
@@ -65,47 +65,6 @@ Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& appl
 }
 
 } // namespace
-
-std::string nomDe(Menus::Action action) {
-  using enum Menus::Action;
-  switch (action) {
-  case orderFrontStandardAboutPanel:
-    return "orderFrontStandardAboutPanel";
-  case hide:
-    return "hide";
-  case hideOtherApplications:
-    return "hideOtherApplications";
-  case unhideAllApplications:
-    return "unhideAllApplications";
-  case terminate:
-    return "terminate";
-  case undo:
-    return "undo";
-  case redo:
-    return "redo";
-  case cut:
-    return "cut";
-  case copy:
-    return "copy";
-  case paste:
-    return "paste";
-  case pasteAsPlainText:
-    return "pasteAsPlainText";
-  case selectAll:
-    return "selectAll";
-  case rechargerVraiment:
-    return "rechargerVraiment";
-  case toggleFullScreen:
-    return "toggleFullScreen";
-  case performMiniaturize:
-    return "performMiniaturize";
-  case performClose:
-    return "performClose";
-  case arrangeInFront:
-    return "arrangeInFront";
-  }
-  return {};
-}
 
 MenusGtk::MenusGtk(Gtk::Window& fenetre) : fenetre_(fenetre) {
   gtk_window_set_handle_menubar_accel(fenetre_.gobj(), FALSE);

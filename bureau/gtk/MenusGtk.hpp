@@ -4,10 +4,9 @@
 // la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 mène à la barre.
 #pragma once
 
-#include "fenetre/Menus.hpp"
+#include "fenetre/ArticlesDeMenu.hpp"
 
 #include <functional>
-#include <string>
 #include <vector>
 
 #include <giomm/menu.h>
@@ -16,9 +15,6 @@
 #include <gtkmm/window.h>
 
 namespace keltrove::bureau {
-
-// Le nom qu’une action porte dans le groupe « win ».
-std::string nomDe(fenetre::Menus::Action action);
 
 class MenusGtk {
 public:

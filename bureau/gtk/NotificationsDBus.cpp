@@ -180,8 +180,7 @@ void NotificationsDBus::demanderLAutorisation(std::function<void(bool accordee)>
 void NotificationsDBus::ajouter(const Notification& notification, std::function<void(const Remise&)> fini) {
   unefoisLeBusConnu([this, notification, fini = std::move(fini)] {
     if (bus_ == nullptr) return fini(pont::CentreAbsent{});
-    if (!delegue && applicationDevant && applicationDevant()) return fini(pont::Posee{});
-    files_.ajouter(notification, fini);
+    files_.ajouter(notification, applicationDevant && applicationDevant(), fini);
   });
 }
 
@@ -240,12 +239,10 @@ void NotificationsDBus::quandLeServiceSignale(std::string_view signal, GVariant*
   if (!g_variant_is_of_type(arguments, G_VARIANT_TYPE("(us)"))) return;
   const char* texte = nullptr;
   g_variant_get(arguments, "(u&s)", &numero, &texte);
-  const auto idTerminal = files_.terminalDe(numero);
-  if (!idTerminal || !delegue) return;
-  if (signal == "ActivationToken" && quandUnJetonArrive)
+  if (signal == "ActivationToken" && quandUnJetonArrive && files_.meneQuelquePart(numero))
     quandUnJetonArrive(texte);
   else if (signal == "ActionInvoked" && std::string_view(texte) == actionDuClic)
-    delegue->quandOnClique(*idTerminal);
+    files_.cliquer(numero);
 }
 
 void NotificationsDBus::ouvrirLesReglages() {

@@ -36,6 +36,7 @@ public:
                std::function<void(const pont::Remise&)> fini) override;
   void ouvrirLesReglages() override;
   void retenir(const std::string& drapeau) override;
+  void deleguerA(pont::DelegueDuCentre* delegue) override { files_.deleguerA(delegue); }
 
 private:
   using Files = pont::FilesDeNotifications;

@@ -81,7 +81,10 @@ std::string adresseDe(WebKitNavigationAction* action) {
 
 } // namespace
 
-VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
+VueWeb::VueWeb(fenetre::ObservateurDeLaVue& observateur,
+               std::function<void(const std::string& adresse)> ouvrirAilleurs)
+    : observateur_(observateur), ouvrirAilleurs_(std::move(ouvrirAilleurs)), vue_(creerLaVue()),
+      widget_(Glib::wrap(GTK_WIDGET(vue_))) {
   g_object_ref_sink(vue_);
   figerLeTexteCacheDe(GTK_WIDGET(vue_));
   g_signal_connect(vue_, "load-changed",
@@ -103,7 +106,7 @@ VueWeb::VueWeb() : vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
                    this);
   g_signal_connect(vue_, "notify::estimated-load-progress",
                    G_CALLBACK(+[](WebKitWebView*, GParamSpec*, VueWeb* moi) {
-                     if (moi->quandNavigationAvance) moi->quandNavigationAvance();
+                     moi->observateur_.quandNavigationAvance();
                    }),
                    this);
   ouvrirLeCanal<pont::PontNotifications::nomDuCanal>();
@@ -136,7 +139,7 @@ void VueWeb::ouvrirLeCanal() {
   auto* contenus = webkit_web_view_get_user_content_manager(vue_);
   g_signal_connect(contenus, (std::string("script-message-received::") + canal).c_str(),
                    G_CALLBACK(+[](WebKitUserContentManager*, JSCValue* corps, VueWeb* moi) {
-                     if (moi->quandLaPageEcrit) moi->quandLaPageEcrit(canal, enJSON(corps));
+                     moi->observateur_.quandLaPageEcrit(canal, pont::lireLeMessage(enJSON(corps)));
                    }),
                    this);
   webkit_user_content_manager_register_script_message_handler(contenus, canal, nullptr);
@@ -194,15 +197,13 @@ bool VueWeb::decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType so
 }
 
 void VueWeb::envoyer(const std::string& adresse, fenetre::Destination destination) {
-  if (destination == fenetre::Destination::navigateur && quandUneAdresseEstPourLeNavigateur)
-    quandUneAdresseEstPourLeNavigateur(adresse);
+  if (destination == fenetre::Destination::navigateur) ouvrirAilleurs_(adresse);
 }
 
 void VueWeb::charger(const std::string& adresse) {
   if (!peutLancerUnProcessus()) {
-    if (quandNavigationRatee)
-      quandNavigationRatee(
-          {.description = "Le système n’a plus de quoi lancer le programme qui dessine la page."});
+    observateur_.quandNavigationRatee(
+        {.description = "Le système n’a plus de quoi lancer le programme qui dessine la page."});
     return;
   }
   origine_ = adresse.substr(0, adresse.find('/', adresse.find("://") + 3));
@@ -266,16 +267,16 @@ void VueWeb::peindreLeFond(const fenetre::Apparence::Couleur& couleur) {
 void VueWeb::quandLeChargementChange(WebKitLoadEvent evenement) {
   if (evenement == WEBKIT_LOAD_STARTED) {
     rate_ = false;
-    if (quandNavigationCommence) quandNavigationCommence();
-  } else if (evenement == WEBKIT_LOAD_FINISHED && !rate_ && quandNavigationFinie) {
-    quandNavigationFinie();
+    observateur_.quandNavigationCommence();
+  } else if (evenement == WEBKIT_LOAD_FINISHED && !rate_) {
+    observateur_.quandNavigationFinie();
   }
 }
 
 void VueWeb::quandLeChargementEchoue(const GError& erreur) {
   rate_ = true;
   const bool annulee = g_error_matches(&erreur, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED);
-  if (quandNavigationRatee) quandNavigationRatee({.annulee = annulee, .description = erreur.message});
+  observateur_.quandNavigationRatee({.annulee = annulee, .description = erreur.message});
 }
 
 void VueWeb::quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison) {
@@ -283,7 +284,7 @@ void VueWeb::quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison) {
   const auto* description = raison == WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT
                                 ? "Le programme qui dessine la page a dépassé la mémoire permise."
                                 : "Le programme qui dessine la page s’est arrêté.";
-  if (quandNavigationRatee) quandNavigationRatee({.description = description});
+  observateur_.quandNavigationRatee({.description = description});
 }
 
 } // namespace keltrove::bureau

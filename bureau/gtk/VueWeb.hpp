@@ -19,7 +19,10 @@ namespace keltrove::bureau {
 
 class VueWeb {
 public:
-  VueWeb();
+  // `ouvrirAilleurs` reçoit une adresse que la page voulait ouvrir, et qui n’est pas pour cette fenêtre.
+  // L’observateur survit à la vue.
+  VueWeb(fenetre::ObservateurDeLaVue& observateur,
+         std::function<void(const std::string& adresse)> ouvrirAilleurs);
   VueWeb(const VueWeb&) = delete;
   VueWeb& operator=(const VueWeb&) = delete;
   ~VueWeb();
@@ -38,14 +41,6 @@ public:
   void siLEditionPeut(const char* commande, std::function<void(bool)> fini);
   double zoom() const { return webkit_web_view_get_zoom_level(vue_); }
 
-  std::function<void()> quandNavigationCommence;
-  std::function<void()> quandNavigationAvance;
-  std::function<void()> quandNavigationFinie;
-  std::function<void(const fenetre::EchecDeNavigation&)> quandNavigationRatee;
-  // Une adresse que la page voulait ouvrir, et qui n’est pas pour cette fenêtre.
-  std::function<void(const std::string& adresse)> quandUneAdresseEstPourLeNavigateur;
-  std::function<void(const std::string& canal, const std::optional<std::string>& corps)> quandLaPageEcrit;
-
 private:
   template <const char* const& canal>
   void ouvrirLeCanal();
@@ -58,6 +53,8 @@ private:
   void quandLeChargementEchoue(const GError& erreur);
   void quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison);
 
+  fenetre::ObservateurDeLaVue& observateur_;
+  const std::function<void(const std::string& adresse)> ouvrirAilleurs_;
   WebKitWebView* vue_ = nullptr;
   Gtk::Widget* widget_ = nullptr;
   std::string origine_; // de la page servie

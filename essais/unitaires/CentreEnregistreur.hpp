@@ -15,6 +15,7 @@ public:
   std::vector<std::pair<pont::Notification, std::function<void(const pont::Remise&)>>> notifications;
   std::vector<std::string> drapeaux;
   int reglagesOuverts = 0;
+  pont::DelegueDuCentre* delegue = nullptr;
 
   void lireLesReglages(std::function<void(pont::Autorisation)> fini) override {
     lectures.push_back(std::move(fini));
@@ -25,6 +26,7 @@ public:
     notifications.emplace_back(notification, std::move(fini));
   }
   void ouvrirLesReglages() override { ++reglagesOuverts; }
+  void deleguerA(pont::DelegueDuCentre* nouveau) override { delegue = nouveau; }
   void retenir(const std::string& drapeau) override { drapeaux.push_back(drapeau); }
 };
 

@@ -3,11 +3,10 @@
 #pragma once
 
 #include "BoucleVirtuelle.hpp"
-#include "CentreEnregistreur.hpp"
+#include "BureauEnregistreur.hpp"
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
-#include "VueEnregistreuse.hpp"
 #include "app/DelegueApplication.hpp"
 #include "socle/Journal.hpp"
 
@@ -57,7 +56,6 @@ protected:
     ::unsetenv("KELTROVE_ESSAI");
     ::unsetenv("KELTROVE_DISCRET");
     ::unsetenv("KELTROVE_ESSAI_QUITTER");
-    delegue.quandOnPeutPartir = [this] { ++departs; };
   }
   ~DelegueEnEssai() override {
     // Un serveur d’essai ne survit pas à son essai, même raté.
@@ -85,10 +83,10 @@ protected:
                                       .horloge = std::make_shared<essais::HorlogeAcceleree>(),
                                       .emplacements = moteur::Emplacements(maison.chemin("ressources")),
                                       .environnement = socle::Environnement(::environ)});
-  essais::VueEnregistreuse vue;
-  essais::CentreEnregistreur centre;
-  DelegueApplication delegue{moteur, boucle};
-  int departs = 0;
+  essais::BureauEnregistreur bureau;
+  essais::VueEnregistreuse& vue = bureau.vue;
+  essais::CentreEnregistreur& centre = bureau.centre;
+  DelegueApplication delegue{moteur, boucle, bureau};
 };
 
 } // namespace keltrove::app

@@ -8,7 +8,7 @@ namespace {
 class EssaiDelegue : public DelegueEnEssai {};
 
 TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_EQ(vue.ecrans.size(), 2U);
   EXPECT_EQ(vue.ecrans[0].titre, "keltrove démarre…");
   EXPECT_EQ(vue.ecrans[0].phrase, "Je regarde si le serveur tourne déjà.");
@@ -23,7 +23,7 @@ TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
 TEST_F(EssaiDelegue, UnServeurAllumeOuvreLaPageEtNoteSaSante) {
   poserLeServeur();
   maison.ecrire(".zelcor/keltrove-jeton", "abc\n");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   EXPECT_EQ(detailsDe("allume"), (Journal::Details{{"port", std::int64_t{maison.port()}}}));
   EXPECT_EQ(vue.ecran().titre, "Le serveur répond");
@@ -45,7 +45,7 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
   autre->demarrer([&](const moteur::Demarrage& issue) { allume = issue.has_value(); });
   ASSERT_TRUE(boucle->attendre([&] { return allume; }));
 
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("rattache"));
   EXPECT_EQ(etapes(), (std::vector<std::string>{"demarrage-demande", "rattache"}));
   EXPECT_EQ(vue.ecran().titre, "keltrove est déjà en route");
@@ -65,7 +65,7 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
 }
 
 TEST_F(EssaiDelegue, UnEchecSeNoteAvecSonTitreEtUnNouvelEssaiLeDit) {
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   EXPECT_EQ(detailsDe("echec-demarrage"),
             (Journal::Details{{"cause", std::string("Le code de keltrove est introuvable")}}));
@@ -74,17 +74,17 @@ TEST_F(EssaiDelegue, UnEchecSeNoteAvecSonTitreEtUnNouvelEssaiLeDit) {
   EXPECT_EQ(std::ranges::count(etapes(), "demarrage-demande"), 1) << "aucun essai de soi-même";
 
   poserLeServeur();
-  vue.quandOnReessaie();
+  vue.observateur->quandOnReessaie();
   EXPECT_EQ(vue.ecran().titre, "Nouvel essai…");
   EXPECT_TRUE(attendreLEtape("allume"));
 }
 
 TEST_F(EssaiDelegue, ReessayerPendantUnDemarrageNeFaitRien) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   const auto dessins = vue.ecrans.size();
-  vue.quandOnReessaie();
-  vue.quandOnReessaie();
+  vue.observateur->quandOnReessaie();
+  vue.observateur->quandOnReessaie();
   EXPECT_EQ(vue.ecrans.size(), dessins);
   ASSERT_TRUE(attendreLEtape("allume"));
   EXPECT_EQ(std::ranges::count(etapes(), "demarrage-demande"), 1);
@@ -92,7 +92,7 @@ TEST_F(EssaiDelegue, ReessayerPendantUnDemarrageNeFaitRien) {
 
 TEST_F(EssaiDelegue, LeMotDeMiseAJourSeMontreUneFoisDansLeBandeau) {
   poserLeServeur("console.log('MESSAGE= Version 2 prête\\t');");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   ASSERT_TRUE(boucle->attendre([&] { return moteur->messageDeMiseAJour().has_value(); }));
   boucle->avancer(3.0);
@@ -108,7 +108,7 @@ constexpr const char* annonceSurDemande = "import fs from 'node:fs'; fs.watch('.
 
 TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
   poserLeServeur(annonceSurDemande);
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   boucle->avancer(2.99);
   maison.ecrire("ressources/keltrove/dire", "");
@@ -124,7 +124,7 @@ TEST_F(EssaiDelegue, UnMotVenuAvantTroisSecondesSeMontre) {
 
 TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
   poserLeServeur(annonceSurDemande);
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   boucle->avancer(3.0); // le treizième regard, et le dernier
   maison.ecrire("ressources/keltrove/dire", "");
@@ -136,7 +136,7 @@ TEST_F(EssaiDelegue, UnMotVenuApresTroisSecondesNeSeMontreJamais) {
 TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSArrete) {
   poserLeServeur(
       "import fs from 'node:fs'; fs.watch('.', () => { console.log('au revoir'); process.exit(3); });");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
@@ -151,9 +151,9 @@ TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSAr
 TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) {
   poserLeServeur("console.log('dernière ligne'); setTimeout(() => {}, 1e9);"
                  "import fs from 'node:fs'; fs.watch('.', () => process.kill(process.pid, 'SIGSTOP'));");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   maison.ecrire("ressources/keltrove/geler", "");
   for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards) {
     const int avant = boucle->tachesExecutees();
@@ -176,14 +176,14 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
 
 TEST_F(EssaiDelegue, UnNouvelEssaiAbandonneLaPageQuiSeChargeait) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
-  vue.quandOnRecharge();
+  vue.observateur->quandOnRecharge();
   EXPECT_EQ(vue.chargementsArretes, 1);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   EXPECT_EQ(vue.ecran().titre, "Nouvel essai…");
   ASSERT_TRUE(attendreLEtape("rattache"));
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle->avancer(120);
   EXPECT_FALSE(aEteNotee("page-ratee"));
   EXPECT_EQ(std::ranges::count(etapes(), "page-affichee"), 1);
@@ -191,11 +191,11 @@ TEST_F(EssaiDelegue, UnNouvelEssaiAbandonneLaPageQuiSeChargeait) {
 
 TEST_F(EssaiDelegue, LaMortPendantLeChargementResteLaRaisonMontree) {
   poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
-  vue.quandNavigationRatee({.description = "connexion refusée"});
+  vue.observateur->quandNavigationRatee({.description = "connexion refusée"});
   boucle->avancer(120);
   EXPECT_EQ(vue.ecran().titre, "Le serveur s’est arrêté");
   EXPECT_FALSE(aEteNotee("page-ratee"));
@@ -203,14 +203,14 @@ TEST_F(EssaiDelegue, LaMortPendantLeChargementResteLaRaisonMontree) {
 
 TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
   poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
   // Un autre l’a rallumé, et la page s’est rechargée ; puis il disparaît à son tour.
-  vue.quandNavigationCommence();
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationCommence();
+  vue.observateur->quandNavigationFinie();
   EXPECT_FALSE(vue.ecran().visible);
   for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards) {
     const int avant = boucle->tachesExecutees();
@@ -222,10 +222,10 @@ TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
 
 TEST_F(EssaiDelegue, UnSecondDemarrageNInterromptPasLeGuetDuPremier) {
   poserLeServeur(annonceSurDemande);
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   boucle->avancer(2);
-  vue.quandOnRecharge();
+  vue.observateur->quandOnRecharge();
   ASSERT_TRUE(attendreLEtape("rattache"));
   maison.ecrire("ressources/keltrove/dire", "");
   ASSERT_TRUE(boucle->attendre([&] { return moteur->messageDeMiseAJour().has_value(); }));
@@ -234,26 +234,41 @@ TEST_F(EssaiDelegue, UnSecondDemarrageNInterromptPasLeGuetDuPremier) {
 }
 
 TEST_F(EssaiDelegue, LesMenusSontPosesEtLaPermissionDemandeeUneFois) {
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   EXPECT_EQ(vue.menus.size(), 4U);
   EXPECT_EQ(centre.lectures.size(), 1U);
   EXPECT_TRUE(centre.delegue);
   EXPECT_TRUE(attendreLEtape("echec-demarrage"));
-  vue.quandOnRecharge();
+  vue.observateur->quandOnRecharge();
   EXPECT_EQ(std::ranges::count(etapes(), "demarrage-demande"), 2);
   EXPECT_TRUE(attendreLEtape("echec-demarrage", 2));
   EXPECT_EQ(centre.lectures.size(), 1U);
+}
+
+TEST_F(EssaiDelegue, RelanceeElleRevientDevantOuSeRouvriraUneFoisFermee) {
+  poserLeServeur();
+  delegue.applicationDidFinishLaunching();
+  ASSERT_TRUE(attendreLEtape("allume"));
+  delegue.quandOnNousRelance();
+  EXPECT_EQ(bureau.activations, 1);
+  EXPECT_EQ(vue.devant, 2);
+  EXPECT_FALSE(delegue.aRouvrir());
+  delegue.applicationShouldTerminate();
+  delegue.quandOnNousRelance();
+  EXPECT_EQ(vue.devant, 2);
+  EXPECT_TRUE(delegue.aRouvrir());
+  ASSERT_TRUE(boucle->attendre([&] { return bureau.departs == 1; }));
 }
 
 TEST_F(EssaiDelegue, NiEnModeEssaiNiEnModeDiscretLaPermissionNEstDemandee) {
   int essais = 0;
   for (const char* mode : {"KELTROVE_ESSAI", "KELTROVE_DISCRET"}) {
     ::setenv(mode, "1", 1);
-    essais::VueEnregistreuse autreVue;
-    DelegueApplication autre(moteur, boucle);
-    autre.applicationDidFinishLaunching(autreVue, centre);
-    EXPECT_TRUE(centre.lectures.empty()) << mode;
-    EXPECT_FALSE(centre.delegue) << mode;
+    essais::BureauEnregistreur autreBureau;
+    DelegueApplication autre(moteur, boucle, autreBureau);
+    autre.applicationDidFinishLaunching();
+    EXPECT_TRUE(autreBureau.centre.lectures.empty()) << mode;
+    EXPECT_FALSE(autreBureau.centre.delegue) << mode;
     // Le moteur lit l’environnement : il doit avoir fini avant que l’essai ne le change.
     EXPECT_TRUE(attendreLEtape("echec-demarrage", ++essais));
     ::unsetenv(mode);

@@ -1,6 +1,5 @@
 #include "BoucleVirtuelle.hpp"
-#include "CentreEnregistreur.hpp"
-#include "VueEnregistreuse.hpp"
+#include "BureauEnregistreur.hpp"
 #include "fenetre/FenetrePrincipale.hpp"
 #include "fenetre/SondeContenu.hpp"
 #include "socle/Journal.hpp"
@@ -34,9 +33,10 @@ protected:
     ::unsetenv("KELTROVE_DISCRET");
   }
   essais::BoucleVirtuelle boucle;
-  essais::VueEnregistreuse vue;
-  essais::CentreEnregistreur centre;
-  FenetrePrincipale fenetre{vue, centre, boucle};
+  essais::BureauEnregistreur bureau;
+  essais::VueEnregistreuse& vue = bureau.vue;
+  essais::CentreEnregistreur& centre = bureau.centre;
+  FenetrePrincipale fenetre{bureau, boucle};
 };
 
 TEST_F(EssaiFenetre, SeMontreDevantEnTempsOrdinaire) {
@@ -69,19 +69,19 @@ TEST_F(EssaiFenetre, ChargeLaPageDuPort) {
 TEST_F(EssaiFenetre, LaPageFinieCacheLEcranEtSeNoteAvecSonPort) {
   fenetre.ecran().montrerAttente("T", "P");
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   EXPECT_FALSE(vue.ecran().visible);
   EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-affichee"}, {"port", std::int64_t{8080}}}));
 }
 
 TEST_F(EssaiFenetre, UnePageFinieSansPortSeNoteAvecZero) {
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-affichee"}, {"port", std::int64_t{0}}}));
 }
 
 TEST_F(EssaiFenetre, LeContenuEstSondeUneSecondeApres) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle.avancer(0.99);
   EXPECT_TRUE(vue.evaluations.empty());
   boucle.avancer(0.01);
@@ -98,20 +98,22 @@ TEST_F(EssaiFenetre, LeContenuEstSondeUneSecondeApres) {
 }
 
 TEST_F(EssaiFenetre, UneReponseQuiNEstPasUnTexteNeNoteRien) {
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle.avancer(1);
   vue.evaluations.at(0).second(std::nullopt);
   EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
 }
 
 TEST_F(EssaiFenetre, UneReponseApresLaFenetreNeNoteRien) {
-  essais::VueEnregistreuse autreVue;
+  essais::BureauEnregistreur autre;
+  std::function<void(std::optional<std::string>)> repondre;
   {
-    FenetrePrincipale breve(autreVue, centre, boucle);
-    autreVue.quandNavigationFinie();
+    FenetrePrincipale breve(autre, boucle);
+    autre.vue.observateur->quandNavigationFinie();
     boucle.avancer(1);
+    repondre = autre.vue.evaluations.at(0).second;
   }
-  autreVue.evaluations.at(0).second("T|1|x");
+  repondre("T|1|x");
   EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
 }
 
@@ -127,15 +129,17 @@ TEST_F(EssaiFenetre, UneLigneDuPontSePerdTantQuAucunePageNEstChargee) {
 
 TEST_F(EssaiFenetre, UnMessageDeLaPageVaAuPontEtUnClicRamene) {
   fenetre.pont().demanderLaPermissionUneSeuleFois();
-  vue.quandLaPageEcrit("keltroveNotifications", R"({"action":"notifier","id":"t1"})");
+  vue.observateur->quandLaPageEcrit("keltroveNotifications",
+                                    pont::lireLeMessage(R"({"action":"notifier","id":"t1"})"));
   EXPECT_EQ(centre.notifications.at(0).first.identifiant, "keltrove-t1");
-  centre.delegue->quandOnClique("");
+  centre.delegue->quandOnClique(std::nullopt);
   boucle.vider();
+  EXPECT_EQ(bureau.activations, 1);
   EXPECT_EQ(vue.devant, 1);
 }
 
 TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
-  vue.quandUnLienNeSOuvrePas("mailto:a");
+  vue.observateur->quandUnLienNeSOuvrePas("mailto:a");
   EXPECT_TRUE(vue.bandeaux.back().visible);
   EXPECT_EQ(vue.bandeaux.back().texte, "  Aucune application ne sait ouvrir ce lien : mailto:a  ");
   boucle.avancer(5.9);
@@ -152,29 +156,29 @@ constexpr const char* pageInvisible = "window.keltroveLecteur = { tourne: false,
                                       "window.dispatchEvent(new Event('lecteur'));";
 
 TEST_F(EssaiFenetre, UnLecteurDEcranConnuAvantLaPageSeDitDesQuElleEstLa) {
-  vue.quandLeLecteurDEcranChange({.tourne = true});
+  vue.observateur->quandLeLecteurDEcranChange({.tourne = true});
   EXPECT_TRUE(vue.evaluations.empty());
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   ASSERT_EQ(vue.evaluations.size(), 1U);
   EXPECT_EQ(vue.evaluations[0].first, lecteurTourne);
 }
 
 TEST_F(EssaiFenetre, UnLecteurDEcranQuiVientPuisPartSeDitUneFois) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   for (const bool tourne : {false, true, true, false})
-    vue.quandLeLecteurDEcranChange({.tourne = tourne});
+    vue.observateur->quandLeLecteurDEcranChange({.tourne = tourne});
   ASSERT_EQ(vue.evaluations.size(), 2U);
   EXPECT_EQ(vue.evaluations[0].first, lecteurTourne);
   EXPECT_EQ(vue.evaluations[1].first, lecteurParti);
 }
 
 TEST_F(EssaiFenetre, UnePageQuUnLecteurNeVerraitPasLApprendAChaqueChargement) {
-  vue.quandLeLecteurDEcranChange({.voitLaPage = false});
+  vue.observateur->quandLeLecteurDEcranChange({.voitLaPage = false});
   for (int i = 0; i < 2; ++i) {
     fenetre.chargerLaPage(8080);
-    vue.quandNavigationFinie();
+    vue.observateur->quandNavigationFinie();
   }
   ASSERT_EQ(vue.evaluations.size(), 2U);
   EXPECT_EQ(vue.evaluations[1].first, pageInvisible);
@@ -182,7 +186,7 @@ TEST_F(EssaiFenetre, UnePageQuUnLecteurNeVerraitPasLApprendAChaqueChargement) {
 
 TEST_F(EssaiFenetre, CeQueLaPageFaitLireVaAuLecteurEtNonAuPont) {
   const auto ecrire = [&](const std::optional<std::string>& corps) {
-    vue.quandLaPageEcrit("keltroveLecteur", corps);
+    vue.observateur->quandLaPageEcrit("keltroveLecteur", pont::lireLeMessage(corps));
   };
   ecrire(R"("  « Terminal 2 » vous attend.\n")");
   for (const auto* autre : {R"({"action":"notifier","id":"t1"})", "12", "null", R"("  ")", "{", R"("\ud83d)"})
@@ -192,6 +196,20 @@ TEST_F(EssaiFenetre, CeQueLaPageFaitLireVaAuLecteurEtNonAuPont) {
   EXPECT_TRUE(centre.notifications.empty());
   ecrire("\"" + std::string(5000, 'a') + "\"");
   EXPECT_EQ(vue.annonces.back(), std::string(3999, 'a') + "…");
+}
+
+TEST_F(EssaiFenetre, LeRegardSeDitALaPageQuandIlChangeEtAChaqueChargement) {
+  vue.observateur->quandLeRegardChange(true);
+  EXPECT_TRUE(vue.evaluations.empty()) << "sans page, la ligne se perd";
+  fenetre.chargerLaPage(8080);
+  vue.observateur->quandNavigationFinie();
+  for (const bool ici : {true, false, false})
+    vue.observateur->quandLeRegardChange(ici);
+  std::vector<std::string> dites;
+  for (const auto& [expression, fini] : vue.evaluations)
+    dites.push_back(expression);
+  EXPECT_EQ(dites, (std::vector<std::string>{"window.keltrovePont?.regard?.(true)",
+                                             "window.keltrovePont?.regard?.(false)"}));
 }
 
 TEST(SondeContenu, UnTitreVideDecaleLesMorceaux) {
@@ -211,7 +229,7 @@ TEST(SondeContenu, UneReponseVideOuIllisibleDonneDesValeursNeutres) {
 
 TEST_F(EssaiFenetre, UnePageRateeMontreLeProblemeAvecSonDetailEtSeNote) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationRatee({.description = "Connexion refusée"});
+  vue.observateur->quandNavigationRatee({.description = "Connexion refusée"});
   EXPECT_EQ(
       vue.ecran(),
       (EtatEcran{.titre = "La page de keltrove ne s’affiche pas",
@@ -227,7 +245,7 @@ TEST_F(EssaiFenetre, UnePageRateeMontreLeProblemeAvecSonDetailEtSeNote) {
 TEST_F(EssaiFenetre, UnChargementRemplaceParUnAutreNeMontreRien) {
   fenetre.chargerLaPage(8080);
   fenetre.chargerLaPage(8081);
-  vue.quandNavigationRatee({.annulee = true, .description = "annulé"});
+  vue.observateur->quandNavigationRatee({.annulee = true, .description = "annulé"});
   EXPECT_TRUE(vue.ecrans.empty());
   EXPECT_TRUE(Journal::etapes().empty());
 }
@@ -235,7 +253,7 @@ TEST_F(EssaiFenetre, UnChargementRemplaceParUnAutreNeMontreRien) {
 TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   fenetre.chargerLaPage(8080);
   boucle.avancer(59);
-  vue.quandNavigationAvance();
+  vue.observateur->quandNavigationAvance();
   boucle.avancer(59);
   EXPECT_EQ(vue.chargementsArretes, 0);
   boucle.avancer(1);
@@ -249,8 +267,8 @@ TEST_F(EssaiFenetre, UnChargementAbandonneNADeFinNiDEchecNiDeDelai) {
   fenetre.chargerLaPage(8080);
   fenetre.chargement().seTaire();
   EXPECT_EQ(vue.chargementsArretes, 1);
-  vue.quandNavigationFinie();
-  vue.quandNavigationRatee({.description = "trop tard"});
+  vue.observateur->quandNavigationFinie();
+  vue.observateur->quandNavigationRatee({.description = "trop tard"});
   boucle.avancer(300);
   EXPECT_TRUE(Journal::etapes().empty());
   EXPECT_TRUE(vue.ecrans.empty());
@@ -259,38 +277,38 @@ TEST_F(EssaiFenetre, UnChargementAbandonneNADeFinNiDEchecNiDeDelai) {
 TEST_F(EssaiFenetre, ApresUnAbandonSeuleLaPageSuivanteCompte) {
   fenetre.chargerLaPage(8080);
   fenetre.chargement().abandonner();
-  vue.quandNavigationRatee({.description = "trop tard"});
+  vue.observateur->quandNavigationRatee({.description = "trop tard"});
   EXPECT_TRUE(Journal::etapes().empty());
-  vue.quandNavigationCommence();
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationCommence();
+  vue.observateur->quandNavigationFinie();
   EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-affichee"});
 }
 
 TEST_F(EssaiFenetre, DeuxPagesFiniesEnUneSecondeSontSondeesToutesLesDeux) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle.avancer(0.5);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle.avancer(2);
   EXPECT_EQ(vue.evaluations.size(), 2U);
 }
 
 TEST_F(EssaiFenetre, ALaFermeturePlusRienDeLaPageNeVaAuJournal) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   boucle.avancer(1);
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationFinie();
   fenetre.ignorerLaPage();
   vue.evaluations.at(0).second("Accueil|52|jeton-rempli");
   boucle.avancer(2);
-  vue.quandNavigationFinie();
-  vue.quandUnLienNeSOuvrePas("mailto:a");
+  vue.observateur->quandNavigationFinie();
+  vue.observateur->quandUnLienNeSOuvrePas("mailto:a");
   EXPECT_EQ(nomsDesEtapes(), (std::vector<std::string>{"page-affichee", "page-affichee"}));
   EXPECT_EQ(vue.evaluations.size(), 1U);
 }
 
 TEST_F(EssaiFenetre, UnePageRateeAussitotNeRatePasUneSecondeFois) {
-  vue.quandOnCharge = [this] { vue.quandNavigationRatee({.description = "refusée"}); };
+  vue.quandOnCharge = [this] { vue.observateur->quandNavigationRatee({.description = "refusée"}); };
   fenetre.chargerLaPage(8080);
   boucle.avancer(61);
   EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-ratee"});
@@ -298,8 +316,8 @@ TEST_F(EssaiFenetre, UnePageRateeAussitotNeRatePasUneSecondeFois) {
 
 TEST_F(EssaiFenetre, UnePageFinieNAPlusDeDelai) {
   fenetre.chargerLaPage(8080);
-  vue.quandNavigationFinie();
-  vue.quandNavigationAvance();
+  vue.observateur->quandNavigationFinie();
+  vue.observateur->quandNavigationAvance();
   boucle.avancer(300);
   EXPECT_EQ(vue.chargementsArretes, 0);
 }
@@ -325,17 +343,17 @@ TEST_F(EssaiFenetre, UnSecondBandeauDureToutSonTemps) {
 }
 
 TEST_F(EssaiFenetre, ReessayerEtRechargerMenentAuMemeAppel) {
-  vue.quandOnReessaie(); // personne n’écoute encore
+  vue.observateur->quandOnReessaie(); // personne n’écoute encore
   int essais = 0;
   fenetre.quandOnDemandeUnEssai = [&] { ++essais; };
-  vue.quandOnReessaie();
+  vue.observateur->quandOnReessaie();
   fenetre.rechargerVraiment();
   EXPECT_EQ(essais, 2);
 }
 
 TEST_F(EssaiFenetre, LeBoutonDuDetailDeplieLEcran) {
   fenetre.ecran().montrerProbleme("T", "P", "C", "journal");
-  vue.quandOnBasculeLeDetail();
+  vue.observateur->quandOnBasculeLeDetail();
   EXPECT_TRUE(vue.ecran().cadreDetail);
 }
 

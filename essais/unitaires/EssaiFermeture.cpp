@@ -9,19 +9,19 @@ class EssaiFermeture : public DelegueEnEssai {};
 
 TEST_F(EssaiFermeture, FermerNotreServeurLeDitAttendSaFinPuisPart) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
   EXPECT_EQ(vue.ecran().phrase, "Je laisse le serveur noter la liste des terminaux avant de partir.");
   EXPECT_TRUE(vue.ecran().roue);
-  vue.quandNavigationRatee({.description = "la page s’est arrêtée"});
-  vue.quandNavigationFinie();
+  vue.observateur->quandNavigationRatee({.description = "la page s’est arrêtée"});
+  vue.observateur->quandNavigationFinie();
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
   EXPECT_TRUE(vue.ecran().visible);
   EXPECT_FALSE(aEteNotee("page-ratee") || aEteNotee("page-affichee"));
-  EXPECT_EQ(departs, 0);
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
+  EXPECT_EQ(bureau.departs, 0);
+  ASSERT_TRUE(boucle->attendre([&] { return bureau.departs == 1; }));
   const auto message = std::get<std::string>(detailsDe("arret-fini").at("message"));
   EXPECT_TRUE(message.starts_with("Serveur fermé proprement en ")) << message;
   EXPECT_FALSE(aEteNotee("serveur-mort-en-route"));
@@ -30,12 +30,12 @@ TEST_F(EssaiFermeture, FermerNotreServeurLeDitAttendSaFinPuisPart) {
 
 TEST_F(EssaiFermeture, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
   poserLeServeur();
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   delegue.applicationShouldTerminate();
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
-  vue.quandOnReessaie();
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
+  vue.observateur->quandOnReessaie();
+  ASSERT_TRUE(boucle->attendre([&] { return bureau.departs == 1; }));
   EXPECT_EQ(etapes(),
             (std::vector<std::string>{"demarrage-demande", "allume", "arret-demande", "arret-fini"}));
 }
@@ -43,10 +43,10 @@ TEST_F(EssaiFermeture, QuitterDeuxFoisNeDemandeQuUnArretEtNeRelanceRien) {
 TEST_F(EssaiFermeture, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcranDeFermeture) {
   maison.ecrire("ressources/keltrove/serveur.mjs",
                 "import fs from 'node:fs'; fs.writeFileSync('lance', ''); setInterval(() => {}, 1000);");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(boucle->attendre([&] { return moteur->nousLavonsAllume(); }));
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
-  ASSERT_TRUE(boucle->attendre([&] { return departs == 1; }));
+  ASSERT_TRUE(boucle->attendre([&] { return bureau.departs == 1; }));
   EXPECT_EQ(detailsDe("arret-fini"),
             (Journal::Details{{"message", std::string("Le serveur n’a pas été retrouvé : rien à fermer.")}}));
   // L’issue du démarrage interrompu se note, mais ne remplace pas l’écran de fermeture.
@@ -60,7 +60,7 @@ TEST_F(EssaiFermeture, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
   // Un étranger muet sur le port retient le démarrage avant tout lancement.
   const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
   maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   EXPECT_FALSE(moteur->nousLavonsAllume());
@@ -69,20 +69,18 @@ TEST_F(EssaiFermeture, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
 TEST_F(EssaiFermeture, EnModeEssaiLApplicationSeFermeDElleMemeALHeureDite) {
   ::setenv("KELTROVE_ESSAI", "1", 1);
   ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
-  int demandes = 0;
-  delegue.quandOnVeutQuitter = [&] { ++demandes; };
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   boucle->avancer(2.99);
-  EXPECT_EQ(demandes, 0);
+  EXPECT_EQ(bureau.fermetures, 0);
   boucle->avancer(0.01);
-  EXPECT_EQ(demandes, 1);
+  EXPECT_EQ(bureau.fermetures, 1);
   EXPECT_EQ(etapes().back(), "essai-quitte-tout-seul");
 }
 
 TEST_F(EssaiFermeture, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
   ::setenv("KELTROVE_ESSAI_QUITTER", "3", 1);
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   boucle->avancer(60);
   EXPECT_FALSE(aEteNotee("essai-quitte-tout-seul"));
@@ -90,7 +88,7 @@ TEST_F(EssaiFermeture, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
 
 TEST_F(EssaiFermeture, SansEcranNotreServeurEstArreteEtAttenduSurPlace) {
   poserLeServeur("process.on('SIGTERM', () => setTimeout(() => process.exit(0), 200));");
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   delegue.partirSansEcran();
   EXPECT_EQ(etapes().back(), "arret-fini");
@@ -101,7 +99,7 @@ TEST_F(EssaiFermeture, SansEcranNotreServeurEstArreteEtAttenduSurPlace) {
 }
 
 TEST_F(EssaiFermeture, SansEcranUnServeurQuiNEstPasLeNotreResteEnPaix) {
-  delegue.applicationDidFinishLaunching(vue, centre);
+  delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   delegue.partirSansEcran();
   EXPECT_EQ(etapes().back(), "quitte-sans-toucher-au-serveur");

@@ -7,6 +7,12 @@ namespace {
 
 class EssaiFiles : public testing::Test {
 protected:
+  using Clics = std::vector<std::optional<std::string>>;
+  struct Delegue final : DelegueDuCentre {
+    Clics clics;
+    void quandOnClique(const std::optional<std::string>& terminal) override { clics.push_back(terminal); }
+  };
+  EssaiFiles() { files.deleguerA(&delegue); }
   struct Envoye {
     Notification notification;
     std::uint32_t remplace;
@@ -15,9 +21,16 @@ protected:
   void ajouter(const std::string& id, const std::string& titre) {
     // Sans terminal, l’identifiant est unique.
     const auto identifiant = id.empty() ? "unique-" + titre : "keltrove-" + id;
-    files.ajouter({identifiant, titre, "", id}, [this, titre](const Remise& remise) {
+    const auto terminal = id.empty() ? std::nullopt : std::optional(id);
+    files.ajouter({identifiant, titre, "", terminal}, devant, [this, titre](const Remise& remise) {
       finis.push_back(titre + (std::holds_alternative<Posee>(remise) ? "" : " ratée"));
     });
+  }
+  Clics clicSur(std::uint32_t numero) {
+    delegue.clics.clear();
+    files.cliquer(numero);
+    EXPECT_EQ(files.meneQuelquePart(numero), !delegue.clics.empty());
+    return delegue.clics;
   }
   void repondre(std::size_t rang, std::uint32_t numero) { envois.at(rang).fini({Posee{}, numero}); }
   std::vector<std::string> titres() const {
@@ -27,6 +40,8 @@ protected:
     return lus;
   }
 
+  Delegue delegue;
+  bool devant = false;
   std::vector<Envoye> envois;
   std::vector<std::string> finis;
   FilesDeNotifications files{[this](const Notification& notification, std::uint32_t remplace, auto fini) {
@@ -45,6 +60,24 @@ TEST_F(EssaiFiles, PendantUnEnvoiSeuleLaPlusRecenteAttend) {
   EXPECT_EQ(envois[1].remplace, 5U) << "elle prend la place de la première";
   repondre(1, 5);
   EXPECT_EQ(finis, (Textes{"0", "999"}));
+}
+
+TEST_F(EssaiFiles, SansDelegueRienNEstMontreDevantEtUnClicNeMeneNullePart) {
+  files.deleguerA(nullptr);
+  devant = true;
+  ajouter("t1", "a");
+  EXPECT_EQ(titres(), Textes{});
+  EXPECT_EQ(finis, Textes{"a"}) << "elle compte pour posée";
+  devant = false;
+  ajouter("t1", "b");
+  repondre(0, 5);
+  EXPECT_EQ(clicSur(5), Clics{});
+}
+
+TEST_F(EssaiFiles, AvecUnDelegueCeQuiVientDevantSeMontre) {
+  devant = true;
+  ajouter("t1", "a");
+  EXPECT_EQ(titres(), Textes{"a"});
 }
 
 TEST_F(EssaiFiles, DeuxTerminauxNeSAttendentPas) {
@@ -78,9 +111,9 @@ TEST_F(EssaiFiles, UnRefusLaissePasserLaSuivante) {
 TEST_F(EssaiFiles, UneNotificationFermeeNEstPlusRemplaceeNiReconnue) {
   ajouter("t1", "a");
   repondre(0, 5);
-  EXPECT_EQ(files.terminalDe(5), "t1");
+  EXPECT_EQ(clicSur(5), Clics{"t1"});
   files.oublier(5);
-  EXPECT_EQ(files.terminalDe(5), std::nullopt);
+  EXPECT_EQ(clicSur(5), Clics{});
   ajouter("t1", "b");
   EXPECT_EQ(envois[1].remplace, 0U);
 }
@@ -90,8 +123,8 @@ TEST_F(EssaiFiles, UnServiceQuiDonneUnNouveauNumeroALaRemplacanteOublieLAncien) 
   repondre(0, 5);
   ajouter("t1", "b");
   repondre(1, 6);
-  EXPECT_EQ(files.terminalDe(5), std::nullopt);
-  EXPECT_EQ(files.terminalDe(6), "t1");
+  EXPECT_EQ(clicSur(5), Clics{});
+  EXPECT_EQ(clicSur(6), Clics{"t1"});
 }
 
 TEST_F(EssaiFiles, LesNumerosDUnServicePartiNeValentPlusRienMemeArrivesTard) {
@@ -100,8 +133,8 @@ TEST_F(EssaiFiles, LesNumerosDUnServicePartiNeValentPlusRienMemeArrivesTard) {
   ajouter("t2", "b");
   files.toutOublier();
   repondre(1, 6);
-  EXPECT_EQ(files.terminalDe(5), std::nullopt);
-  EXPECT_EQ(files.terminalDe(6), std::nullopt);
+  EXPECT_EQ(clicSur(5), Clics{});
+  EXPECT_EQ(clicSur(6), Clics{});
   ajouter("t1", "c");
   EXPECT_EQ(envois[2].remplace, 0U);
 }
@@ -111,9 +144,9 @@ TEST_F(EssaiFiles, UnServiceQuiNeDitJamaisFermerNeFaitPasGrossirLaMemoire) {
     ajouter("", std::to_string(i));
     repondre(i - 1, i);
   }
-  EXPECT_EQ(files.terminalDe(1000 - 256), std::nullopt);
-  EXPECT_EQ(files.terminalDe(1000 - 255), "");
-  EXPECT_EQ(files.terminalDe(1000), "");
+  EXPECT_EQ(clicSur(1000 - 256), Clics{});
+  EXPECT_EQ(clicSur(1000 - 255), Clics{std::nullopt});
+  EXPECT_EQ(clicSur(1000), Clics{std::nullopt});
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "BoucleVirtuelle.hpp"
-#include "CentreEnregistreur.hpp"
-#include "VueEnregistreuse.hpp"
+#include "BureauEnregistreur.hpp"
 #include "fenetre/FenetrePrincipale.hpp"
 #include "fenetre/Menus.hpp"
 
@@ -88,14 +87,14 @@ TEST(EssaiMenus, AucunRaccourciNeSertDeuxFois) {
 
 TEST(EssaiMenus, RechargerDemandeUnEssaiMemeSansPage) {
   essais::BoucleVirtuelle boucle;
-  essais::VueEnregistreuse vue;
-  essais::CentreEnregistreur centre;
-  FenetrePrincipale fenetre(vue, centre, boucle);
+  essais::BureauEnregistreur bureau;
+  auto& vue = bureau.vue;
+  FenetrePrincipale fenetre(bureau, boucle);
   int demandes = 0;
   fenetre.quandOnDemandeUnEssai = [&] { ++demandes; };
-  Menus::installer(vue, fenetre);
+  Menus::installer(vue);
   fenetre.ecran().montrerAttente("T", "P");
-  vue.quandOnRecharge();
+  vue.observateur->quandOnRecharge();
   EXPECT_EQ(demandes, 1);
   EXPECT_TRUE(vue.adresses.empty()) << "la page n’est pas rechargée d’ici";
   EXPECT_EQ(vue.menus.size(), 4U);

@@ -18,7 +18,9 @@ protected:
     pont->vue = [this](const std::string& ligne) { lignes.push_back(ligne); };
     pont->activer = [this] { ++activations; };
   }
-  void ecrire(const std::string& corps) { pont->userContentController("keltroveNotifications", corps); }
+  void ecrire(const std::string& corps) {
+    pont->userContentController("keltroveNotifications", lireLeMessage(corps));
+  }
   const Notification& posee() const { return centre.notifications.back().first; }
   Lignes lignesDitesApres(const std::function<void()>& faire) {
     faire();
@@ -40,7 +42,7 @@ const std::string attente = "window.keltrovePont && window.keltrovePont.etat(\"a
 const std::string absent = "window.keltrovePont && window.keltrovePont.etat(\"absent\");";
 
 TEST_F(EssaiPont, UnAutreCanalNeLaissePasDeTrace) {
-  pont->userContentController("keltrovenotifications", R"({"action":"notifier"})");
+  pont->userContentController("keltrovenotifications", lireLeMessage(R"({"action":"notifier"})"));
   EXPECT_EQ(traces, Lignes{});
   EXPECT_TRUE(centre.notifications.empty());
 }
@@ -50,7 +52,7 @@ TEST_F(EssaiPont, UnCorpsQuiNEstPasUnObjetEstIllisible) {
        {std::optional<std::string>("[1]"), std::optional<std::string>("\"x\""),
         std::optional<std::string>("3"), std::optional<std::string>("null"), std::optional<std::string>()}) {
     traces.clear();
-    pont->userContentController("keltroveNotifications", corps);
+    pont->userContentController("keltroveNotifications", lireLeMessage(corps));
     EXPECT_EQ(traces, Lignes{"message du pont illisible"});
   }
   EXPECT_TRUE(centre.notifications.empty());
@@ -94,7 +96,7 @@ TEST_F(EssaiPont, SansTerminalChaqueNotificationEstUnique) {
   ecrire(R"({"action":"notifier","id":7})");
   EXPECT_EQ(premiere.identifiant.size(), std::string("keltrove-").size() + 36);
   EXPECT_NE(premiere.identifiant, posee().identifiant);
-  EXPECT_EQ(posee().idTerminal, "");
+  EXPECT_EQ(posee().terminal, std::nullopt);
 }
 
 TEST_F(EssaiPont, LaRemiseSeTrace) {
@@ -135,7 +137,7 @@ TEST_F(EssaiPont, LEtatDemandeParLaPageNeConsultePersonne) {
   }
   EXPECT_TRUE(centre.demandes.empty());
   EXPECT_TRUE(centre.drapeaux.empty());
-  EXPECT_FALSE(centre.delegue) << "demander l’état ne fait pas du pont le délégué";
+  EXPECT_EQ(centre.delegue, nullptr) << "demander l’état ne fait pas du pont le délégué";
 }
 
 TEST_F(EssaiPont, LaPermissionConnueSuitLesReponses) {
@@ -182,7 +184,7 @@ TEST_F(EssaiPont, UnClicMetDevantEtOuvreLeTerminalDansLaPage) {
 
 TEST_F(EssaiPont, UnClicSansTerminalNAppellePasLaPage) {
   pont->demanderLaPermissionUneSeuleFois();
-  EXPECT_EQ(lignesDitesApres([&] { centre.delegue->quandOnClique(""); }), Lignes{});
+  EXPECT_EQ(lignesDitesApres([&] { centre.delegue->quandOnClique(std::nullopt); }), Lignes{});
   EXPECT_EQ(activations, 1);
 }
 
@@ -207,11 +209,10 @@ TEST_F(EssaiPont, CeQuiArriveApresLePontSePerd) {
   pont->demanderLaPermissionUneSeuleFois();
   pont->redireLEtat();
   pont->poser("t3", "T", "C");
-  const auto clic = centre.delegue->quandOnClique;
-  clic("t3");
+  centre.delegue->quandOnClique("t3");
   pont->executerDansLaPage("ligne");
   pont.reset();
-  EXPECT_FALSE(centre.delegue);
+  EXPECT_EQ(centre.delegue, nullptr);
   traces.clear();
   for (const auto& fini : centre.lectures)
     fini(Autorisation::indeterminee);

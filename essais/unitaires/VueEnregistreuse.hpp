@@ -10,6 +10,7 @@ namespace keltrove::essais {
 
 class VueEnregistreuse final : public fenetre::VueFenetre {
 public:
+  fenetre::ObservateurDeLaVue* observateur = nullptr;
   std::vector<fenetre::EtatEcran> ecrans;
   std::vector<fenetre::EtatBandeau> bandeaux;
   std::vector<fenetre::Menus::Menu> menus;
@@ -26,7 +27,7 @@ public:
   void dessiner(const fenetre::EtatBandeau& etat) override { bandeaux.push_back(etat); }
   void poserLesMenus(const std::vector<fenetre::Menus::Menu>& poses) override { menus = poses; }
   void mettreDevant() override { ++devant; }
-  unsigned long mettreDerriere() override {
+  std::int64_t mettreDerriere() override {
     ++derriere;
     return 1234;
   }

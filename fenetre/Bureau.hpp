@@ -1,0 +1,28 @@
+// Bureau : l’application native, vue du comportement. Fil principal seulement.
+#pragma once
+
+#include "fenetre/VueFenetre.hpp"
+#include "pont/CentreNotifications.hpp"
+
+#include <memory>
+
+namespace keltrove::fenetre {
+
+class Bureau {
+public:
+  // Pas encore montrée. L’observateur survit à la vue.
+  virtual std::unique_ptr<VueFenetre> creerLaFenetre(ObservateurDeLaVue& observateur) = 0;
+  virtual pont::CentreNotifications& notifications() = 0;
+
+  // Met l’application devant les autres, là où le système la distingue de ses fenêtres.
+  virtual void activerLApplication() = 0;
+  // Prend le chemin de la fermeture, comme l’article « Quitter ».
+  virtual void demanderLaFermeture() = 0;
+  // La réponse définitive à une fermeture remise à plus tard : le processus se termine aussitôt.
+  virtual void partir() = 0;
+
+protected:
+  ~Bureau() = default;
+};
+
+} // namespace keltrove::fenetre
