@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <openssl/crypto.h>
 
 namespace keltrove::verification::VerificationCode {
@@ -49,6 +50,14 @@ Defaut comparerLesNoms(std::vector<std::string> presents, const Inventaire& inve
   return std::nullopt;
 }
 
+std::string direLeRefus(Refus refus, const std::string& dossier) {
+  if (refus == Refus::illisible) return "impossible de lire le dossier " + dossier;
+  const Mesure mesure;
+  return fmt::format("dossier trop grand pour être vérifié (plus de {} niveaux, de {} dossiers revus par des "
+                     "liens ou de {} Mio de noms) : {}",
+                     mesure.niveaux, mesure.revus, mesure.octets / 1024 / 1024, dossier);
+}
+
 Defaut comparerLesEmpreintes(const std::string& dossier, const Inventaire& inventaire) {
   std::vector<std::string> chemins;
   std::ranges::transform(inventaire, std::back_inserter(chemins), &Inventaire::value_type::first);
@@ -75,7 +84,7 @@ Defaut chercherUnDefaut(const std::string& dossier, const std::string& cheminCle
   const auto inventaire = lireInventaire(*octets);
   if (!inventaire) return "inventaire illisible";
   auto presents = listerFichiers(dossier);
-  if (!presents) return "impossible de lire le dossier " + dossier;
+  if (!presents) return direLeRefus(presents.error(), dossier);
   if (const auto defaut = comparerLesNoms(std::move(*presents), *inventaire)) return defaut;
   return comparerLesEmpreintes(dossier, *inventaire);
 }

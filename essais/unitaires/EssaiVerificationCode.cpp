@@ -98,6 +98,20 @@ TEST_F(EssaiVerification, LePremierModifieEstNomme) {
   EXPECT_EQ(code.verifier(), defaut("fichier modifié : lib/outil.mjs"));
 }
 
+// Décomposé, « é » commence par l’octet de « e » ; composé, il vient après toutes les lettres sans accent.
+TEST_F(EssaiVerification, LePremierEstCeluiDeLOrdreCanoniqueEtNonCeluiDesOctets) {
+  for (const char* nom : {"e\u0301", "f"})
+    code.pretendre(nom, std::string(64, '0'));
+  code.signer();
+  EXPECT_EQ(code.verifier(), defaut("fichier manquant : f"));
+  code.ecrire("e\u0301", "");
+  code.ecrire("f", "");
+  EXPECT_EQ(code.verifier(), defaut("fichier modifié : f"));
+  code.ecrire("e\u0301-ajout", "");
+  code.ecrire("f-ajout", "");
+  EXPECT_EQ(code.verifier(), defaut("fichier ajouté, non prévu : f-ajout"));
+}
+
 TEST_F(EssaiVerification, UneEmpreinteEnMajusculesEstUneModification) {
   auto empreinte = essais::empreinteDe("bonjour");
   std::ranges::transform(empreinte, empreinte.begin(), [](unsigned char c) { return std::toupper(c); });
