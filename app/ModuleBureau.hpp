@@ -1,4 +1,7 @@
 // ModuleBureau : ce que l’exécutable et le module du bureau se disent.
+//
+// Rien d’autre ne passe de l’un à l’autre : chacun a sa propre copie du socle et du comportement, variables
+// globales comprises. L’étape qu’un côté noterait au journal, l’autre ne la verrait pas.
 #pragma once
 
 namespace keltrove::app {

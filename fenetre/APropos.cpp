@@ -1,5 +1,6 @@
 #include "fenetre/APropos.hpp"
 
+#include "socle/Reglages.hpp"
 #include "socle/Texte.hpp"
 
 #include <fmt/format.h>
@@ -34,6 +35,10 @@ std::string journal(const std::string& systeme, const std::vector<Journal::Detai
     texte += decrire(etape);
   masquer(texte, jeton.value_or(""));
   return socle::enUTF8(texte);
+}
+
+std::string journal(const std::string& systeme) {
+  return journal(systeme, Journal::etapes(), socle::Reglages::jeton());
 }
 
 } // namespace keltrove::fenetre::APropos

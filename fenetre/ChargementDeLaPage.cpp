@@ -9,6 +9,21 @@ namespace {
 
 constexpr double delaiSansRienRecevoir = 60.0;
 
+std::string raisonDe(const EchecDeNavigation& echec) {
+  switch (echec.cause) {
+  case CauseDEchec::lancementRefuse:
+    return "Le système n’a plus de quoi lancer le programme qui dessine la page.";
+  case CauseDEchec::memoireDepassee:
+    return "Le programme qui dessine la page a dépassé la mémoire permise.";
+  case CauseDEchec::arret:
+    return "Le programme qui dessine la page s’est arrêté.";
+  case CauseDEchec::chargement:
+  case CauseDEchec::annulation:
+    break;
+  }
+  return echec.description;
+}
+
 } // namespace
 
 ChargementDeLaPage::ChargementDeLaPage(VueFenetre& vue, socle::BoucleEvenements& boucle, Issues issues)
@@ -51,9 +66,9 @@ void ChargementDeLaPage::finir() {
 }
 
 void ChargementDeLaPage::rater(const EchecDeNavigation& echec) {
-  if (echec.annulee || ecoute_ != Ecoute::toutes) return;
+  if (echec.cause == CauseDEchec::annulation || ecoute_ != Ecoute::toutes) return;
   delai_.annuler();
-  issues_.quandElleRate(echec.description);
+  issues_.quandElleRate(raisonDe(echec));
 }
 
 void ChargementDeLaPage::surveillerLeDelai() {

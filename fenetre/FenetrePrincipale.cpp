@@ -1,5 +1,6 @@
 #include "fenetre/FenetrePrincipale.hpp"
 
+#include "fenetre/PourLaPage.hpp"
 #include "fenetre/SondeContenu.hpp"
 #include "socle/Journal.hpp"
 #include "socle/Reglages.hpp"
@@ -16,10 +17,6 @@ namespace {
 
 constexpr double delaiAvantLaSonde = 1.0;
 constexpr double dureeDUnAvis = 6.0;
-
-std::string regardSurLaPage(bool ici) {
-  return fmt::format("window.keltrovePont?.regard?.({})", ici);
-}
 
 } // namespace
 
@@ -58,7 +55,7 @@ void FenetrePrincipale::montrerLaPage() {
   Journal::etape("page-affichee", {{"port", std::int64_t{chargement_.port().value_or(0)}}});
   // Ce que la page croit d’elle-même : qu’on ne la regarde pas, qu’aucun lecteur ne tourne et qu’il la
   // verrait.
-  if (regardIci_) direALaPage(regardSurLaPage(regardIci_));
+  if (regardIci_) direALaPage(PourLaPage::regard(regardIci_));
   if (lecteur_ != LecteurDEcran{}) direALaPage(annonceALaPage(lecteur_));
   sondesPrevues_.push_back(boucle_.apres(delaiAvantLaSonde, [this] {
     sondesPrevues_.pop_front();
@@ -91,7 +88,7 @@ void FenetrePrincipale::quandUnLienNeSOuvrePas(const std::string& adresse) {
 void FenetrePrincipale::quandLeRegardChange(bool ici) {
   if (ici == regardIci_) return;
   regardIci_ = ici;
-  direALaPage(regardSurLaPage(ici));
+  direALaPage(PourLaPage::regard(ici));
 }
 
 void FenetrePrincipale::quandLeLecteurDEcranChange(const LecteurDEcran& lecteur) {

@@ -86,6 +86,14 @@ const std::vector<Menu>& barre() {
   return menus;
 }
 
+std::string titreDe(Action action) {
+  for (const auto& menu : barre())
+    for (const auto& ligne : menu.articles)
+      if (const auto* article = std::get_if<Article>(&ligne); article != nullptr && article->action == action)
+        return article->titre;
+  return "";
+}
+
 void installer(VueFenetre& vue) {
   vue.poserLesMenus(barre());
 }

@@ -23,9 +23,17 @@ struct EtatBandeau {
   bool operator==(const EtatBandeau&) const = default;
 };
 
+enum class CauseDEchec {
+  chargement,
+  annulation, // remplacée par une autre ou arrêtée à notre demande
+  // Du programme qui dessine la page.
+  lancementRefuse,
+  memoireDepassee,
+  arret,
+};
 struct EchecDeNavigation {
-  bool annulee = false;    // remplacée par une autre ou arrêtée à notre demande
-  std::string description; // le texte du système
+  CauseDEchec cause = CauseDEchec::chargement;
+  std::string description; // pour un chargement, le texte du système
 };
 
 // Ce que la vue rapporte, dès qu’elle existe et jusqu’à sa fin.

@@ -26,6 +26,9 @@ struct Notification {
   bool operator==(const Notification&) const = default;
 };
 
+// Là où une notification nomme ce que son clic fait.
+inline constexpr const char* titreDuClic = "Ouvrir";
+
 struct Posee {};
 struct Refusee {
   std::string description; // le texte du système

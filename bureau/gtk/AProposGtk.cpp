@@ -2,7 +2,7 @@
 
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/APropos.hpp"
-#include "socle/Reglages.hpp"
+#include "fenetre/Apparence.hpp"
 
 #include <fmt/format.h>
 #include <gdk/gdkkeysyms.h>
@@ -23,7 +23,6 @@ constexpr int tailleDeLIcone = 72;
 constexpr int largeurDuTexte = 42; // en caractères
 constexpr int hauteurDuJournal = 180;
 constexpr int margeDuJournal = 8;
-constexpr const char* titreDeLaCopie = "Copier le journal";
 
 // Ce qu’il faut savoir d’une machine pour comprendre un journal.
 std::string systeme() {
@@ -41,8 +40,9 @@ std::string systeme() {
 AProposGtk::AProposGtk(Gtk::Window& parente)
     : pile_(Gtk::Orientation::VERTICAL, espacement), nom_(APropos::nom), version_(APropos::version),
       objet_(APropos::objet), licence_(APropos::licence), boutons_(Gtk::Orientation::HORIZONTAL, espacement),
-      voir_("Voir le journal"), copier_(titreDeLaCopie), fermer_("Fermer") {
-  set_title("À propos de Keltrove");
+      voir_(APropos::titreDuBoutonDuJournal(false)), copier_(APropos::copierLeJournal),
+      fermer_(APropos::fermer) {
+  set_title(APropos::titre);
   set_transient_for(parente);
   set_modal(true);
   set_resizable(false);
@@ -76,7 +76,7 @@ void AProposGtk::construireLesTextes() {
 }
 
 void AProposGtk::construireLeJournal() {
-  nommer(texteDuJournal_, "Journal");
+  nommer(texteDuJournal_, fenetre::Apparence::Noms::journal);
   texteDuJournal_.set_editable(false);
   texteDuJournal_.set_cursor_visible(false);
   texteDuJournal_.set_monospace(true);
@@ -94,11 +94,11 @@ void AProposGtk::construireLeJournal() {
 void AProposGtk::construireLesBoutons() {
   voir_.signal_toggled().connect([this] {
     cadreDuJournal_.set_visible(voir_.get_active());
-    voir_.set_label(voir_.get_active() ? "Cacher le journal" : "Voir le journal");
+    voir_.set_label(APropos::titreDuBoutonDuJournal(voir_.get_active()));
   });
   copier_.signal_clicked().connect([this] {
     get_clipboard()->set_text(texteDuJournal_.get_buffer()->get_text());
-    copier_.set_label("Journal copié");
+    copier_.set_label(APropos::journalCopie);
   });
   fermer_.signal_clicked().connect([this] { close(); });
   boutons_.set_halign(Gtk::Align::CENTER);
@@ -122,9 +122,8 @@ void AProposGtk::fermerSurEchap() {
 
 // Le journal grandit tant que l’application vit.
 void AProposGtk::on_show() {
-  texteDuJournal_.get_buffer()->set_text(
-      APropos::journal(systeme(), socle::Journal::etapes(), socle::Reglages::jeton()));
-  copier_.set_label(titreDeLaCopie);
+  texteDuJournal_.get_buffer()->set_text(APropos::journal(systeme()));
+  copier_.set_label(APropos::copierLeJournal);
   fermer_.grab_focus();
   Gtk::Window::on_show();
 }

@@ -66,7 +66,7 @@ void EcranGtk::construireLesBoutons() {
 }
 
 void EcranGtk::construireLeDetail() {
-  nommer(detail_, "Détail");
+  nommer(detail_, fenetre::Apparence::Noms::detail);
   detail_.set_editable(false);
   detail_.set_cursor_visible(false);
   detail_.set_monospace(true);

@@ -49,7 +49,7 @@ FenetreGtk::FenetreGtk(fenetre::ObservateurDeLaVue& observateur, socle::Environn
   contenu_.add_overlay(bandeau_);
   contenu_.set_vexpand(true);
   taire(contenu_);
-  nommer(vueWeb_.widget(), "Page");
+  nommer(vueWeb_.widget(), Apparence::Noms::page);
   pile_.append(menus_.barre());
   pile_.append(contenu_);
   set_child(pile_);

@@ -1,6 +1,8 @@
 #include "bureau/gtk/MenuDeTexte.hpp"
 
 #include "bureau/gtk/TextesDeGtk.hpp"
+#include "fenetre/Apparence.hpp"
+#include "fenetre/Menus.hpp"
 
 #include <gdk/gdk.h>
 #include <giomm/menu.h>
@@ -11,12 +13,15 @@
 #include <gtkmm/shortcuttrigger.h>
 
 namespace keltrove::bureau {
+
+namespace Menus = fenetre::Menus;
+
 namespace {
 
 Glib::RefPtr<Gio::Menu> articles() {
   const auto menu = Gio::Menu::create();
-  menu->append("Copier", "clipboard.copy");
-  menu->append("Tout sélectionner", "selection.select-all");
+  menu->append(Menus::titreDe(Menus::Action::copy), "clipboard.copy");
+  menu->append(Menus::titreDe(Menus::Action::selectAll), "selection.select-all");
   return menu;
 }
 
@@ -27,7 +32,7 @@ MenuDeTexte::MenuDeTexte(Gtk::TextView& texte) : texte_(texte), volet_(articles(
   volet_.set_has_arrow(false);
   volet_.set_halign(Gtk::Align::START);
   volet_.signal_closed().connect([this] { texte_.grab_focus(); });
-  nommerLeMenu(volet_, "Menu du texte");
+  nommerLeMenu(volet_, fenetre::Apparence::Noms::menuDUnTexte);
   ouvrirALaSouris();
   ouvrirAuClavier();
 }

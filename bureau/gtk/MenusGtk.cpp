@@ -1,6 +1,7 @@
 #include "bureau/gtk/MenusGtk.hpp"
 
 #include "bureau/gtk/TextesDeGtk.hpp"
+#include "fenetre/Apparence.hpp"
 
 #include <algorithm>
 #include <map>
@@ -43,7 +44,7 @@ std::map<Glib::ustring, Glib::ustring> touchesDe(const Menus::Menu& menu) {
 }
 
 Glib::ustring titreDe(const Menus::Menu& menu) {
-  return menu.role == Menus::Role::application ? "Keltrove" : menu.titre;
+  return menu.role == Menus::Role::application ? fenetre::Apparence::nomDeLApplication : menu.titre;
 }
 
 Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& application) {
@@ -68,7 +69,7 @@ Glib::RefPtr<Gio::Menu> traduire(const Menus::Menu& menu, Gtk::Application& appl
 
 MenusGtk::MenusGtk(Gtk::Window& fenetre) : fenetre_(fenetre) {
   gtk_window_set_handle_menubar_accel(fenetre_.gobj(), FALSE);
-  nommer(barre_, "Menus");
+  nommer(barre_, fenetre::Apparence::Noms::menus);
   ouvrirAuClavier();
   suivreLeFocus();
 }

@@ -2,6 +2,7 @@
 
 #include "bureau/gtk/DrapeauxRetenus.hpp"
 #include "bureau/gtk/ReglagesDuBureau.hpp"
+#include "fenetre/Apparence.hpp"
 
 #include <memory>
 #include <string_view>
@@ -208,7 +209,7 @@ void NotificationsDBus::notifier(const Notification& notification, Files::Numero
   GVariantBuilder actions;
   g_variant_builder_init(&actions, G_VARIANT_TYPE("as"));
   g_variant_builder_add(&actions, "s", actionDuClic);
-  g_variant_builder_add(&actions, "s", "Ouvrir");
+  g_variant_builder_add(&actions, "s", pont::titreDuClic);
   GVariantBuilder indices;
   g_variant_builder_init(&indices, G_VARIANT_TYPE("a{sv}"));
   g_variant_builder_add(&indices, "{sv}", "desktop-entry", g_variant_new_string(KELTROVE_IDENTIFIANT));
@@ -217,9 +218,9 @@ void NotificationsDBus::notifier(const Notification& notification, Files::Numero
   // page.
   const auto corps = enTexteSimple(notification.corps, balisage_ != Balisage::ignore);
   appelerLeService("Notify",
-                   g_variant_new("(susssasa{sv}i)", "Keltrove", remplace, KELTROVE_IDENTIFIANT,
-                                 sansNul(notification.titre).c_str(), corps.c_str(), &actions, &indices,
-                                 dureeDuService),
+                   g_variant_new("(susssasa{sv}i)", fenetre::Apparence::nomDeLApplication, remplace,
+                                 KELTROVE_IDENTIFIANT, sansNul(notification.titre).c_str(), corps.c_str(),
+                                 &actions, &indices, dureeDuService),
                    [fini = std::move(fini)](GVariant* reponse, const GError* erreur) {
                      if (erreur != nullptr) return fini({remiseDe(*erreur)});
                      Files::Numero numero = 0;

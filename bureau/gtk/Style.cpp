@@ -25,52 +25,64 @@ std::string police(int taille) {
   return fmt::format("font-size: {}pt;", taille * 0.75);
 }
 
-std::string regle(const char* selecteur, const std::string& corps) {
+std::string graisse(int valeur) {
+  return fmt::format("font-weight: {};", valeur);
+}
+std::string couleur(const Apparence::Couleur& c) {
+  return "color: " + enCSS(c) + ";";
+}
+std::string fond(const Apparence::Couleur& c) {
+  return "background-color: " + enCSS(c) + ";";
+}
+
+std::string regle(const std::string& selecteur, const std::string& corps) {
   return fmt::format("{} {{ {}{} }}\n", selecteur, corps, corps.ends_with(';') ? "" : ";");
 }
 
+std::string reglesDuBouton(const std::string& classe, const Ecran::FondDeBouton& fonds,
+                           const std::string& corps) {
+  const auto selecteur = ".ecran-attente button." + classe;
+  return regle(selecteur, corps + fond(fonds.repos)) + regle(selecteur + ":hover", fond(fonds.survol)) +
+         regle(selecteur + ":active", fond(fonds.presse));
+}
+
 // L’écran d’attente est sombre sous tous les thèmes : rien de ce qu’il contient ne suit celui du système.
-std::string regleDesBoutons() {
+std::string reglesDesBoutons() {
   return regle(".ecran-attente button", "background: none; border: none; box-shadow: none; outline: none; "
                                         "text-shadow: none; min-height: 0;") +
-         regle(".ecran-attente button.reessayer",
-               police(Ecran::tailleDuTexte) + "background-color: #2f6fde; color: white; font-weight: 500; "
-                                              "border-radius: 7px; padding: 6px 18px;") +
-         regle(".ecran-attente button.reessayer:hover", "background-color: #3d7cea;") +
-         regle(".ecran-attente button.reessayer:active", "background-color: #255cbd;") +
-         regle(".ecran-attente button.detail",
-               police(12) + "background-color: rgba(255,255,255,0.10); color: rgba(255,255,255,0.82);"
+         reglesDuBouton("reessayer", Ecran::reessayer,
+                        police(Ecran::tailleDuTexte) + graisse(Ecran::graisseDeReessayer) +
+                            couleur(Ecran::texteDeReessayer) + "border-radius: 7px; padding: 6px 18px;") +
+         reglesDuBouton("detail", Ecran::boutonDetail,
+                        police(Ecran::tailleDuBoutonDetail) + couleur(Ecran::texteDuBoutonDetail) +
                             "border-radius: 999px; padding: 4px 13px;") +
-         regle(".ecran-attente button.detail:hover", "background-color: rgba(255,255,255,0.16);") +
-         regle(".ecran-attente button.detail:active", "background-color: rgba(255,255,255,0.07);") +
          regle(".ecran-attente button:focus-visible",
-               "outline: 2px solid rgba(148,187,255,0.9); outline-offset: 2px;");
+               "outline: 2px solid " + enCSS(Ecran::contourDuClavier) + "; outline-offset: 2px;");
 }
 
-std::string regleDesTextes() {
+std::string reglesDesTextes() {
   return regle(".ecran-attente .titre",
-               police(Ecran::tailleDuTitre) + "font-weight: 600; color: " + enCSS(Ecran::titre)) +
-         regle(".ecran-attente .phrase", police(Ecran::tailleDuTexte) + "color: " + enCSS(Ecran::phrase)) +
+               police(Ecran::tailleDuTitre) + graisse(Ecran::graisseDuTitre) + couleur(Ecran::titre)) +
+         regle(".ecran-attente .phrase", police(Ecran::tailleDuTexte) + couleur(Ecran::phrase)) +
          regle(".ecran-attente .conseil",
-               police(Ecran::tailleDuTexte) + "font-weight: 500; color: " + enCSS(Ecran::conseil));
+               police(Ecran::tailleDuTexte) + graisse(Ecran::graisseDuConseil) + couleur(Ecran::conseil));
 }
 
-std::string regleDuDetail() {
-  return regle(".ecran-attente .cadre-detail",
-               "border-radius: 8px; background-color: " + enCSS(Ecran::fondDuDetail)) +
+std::string reglesDuDetail() {
+  return regle(".ecran-attente .cadre-detail", "border-radius: 8px;" + fond(Ecran::fondDuDetail)) +
          regle(".ecran-attente textview, .ecran-attente textview text",
                police(Ecran::tailleDuDetail) +
                    "font-family: monospace; background-color: transparent; caret-color: " +
-                   enCSS(Ecran::detail) + "; color: " + enCSS(Ecran::detail)) +
-         regle(".ecran-attente textview text selection", "background-color: #2f6fde; color: white;") +
+                   enCSS(Ecran::detail) + ";" + couleur(Ecran::detail)) +
+         regle(".ecran-attente textview text selection", fond(Ecran::selection) + couleur(Ecran::titre)) +
          regle(".ecran-attente scrollbar", "background: none; border: none;") +
          regle(".ecran-attente scrollbar slider",
-               "background-color: rgba(255,255,255,0.28); border: none; min-width: 6px; border-radius: 6px;");
+               fond(Ecran::ascenseur) + "border: none; min-width: 6px; border-radius: 6px;");
 }
 
 // GTK estompe trop, pour être lus, le titre du menu ouvert, les touches d’un article et ceux qui sont sans
 // effet.
-std::string regleDesArticles() {
+std::string reglesDesArticles() {
   return regle("window.keltrove menubar > item:selected", "color: inherit") +
          regle("popover.menu modelbutton accelerator", "color: alpha(currentColor, 0.8)") +
          regle("popover.menu modelbutton:disabled", "color: alpha(currentColor, 0.6)") +
@@ -78,7 +90,7 @@ std::string regleDesArticles() {
 }
 
 // Sans compositeur, la transparence autour d’un menu ouvert est un cadre noir : l’ombre n’y a pas sa place.
-std::string regleDesMenus() {
+std::string reglesDesMenus() {
   if (Gdk::Display::get_default()->is_composited()) return {};
   return regle("popover.menu > contents", "box-shadow: none; margin: 0; border-radius: 0;") +
          regle("popover.menu", "padding: 0;");
@@ -87,13 +99,12 @@ std::string regleDesMenus() {
 } // namespace
 
 Glib::ustring feuilleDeStyle() {
-  return regle("window.keltrove.sombre", "background-color: " + enCSS(Apparence::fondSombre)) +
-         regle("window.keltrove.clair", "background-color: " + enCSS(Apparence::fondClair)) +
-         regle(".ecran-attente", "background-color: " + enCSS(Apparence::fondSombre)) + regleDesTextes() +
-         regleDesBoutons() + regleDuDetail() + regleDesArticles() + regleDesMenus() +
-         regle(".bandeau", police(Bandeau::tailleDuTexte) + "color: " + enCSS(Bandeau::texte) +
-                               "; background-color: " + enCSS(Bandeau::fond) +
-                               fmt::format("; border-radius: {}px; padding: 0 4px;", Bandeau::arrondi));
+  return regle("window.keltrove.sombre", fond(Apparence::fondSombre)) +
+         regle("window.keltrove.clair", fond(Apparence::fondClair)) +
+         regle(".ecran-attente", fond(Apparence::fondSombre)) + reglesDesTextes() + reglesDesBoutons() +
+         reglesDuDetail() + reglesDesArticles() + reglesDesMenus() +
+         regle(".bandeau", police(Bandeau::tailleDuTexte) + couleur(Bandeau::texte) + fond(Bandeau::fond) +
+                               fmt::format("border-radius: {}px; padding: 0 4px;", Bandeau::arrondi));
 }
 
 // Ni le nom du thème ni une préférence n’y suffiraient : l’environnement peut imposer une variante.

@@ -1,5 +1,7 @@
 #include "bureau/gtk/TextesDeGtk.hpp"
 
+#include "fenetre/Apparence.hpp"
+
 #include <array>
 #include <memory>
 #include <string_view>
@@ -55,7 +57,7 @@ void nommer(Gtk::Widget& element, const Glib::ustring& nom) {
 
 void nommerLesAscenseurs(Gtk::Widget& racine) {
   parcourir(racine.gobj(), [](GtkWidget* element) {
-    if (estUn(element, ascenseurs)) nommer(GTK_ACCESSIBLE(element), "Défilement");
+    if (estUn(element, ascenseurs)) nommer(GTK_ACCESSIBLE(element), fenetre::Apparence::Noms::defilement);
   });
 }
 

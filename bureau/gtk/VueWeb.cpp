@@ -3,6 +3,7 @@
 #include "bureau/gtk/CurseurDeTexte.hpp"
 #include "bureau/gtk/EssaiDeLancement.hpp"
 #include "fenetre/LecteurDEcran.hpp"
+#include "fenetre/PourLaPage.hpp"
 #include "fenetre/VueWebDepot.hpp"
 #include "pont/PontNotifications.hpp"
 
@@ -14,6 +15,9 @@
 #include <nlohmann/json.hpp>
 
 namespace keltrove::bureau {
+
+using fenetre::CauseDEchec;
+
 namespace {
 
 template <typename T>
@@ -37,7 +41,8 @@ WebKitWebView* creerLaVue() {
   const Objet<WebKitSettings> reglages(webkit_settings_new());
   webkit_settings_set_enable_developer_extras(reglages.get(), TRUE);
   // À quoi le serveur reconnaît la fenêtre de l’application.
-  webkit_settings_set_user_agent_with_application_details(reglages.get(), "Keltrove", nullptr);
+  webkit_settings_set_user_agent_with_application_details(reglages.get(),
+                                                          fenetre::Apparence::nomDeLApplication, nullptr);
   webkit_settings_set_enable_back_forward_navigation_gestures(reglages.get(), FALSE);
   // Un programme autorisé à écrire dans le presse-papiers le fait quand il veut, sans attendre un geste.
   webkit_settings_set_javascript_can_access_clipboard(reglages.get(), TRUE);
@@ -121,7 +126,7 @@ void VueWeb::collerLaSelectionAuClavier() {
   auto* action = gtk_callback_action_new(
       [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
         auto* vueWeb = static_cast<VueWeb*>(moi);
-        vueWeb->appeler("dispatchEvent(new Event('collerlaselection'))", nlohmann::json::object());
+        vueWeb->appeler(fenetre::PourLaPage::voiciLaSelection, nlohmann::json::object());
         vueWeb->editer("PasteGlobalSelection");
         return TRUE;
       },
@@ -202,8 +207,7 @@ void VueWeb::envoyer(const std::string& adresse, fenetre::Destination destinatio
 
 void VueWeb::charger(const std::string& adresse) {
   if (!peutLancerUnProcessus()) {
-    observateur_.quandNavigationRatee(
-        {.description = "Le système n’a plus de quoi lancer le programme qui dessine la page."});
+    observateur_.quandNavigationRatee({.cause = CauseDEchec::lancementRefuse});
     return;
   }
   origine_ = adresse.substr(0, adresse.find('/', adresse.find("://") + 3));
@@ -276,15 +280,14 @@ void VueWeb::quandLeChargementChange(WebKitLoadEvent evenement) {
 void VueWeb::quandLeChargementEchoue(const GError& erreur) {
   rate_ = true;
   const bool annulee = g_error_matches(&erreur, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED);
-  observateur_.quandNavigationRatee({.annulee = annulee, .description = erreur.message});
+  observateur_.quandNavigationRatee(
+      {.cause = annulee ? CauseDEchec::annulation : CauseDEchec::chargement, .description = erreur.message});
 }
 
 void VueWeb::quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison) {
   rate_ = true;
-  const auto* description = raison == WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT
-                                ? "Le programme qui dessine la page a dépassé la mémoire permise."
-                                : "Le programme qui dessine la page s’est arrêté.";
-  observateur_.quandNavigationRatee({.description = description});
+  const bool memoire = raison == WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT;
+  observateur_.quandNavigationRatee({.cause = memoire ? CauseDEchec::memoireDepassee : CauseDEchec::arret});
 }
 
 } // namespace keltrove::bureau

@@ -10,6 +10,7 @@
 #include "bureau/gtk/RenduSansCarte.hpp"
 #include "bureau/gtk/Reouverture.hpp"
 #include "bureau/gtk/SignauxDuTerminal.hpp"
+#include "fenetre/Apparence.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
 
@@ -55,7 +56,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
   bureau::ecarterUnBusAbsent();
   g_set_prgname("keltrove");
-  g_set_application_name("Keltrove");
+  g_set_application_name(fenetre::Apparence::nomDeLApplication);
   if (!gtk_init_check()) return sansEcran();
   bureau::retirerDesTouchesAuxTextes();
   const auto boucle = contexte.boucle;

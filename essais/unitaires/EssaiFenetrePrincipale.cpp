@@ -242,10 +242,23 @@ TEST_F(EssaiFenetre, UnePageRateeMontreLeProblemeAvecSonDetailEtSeNote) {
   EXPECT_EQ(derniereEtape(), (Journal::Details{{"etape", "page-ratee"}, {"raison", "Connexion refusée"}}));
 }
 
+TEST_F(EssaiFenetre, LaRaisonDUnePageSansProgrammeSeDitEnClair) {
+  const std::vector<std::pair<CauseDEchec, std::string>> raisons{
+      {CauseDEchec::lancementRefuse, "Le système n’a plus de quoi lancer le programme qui dessine la page."},
+      {CauseDEchec::memoireDepassee, "Le programme qui dessine la page a dépassé la mémoire permise."},
+      {CauseDEchec::arret, "Le programme qui dessine la page s’est arrêté."}};
+  for (const auto& [cause, raison] : raisons) {
+    fenetre.chargerLaPage(8080);
+    vue.observateur->quandNavigationRatee({.cause = cause});
+    EXPECT_EQ(vue.ecran().detail, raison);
+    EXPECT_EQ(derniereEtape().at("raison"), Journal::Valeur(raison));
+  }
+}
+
 TEST_F(EssaiFenetre, UnChargementRemplaceParUnAutreNeMontreRien) {
   fenetre.chargerLaPage(8080);
   fenetre.chargerLaPage(8081);
-  vue.observateur->quandNavigationRatee({.annulee = true, .description = "annulé"});
+  vue.observateur->quandNavigationRatee({.cause = CauseDEchec::annulation, .description = "annulé"});
   EXPECT_TRUE(vue.ecrans.empty());
   EXPECT_TRUE(Journal::etapes().empty());
 }

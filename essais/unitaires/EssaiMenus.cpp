@@ -14,6 +14,7 @@ using Menus::Action;
 using Menus::Article;
 using Menus::Cible;
 using Menus::Raccourci;
+using Menus::Role;
 using Menus::Separateur;
 using Lignes = std::vector<std::variant<Article, Separateur>>;
 
@@ -72,6 +73,27 @@ TEST(EssaiMenus, CommandeEstDeTousLesRaccourcisEtSeulLeRechargementAUneCible) {
       EXPECT_TRUE(!article->raccourci || article->raccourci->modificateurs.commande) << article->titre;
       EXPECT_EQ(article->cible == Cible::fenetrePrincipale, article->action == Action::rechargerVraiment);
     }
+}
+
+TEST(EssaiMenus, CertainsMenusOntUnRolePourLeSysteme) {
+  std::vector<Role> roles;
+  for (const auto& menu : Menus::barre())
+    roles.push_back(menu.role);
+  EXPECT_EQ(roles, (std::vector{Role::application, Role::ordinaire, Role::ordinaire, Role::fenetres}));
+}
+
+TEST(EssaiMenus, UneActionALeTitreDeSonArticleEtLeNomQuOnLuiConnait) {
+  EXPECT_EQ(Menus::titreDe(Action::copy), "Copier");
+  EXPECT_EQ(Menus::titreDe(Action::arrangeInFront), "Tout ramener au premier plan");
+  std::vector<std::string> noms;
+  for (const auto& menu : Menus::barre())
+    for (const auto& ligne : menu.articles)
+      if (const auto* article = std::get_if<Article>(&ligne)) noms.push_back(Menus::nomDe(article->action));
+  EXPECT_EQ(noms, (std::vector<std::string>{"orderFrontStandardAboutPanel", "hide", "hideOtherApplications",
+                                            "unhideAllApplications", "terminate", "undo", "redo", "cut",
+                                            "copy", "paste", "pasteAsPlainText", "selectAll",
+                                            "rechargerVraiment", "toggleFullScreen", "performMiniaturize",
+                                            "performClose", "arrangeInFront"}));
 }
 
 TEST(EssaiMenus, AucunRaccourciNeSertDeuxFois) {

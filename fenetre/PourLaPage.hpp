@@ -1,0 +1,17 @@
+// PourLaPage : ce que l’application dit à la page de terminaux, en JavaScript. Une page qui n’écoute pas n’en
+// voit rien. Sans état.
+#pragma once
+
+#include <string>
+
+namespace keltrove::fenetre::PourLaPage {
+
+// L’utilisateur est devant l’application, ou ailleurs.
+inline std::string regard(bool ici) {
+  return std::string("window.keltrovePont?.regard?.(") + (ici ? "true" : "false") + ")";
+}
+
+// Le collage qui suit est celui de la sélection, non du presse-papiers : rien d’autre ne les distingue.
+inline constexpr const char* voiciLaSelection = "dispatchEvent(new Event('collerlaselection'))";
+
+} // namespace keltrove::fenetre::PourLaPage
