@@ -1,6 +1,7 @@
 #include "bureau/gtk/FenetreGtk.hpp"
 
 #include "bureau/gtk/CadreMemorise.hpp"
+#include "bureau/gtk/FenetreX11.hpp"
 #include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "bureau/gtk/Style.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
@@ -14,9 +15,6 @@
 #include <gtkmm/settings.h>
 #include <gtkmm/stylecontext.h>
 #include <malloc.h>
-#ifdef GDK_WINDOWING_X11
-#include <gdk/x11/gdkx.h>
-#endif
 
 namespace keltrove::bureau {
 
@@ -145,17 +143,9 @@ void FenetreGtk::mettreDevant() {
 }
 
 std::int64_t FenetreGtk::mettreDerriere() {
-  std::int64_t numero = 0;
   gtk_widget_realize(GTK_WIDGET(gobj()));
   auto* surface = gtk_native_get_surface(GTK_NATIVE(gobj()));
-#ifdef GDK_WINDOWING_X11
-  if (GDK_IS_X11_SURFACE(surface)) {
-    numero = static_cast<std::int64_t>(gdk_x11_surface_get_xid(surface));
-    // Une heure nulle dit au gestionnaire de fenêtres de ne pas nous donner le clavier.
-    gdk_x11_surface_set_user_time(surface, 0);
-    gdk_x11_surface_set_skip_taskbar_hint(surface, TRUE);
-  }
-#endif
+  const auto numero = effacerLaFenetre(surface);
   set_visible(true);
   gdk_toplevel_lower(GDK_TOPLEVEL(surface));
   return numero;
