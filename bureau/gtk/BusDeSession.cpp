@@ -27,17 +27,37 @@ bool estALaPlaceConvenue() {
          bus.st_uid == ::geteuid();
 }
 
-} // namespace
-
-void ecarterUnBusAbsent() {
+bool ecarterLeBusDeSessionAbsent() {
   constexpr const char* variable = "DBUS_SESSION_BUS_ADDRESS";
   const char* adresse = std::getenv(variable);
-  if (adresse != nullptr ? repond(adresse) : estALaPlaceConvenue()) return;
+  if (adresse != nullptr ? repond(adresse) : estALaPlaceConvenue()) return false;
   // Le mot que GLib et WebKit comprennent pour « aucun bus, et n’en lancez pas ».
   ::setenv(variable, "disabled:", 1);
-  // GTK 4.8 nomme ses objets accessibles d’après l’adresse de l’application sur ce bus : sans elle, il
-  // s’arrête net en fermant sa fenêtre, dès qu’un bus d’accessibilité se trouve par l’écran.
+  return true;
+}
+
+// Ce que GTK et WebKit demanderaient, chacun pour soi.
+bool offreLAccessibilite() {
+  if (const char* adresse = std::getenv("AT_SPI_BUS_ADDRESS")) return *adresse != '\0';
+  auto* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+  if (bus == nullptr) return false;
+  auto* reponse =
+      g_dbus_connection_call_sync(bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", nullptr,
+                                  G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+  const bool offerte = reponse != nullptr;
+  if (offerte) g_variant_unref(reponse);
+  g_object_unref(bus);
+  return offerte;
+}
+
+} // namespace
+
+void ecarterLesBusAbsents() {
+  if (!ecarterLeBusDeSessionAbsent() && offreLAccessibilite()) return;
+  // GTK 4.8 nomme ses objets accessibles d’après l’adresse de l’application sur le bus de session : sans
+  // elle, il s’arrête net en fermant sa fenêtre, dès qu’un bus d’accessibilité se trouve par l’écran.
   ::setenv("GTK_A11Y", "none", 1);
+  ::setenv("WEBKIT_A11Y_BUS_ADDRESS", "", 1);
 }
 
 } // namespace keltrove::bureau

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include <gtk/gtk.h>
+
 namespace keltrove::bureau {
 namespace {
 
@@ -16,13 +18,22 @@ bool aUneCarte() {
   return false;
 }
 
+// L’ancien réglage serait refusé d’une ligne sur la console, et perdu.
+void sePasserDeGL() {
+  const bool nouveauReglage = gtk_check_version(4, 16, 0) == nullptr;
+  if (nouveauReglage)
+    ::setenv("GDK_DISABLE", "gl", 0);
+  else
+    ::setenv("GDK_DEBUG", "gl-disable", 0);
+}
+
 } // namespace
 
 void choisirLeRendu() {
   if (aUneCarte()) return;
   ::setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 0);
   ::setenv("GSK_RENDERER", "cairo", 0);
-  ::setenv("GDK_DEBUG", "gl-disable", 0);
+  sePasserDeGL();
 }
 
 } // namespace keltrove::bureau

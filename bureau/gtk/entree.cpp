@@ -54,7 +54,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   bureau::retenirLesSignauxDuTerminal();
   bureau::choisirLeRendu();
   const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
-  bureau::ecarterUnBusAbsent();
+  bureau::ecarterLesBusAbsents();
   g_set_prgname("keltrove");
   g_set_application_name(fenetre::Apparence::nomDeLApplication);
   if (!gtk_init_check()) return sansEcran();

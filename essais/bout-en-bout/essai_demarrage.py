@@ -122,8 +122,8 @@ class Demarrage(Cas):
         (serveur,) = application.serveurs()
         with open(f"/proc/{serveur}/environ") as fichier:
             noms = {variable.split("=")[0] for variable in fichier.read().split("\0")}
-        self.assertFalse(noms & {"WEBKIT_DISABLE_DMABUF_RENDERER", "GSK_RENDERER", "GDK_DEBUG",
-                                 "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"})
+        self.assertFalse(noms & {"WEBKIT_DISABLE_DMABUF_RENDERER", "GSK_RENDERER", "GDK_DEBUG", "GDK_DISABLE",
+                                 "WEBKIT_A11Y_BUS_ADDRESS", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"})
         self.assertEqual(os.getpgid(serveur), serveur)
         self.assertEqual(sorted(os.listdir(f"/proc/{serveur}/fd"), key=int)[:3], ["0", "1", "2"])
         application.quitter()
