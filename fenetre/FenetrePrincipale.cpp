@@ -85,6 +85,14 @@ void FenetrePrincipale::quandUnLienNeSOuvrePas(const std::string& adresse) {
   afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
 }
 
+void FenetrePrincipale::quandDesFichiersSontIllisibles(std::size_t combien) {
+  afficherBandeau(combien == 1 ? "Un fichier n’a pas été déposé : son nom est illisible. Renommez-le d’abord."
+                               : fmt::format("{} fichiers n’ont pas été déposés : leur nom est illisible. "
+                                             "Renommez-les d’abord.",
+                                             combien),
+                  dureeDUnAvis);
+}
+
 void FenetrePrincipale::quandLeRegardChange(bool ici) {
   if (ici == regardIci_) return;
   regardIci_ = ici;

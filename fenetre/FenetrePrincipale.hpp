@@ -59,6 +59,7 @@ private:
   void quandOnRecharge() override { rechargerVraiment(); }
   void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) override;
   void quandUnLienNeSOuvrePas(const std::string& adresse) override;
+  void quandDesFichiersSontIllisibles(std::size_t combien) override;
   void quandLeRegardChange(bool ici) override;
   void quandLeLecteurDEcranChange(const LecteurDEcran& lecteur) override;
 

@@ -9,6 +9,7 @@
 #include "fenetre/LecteurDEcran.hpp"
 #include "pont/MessageDeLaPage.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -52,6 +53,8 @@ public:
   virtual void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) = 0;
   // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
   virtual void quandUnLienNeSOuvrePas(const std::string& adresse) = 0;
+  // D’un dépôt, tant de fichiers ont un nom que la page ne peut recevoir ; les autres y sont.
+  virtual void quandDesFichiersSontIllisibles(std::size_t combien) = 0;
   // L’utilisateur est-il devant l’application, fût-ce dans un de ses menus ou une de ses boîtes ?
   virtual void quandLeRegardChange(bool ici) = 0;
   // Dès qu’on le sait, puis quand cela change.

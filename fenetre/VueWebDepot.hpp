@@ -63,6 +63,8 @@ public:
   // Rien : à la vue web de faire. Sinon, vrai si des chemins ont été remis.
   std::optional<bool> performDragOperation(const Glissement& glissement);
   Reponse concludeDragOperation();
+  // Un dépôt d’adresses que la vue web ne verra pas : la page le reçoit comme elle l’aurait reçu d’elle.
+  void deposerDesAdresses(const std::string& adresses, const Glissement& glissement);
 
   bool glisserDeFichiers() const { return glisserDeFichiers_; }
 

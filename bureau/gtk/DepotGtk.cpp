@@ -4,19 +4,30 @@
 
 #include <utility>
 
+#include <glibmm/main.h>
 #include <nlohmann/json.hpp>
 
 namespace keltrove::bureau {
 
-DepotGtk::DepotGtk(VueWeb& vueWeb)
+namespace {
+
+constexpr unsigned int entreDeuxRegards = 300; // millisecondes
+
+} // namespace
+
+DepotGtk::DepotGtk(VueWeb& vueWeb, std::function<void(std::size_t)> ecarterDesIllisibles)
     : vueWeb_(vueWeb), vue_(vueWeb.widget().gobj()),
-      depot_(
-          [this](const char* corps, const nlohmann::json& arguments) { vueWeb_.appeler(corps, arguments); }) {
+      suivi_({.appelerLaPage = [this](const char* corps,
+                                      const nlohmann::json& arguments) { vueWeb_.appeler(corps, arguments); },
+              .rendreALaVueWeb = [this] { rendreAWebKit(); },
+              .conclure = [this](bool remis) { conclure(remis); },
+              .ecarterDesIllisibles = std::move(ecarterDesIllisibles)}) {
   garderCelleDeWebKit();
   poserLaNotre();
 }
 
 DepotGtk::~DepotGtk() {
+  guet_.disconnect();
   g_clear_object(&courant_);
 }
 
@@ -37,7 +48,7 @@ void DepotGtk::garderCelleDeWebKit() {
   notreAccord_ =
       g_signal_connect(celleDeWebKit_, "accept",
                        G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
-                         return !moi->estANous(glissement) && moi->accepterPourWebKit(glissement);
+                         return !pourraitPorterDesFichiers(glissement) && moi->accepterPourWebKit(glissement);
                        }),
                        this);
 }
@@ -57,7 +68,7 @@ void DepotGtk::poserLaNotre() {
   gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(cible), GTK_PHASE_CAPTURE);
   g_signal_connect(cible, "accept",
                    G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
-                     return moi->estANous(glissement);
+                     return moi->accepter(glissement);
                    }),
                    this);
   g_signal_connect(cible, "drag-enter",
@@ -72,92 +83,101 @@ void DepotGtk::poserLaNotre() {
                    this);
   g_signal_connect(cible, "drag-leave",
                    G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop*, DepotGtk* moi) { moi->sortir(); }), this);
-  g_signal_connect(cible, "drop",
-                   G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, double x, double y,
-                                  DepotGtk* moi) -> gboolean {
-                     moi->deposer(glissement, x, y);
-                     return TRUE;
-                   }),
-                   this);
+  g_signal_connect(
+      cible, "drop",
+      G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop*, double x, double y, DepotGtk* moi) -> gboolean {
+        moi->deposer(x, y);
+        return TRUE;
+      }),
+      this);
   gtk_widget_add_controller(vue_, GTK_EVENT_CONTROLLER(cible));
 }
 
-bool DepotGtk::estANous(GdkDrop* glissement) {
+bool DepotGtk::accepter(GdkDrop* glissement) {
   if (!pourraitPorterDesFichiers(glissement)) return false;
   if (glissement != courant_) examiner(glissement);
-  return contenu_ != Contenu::autre;
+  return true;
 }
 
 void DepotGtk::examiner(GdkDrop* glissement) {
+  suivi_.commencer();
   g_set_object(&courant_, glissement);
-  contenu_ = Contenu::inconnu;
-  chemins_.clear();
-  lache_ = false;
-  lireLesChemins(glissement,
-                 [this, glissement, existe = std::weak_ptr(existe_)](std::vector<std::string> chemins) {
-                   if (existe.lock() && glissement == courant_) quandOnSaitCeQuIlPorte(std::move(chemins));
-                 });
+  deWebKit_ = {};
+  lireCeQuIlPorte(glissement, temoin_.garder([this, glissement](fenetre::Portes portes) {
+    if (glissement == courant_) suivi_.apprendre(std::move(portes));
+  }));
 }
 
-void DepotGtk::quandOnSaitCeQuIlPorte(std::vector<std::string> chemins) {
-  contenu_ = chemins.empty() ? Contenu::autre : Contenu::fichiers;
-  chemins_ = std::move(chemins);
-  if (!dessus_) return;
-  depot_.draggingEntered(glissement());
-  if (lache_)
-    remettre(courant_);
-  else if (contenu_ == Contenu::autre)
-    rendreAWebKit();
-}
-
-// GTK ne redemande son accord à une cible que si le glissement revient sur elle : la vue s’efface un instant,
-// et notre sortie la rétablit.
+// GTK ne change pas de cible en plein glissement : WebKit reçoit de nous ce qu’il aurait reçu de lui.
 void DepotGtk::rendreAWebKit() {
-  gtk_widget_set_can_target(vue_, FALSE);
+  if (accepterPourWebKit(courant_)) direAWebKit("drag-enter");
+}
+
+GdkDragAction DepotGtk::direAWebKit(const char* signal) {
+  if (celleDeWebKit_ != nullptr) g_signal_emit_by_name(celleDeWebKit_, signal, courant_, x_, y_, &deWebKit_);
+  return deWebKit_ != GdkDragAction{} ? deWebKit_ : GDK_ACTION_COPY;
 }
 
 GdkDragAction DepotGtk::entrer(double x, double y) {
-  point_ = {.x = x, .y = y};
-  dessus_ = true;
-  if (contenu_ != Contenu::inconnu) depot_.draggingEntered(glissement());
-  return operation();
+  x_ = x;
+  y_ = y;
+  suivi_.entrer({.x = x, .y = y}, mesures());
+  if (estAWebKit()) rendreAWebKit();
+  guetterLaSource();
+  return GDK_ACTION_COPY;
+}
+
+// GTK ne dit la mort de la source d’un glissement qu’au début du suivant.
+void DepotGtk::guetterLaSource() {
+  guet_.disconnect();
+  guet_ = Glib::signal_timeout().connect(
+      [this] {
+        if (suivi_.survole() && !aEncoreSaSource(courant_)) suivi_.interrompre();
+        return suivi_.survole();
+      },
+      entreDeuxRegards);
 }
 
 GdkDragAction DepotGtk::bouger(double x, double y) {
-  point_ = {.x = x, .y = y};
-  depot_.draggingUpdated(glissement());
-  return operation();
-}
-
-GdkDragAction DepotGtk::operation() const {
-  return contenu_ == Contenu::autre ? GdkDragAction{} : GDK_ACTION_COPY;
+  x_ = x;
+  y_ = y;
+  suivi_.bouger({.x = x, .y = y}, mesures());
+  return estAWebKit() ? direAWebKit("drag-motion") : GDK_ACTION_COPY;
 }
 
 void DepotGtk::sortir() {
-  dessus_ = false;
-  gtk_widget_set_can_target(vue_, TRUE);
-  depot_.draggingExited();
+  suivi_.sortir();
+  if (estAWebKit()) quitterWebKit();
 }
 
-void DepotGtk::deposer(GdkDrop* glissement, double x, double y) {
-  point_ = {.x = x, .y = y};
-  if (contenu_ == Contenu::inconnu)
-    lache_ = true;
-  else
-    remettre(glissement);
+void DepotGtk::quitterWebKit() {
+  if (celleDeWebKit_ != nullptr) g_signal_emit_by_name(celleDeWebKit_, "drag-leave", courant_);
 }
 
-void DepotGtk::remettre(GdkDrop* glissement) {
-  const bool remis = depot_.performDragOperation(this->glissement()).value_or(false);
-  depot_.concludeDragOperation();
-  dessus_ = false;
-  gdk_drop_finish(glissement, remis ? GDK_ACTION_COPY : GdkDragAction{});
+// Lâché avant que WebKit ne l’ait lu, il s’y perdrait.
+void DepotGtk::deposer(double x, double y) {
+  if (estAWebKit() && deWebKit_ != GdkDragAction{}) {
+    gboolean pris = FALSE;
+    g_signal_emit_by_name(celleDeWebKit_, "drop", courant_, x, y, &pris);
+    return;
+  }
+  if (estAWebKit()) quitterWebKit();
+  suivi_.deposer({.x = x, .y = y}, mesures());
 }
 
-fenetre::Glissement DepotGtk::glissement() const {
-  return {.chemins = chemins_,
-          .point = point_,
-          .vue = {.hauteur = static_cast<double>(gtk_widget_get_height(vue_)), .zoom = vueWeb_.zoom()}};
+void DepotGtk::conclure(bool remis) {
+  gdk_drop_finish(courant_, remis ? GDK_ACTION_COPY : GdkDragAction{});
+}
+
+// Sans bouger encore, la source ne saurait pas que l’on n’en veut plus, et attendrait sans fin la suite du
+// dépôt.
+void DepotGtk::couvrir(bool couverte) {
+  if (couverte && suivi_.survole()) gdk_drop_status(courant_, GdkDragAction{}, GdkDragAction{});
+  suivi_.couvrir(couverte);
+}
+
+fenetre::MesuresDeLaVue DepotGtk::mesures() const {
+  return mesurer(vue_, vueWeb_.zoom());
 }
 
 } // namespace keltrove::bureau

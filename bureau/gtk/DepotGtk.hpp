@@ -1,62 +1,65 @@
 // DepotGtk : les glissements au-dessus de la page, rapportés au comportement.
 //
-// Une cible à nous, posée sur la vue, prend les glissements qui portent des fichiers ; celle de WebKit garde
-// tous les autres. Ce qu’un glissement porte ne se sait qu’après l’avoir lu : jusque-là il est à nous, puis
-// rendu.
+// Une cible à nous, posée sur la vue, prend tout ce qui pourrait être des fichiers ; celle de WebKit garde le
+// reste. Ce qu’un glissement porte ne se sait qu’après l’avoir lu : s’il n’en est pas, notre cible répète à
+// WebKit tout ce qu’elle reçoit.
 #pragma once
 
 #include "bureau/gtk/VueWeb.hpp"
-#include "fenetre/VueWebDepot.hpp"
+#include "fenetre/SuiviDuGlissement.hpp"
+#include "socle/Temoin.hpp"
 
-#include <memory>
-#include <string>
-#include <vector>
+#include <cstddef>
+#include <functional>
 
 #include <gtk/gtk.h>
+#include <sigc++/connection.h>
 
 namespace keltrove::bureau {
 
 class DepotGtk {
 public:
-  explicit DepotGtk(VueWeb& vueWeb);
+  // `ecarterDesIllisibles` reçoit combien de fichiers d’un dépôt ont un nom que la page ne peut lire.
+  DepotGtk(VueWeb& vueWeb, std::function<void(std::size_t)> ecarterDesIllisibles);
   DepotGtk(const DepotGtk&) = delete;
   DepotGtk& operator=(const DepotGtk&) = delete;
   ~DepotGtk();
 
-private:
-  enum class Contenu { inconnu, fichiers, autre };
+  // L’écran d’attente est, ou n’est plus, devant la page.
+  void couvrir(bool couverte);
 
+private:
   void garderCelleDeWebKit();
   void poserLaNotre();
 
-  bool estANous(GdkDrop* glissement);
+  bool accepter(GdkDrop* glissement);
   bool accepterPourWebKit(GdkDrop* glissement);
   void examiner(GdkDrop* glissement);
-  void quandOnSaitCeQuIlPorte(std::vector<std::string> chemins);
   void rendreAWebKit();
+  bool estAWebKit() const { return !suivi_.estANous(); }
+  GdkDragAction direAWebKit(const char* signal);
+  void quitterWebKit();
+  void guetterLaSource();
   GdkDragAction entrer(double x, double y);
   GdkDragAction bouger(double x, double y);
-  GdkDragAction operation() const;
   void sortir();
-  void deposer(GdkDrop* glissement, double x, double y);
-  void remettre(GdkDrop* glissement);
-  fenetre::Glissement glissement() const;
+  void deposer(double x, double y);
+  void conclure(bool remis);
+  fenetre::MesuresDeLaVue mesures() const;
 
   VueWeb& vueWeb_;
   GtkWidget* const vue_;
-  fenetre::VueWebDepot depot_;
+  fenetre::SuiviDuGlissement suivi_;
   GtkDropTargetAsync* celleDeWebKit_ = nullptr;
   gulong accordDeWebKit_ = 0;
   gulong notreAccord_ = 0;
 
   GdkDrop* courant_ = nullptr; // tenu
-  Contenu contenu_ = Contenu::inconnu;
-  std::vector<std::string> chemins_;
-  fenetre::Point point_;
-  bool dessus_ = false;
-  bool lache_ = false;
-  // Une lecture peut finir après nous.
-  std::shared_ptr<const bool> existe_ = std::make_shared<const bool>(true);
+  GdkDragAction deWebKit_{};   // ce qu’il en ferait : rien tant qu’il ne l’a pas lu à son tour
+  double x_ = 0;
+  double y_ = 0;
+  sigc::connection guet_;
+  socle::Temoin temoin_; // une lecture peut finir après nous
 };
 
 } // namespace keltrove::bureau

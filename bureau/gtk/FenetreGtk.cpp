@@ -118,6 +118,7 @@ bool FenetreGtk::on_close_request() {
 void FenetreGtk::dessiner(const fenetre::EtatEcran& etat) {
   // Sous l’écran, la page ne doit recevoir ni touche ni focus.
   vueWeb_.widget().set_can_focus(!etat.visible);
+  depot_.couvrir(etat.visible);
   ecran_.dessiner(etat);
   if (etat.visible) return;
   vueWeb_.widget().grab_focus();

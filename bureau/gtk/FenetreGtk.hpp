@@ -59,7 +59,8 @@ private:
   Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
   VueWeb vueWeb_{observateur_, [this](const std::string& adresse) { ouvrirLeLien(adresse); }};
-  DepotGtk depot_{vueWeb_};
+  DepotGtk depot_{vueWeb_,
+                  [this](std::size_t combien) { observateur_.quandDesFichiersSontIllisibles(combien); }};
   MenusGtk menus_{*this};
   ActionsGtk actions_;
   EcranGtk ecran_{observateur_};

@@ -6,6 +6,9 @@
 #include <giomm/inputstream.h>
 #include <glibmm/bytes.h>
 #include <glibmm/error.h>
+#ifdef GDK_WINDOWING_X11
+#include <gdk/x11/gdkx.h>
+#endif
 
 namespace keltrove::bureau {
 namespace {
@@ -22,23 +25,27 @@ bool estCetteMachine(const char* hote) {
          g_ascii_strcasecmp(hote, g_get_host_name()) == 0;
 }
 
-std::vector<std::string> cheminsDe(const std::string& liste) {
+fenetre::Portes portesPar(const std::string& liste) {
   const std::unique_ptr<char*, decltype(&g_strfreev)> adresses(g_uri_list_extract_uris(liste.c_str()),
                                                                &g_strfreev);
-  std::vector<std::string> chemins;
+  fenetre::Portes portes;
   for (char** adresse = adresses.get(); *adresse != nullptr; ++adresse) {
     char* hote = nullptr;
     const PourGLib<char> chemin(g_filename_from_uri(*adresse, &hote, nullptr), &g_free);
     const PourGLib<char> nomDeLHote(hote, &g_free);
-    if (chemin && estCetteMachine(hote) && g_utf8_validate(chemin.get(), -1, nullptr))
-      chemins.emplace_back(chemin.get());
+    if (g_utf8_validate(*adresse, -1, nullptr)) portes.adresses += std::string(*adresse) + "\n";
+    if (!chemin || !estCetteMachine(hote)) continue;
+    if (g_utf8_validate(chemin.get(), -1, nullptr))
+      portes.chemins.emplace_back(chemin.get());
+    else
+      ++portes.illisibles;
   }
-  return chemins;
+  return portes;
 }
 
 class Lecture : public std::enable_shared_from_this<Lecture> {
 public:
-  Lecture(const Glib::RefPtr<Gio::InputStream>& flux, std::function<void(std::vector<std::string>)> fini)
+  Lecture(const Glib::RefPtr<Gio::InputStream>& flux, std::function<void(fenetre::Portes)> fini)
       : flux_(flux), fini_(std::move(fini)) {}
 
   void continuer() {
@@ -54,7 +61,7 @@ private:
       const auto recu = flux_->read_bytes_finish(resultat);
       gsize taille = 0;
       const auto* octets = static_cast<const char*>(recu->get_data(taille));
-      if (taille == 0) return fini_(cheminsDe(liste_));
+      if (taille == 0) return fini_(portesPar(liste_));
       liste_.append(octets, taille);
     } catch (const Glib::Error&) {
       return fini_({});
@@ -64,7 +71,7 @@ private:
   }
 
   Glib::RefPtr<Gio::InputStream> flux_;
-  std::function<void(std::vector<std::string>)> fini_;
+  std::function<void(fenetre::Portes)> fini_;
   std::string liste_;
 };
 
@@ -75,8 +82,8 @@ bool pourraitPorterDesFichiers(GdkDrop* glissement) {
          gdk_content_formats_contain_mime_type(gdk_drop_get_formats(glissement), listeDAdresses);
 }
 
-void lireLesChemins(GdkDrop* glissement, std::function<void(std::vector<std::string>)> fini) {
-  using Suite = std::function<void(std::vector<std::string>)>;
+void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> fini) {
+  using Suite = std::function<void(fenetre::Portes)>;
   const char* formats[] = {listeDAdresses, nullptr};
   gdk_drop_read_async(
       glissement, formats, G_PRIORITY_DEFAULT, nullptr,
@@ -87,6 +94,26 @@ void lireLesChemins(GdkDrop* glissement, std::function<void(std::vector<std::str
         std::make_shared<Lecture>(Glib::wrap(flux), std::move(*suite))->continuer();
       },
       new Suite(std::move(fini)));
+}
+
+bool aEncoreSaSource(GdkDrop* glissement) {
+#ifdef GDK_WINDOWING_X11
+  auto* ecran = gdk_drop_get_display(glissement);
+  if (GDK_IS_X11_DISPLAY(ecran))
+    return XGetSelectionOwner(gdk_x11_display_get_xdisplay(ecran),
+                              gdk_x11_get_xatom_by_name_for_display(ecran, "XdndSelection")) != None;
+#endif
+  return true;
+}
+
+fenetre::MesuresDeLaVue mesurer(GtkWidget* vue, double zoom) {
+  // WebKit agrandit la page comme le bureau agrandit son texte, sans le compter dans son zoom.
+  constexpr double resolutionOrdinaire = 96 * 1024;
+  int resolution = 0;
+  g_object_get(gtk_widget_get_settings(vue), "gtk-xft-dpi", &resolution, nullptr);
+  return {.hauteur = static_cast<double>(gtk_widget_get_height(vue)),
+          .zoom = zoom,
+          .agrandissement = resolution > 0 ? resolution / resolutionOrdinaire : 1};
 }
 
 } // namespace keltrove::bureau

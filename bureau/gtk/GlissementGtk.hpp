@@ -1,9 +1,9 @@
 // GlissementGtk : ce qu’un glissement venu d’ailleurs porte, lu sans attendre le dépôt.
 #pragma once
 
+#include "fenetre/SuiviDuGlissement.hpp"
+
 #include <functional>
-#include <string>
-#include <vector>
 
 #include <gtk/gtk.h>
 
@@ -13,9 +13,15 @@ namespace keltrove::bureau {
 // liens et les images de la page se disent aussi listes d’adresses.
 bool pourraitPorterDesFichiers(GdkDrop* glissement);
 
-// Lit la liste d’adresses et en rend les chemins des fichiers de cette machine, dans l’ordre ; aucun si elle
-// est illisible, démesurée, ou ne nomme rien de tel. Un chemin qui n’est pas en UTF-8 ne peut entrer dans la
-// page : il est écarté. `fini` vient plus tard, sur le fil principal, une fois.
-void lireLesChemins(GdkDrop* glissement, std::function<void(std::vector<std::string>)> fini);
+// Lit la liste d’adresses et en rend ce qui compte, dans l’ordre ; rien si elle est illisible ou démesurée.
+// Un fichier d’une autre machine n’est qu’une adresse. `fini` vient plus tard, sur le fil principal, une
+// fois.
+void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> fini);
+
+// Sa source vit-elle encore ? X seul l’ignore quand elle meurt en route.
+bool aEncoreSaSource(GdkDrop* glissement);
+
+// La vue telle que le glissement la rencontre.
+fenetre::MesuresDeLaVue mesurer(GtkWidget* vue, double zoom);
 
 } // namespace keltrove::bureau

@@ -1,8 +1,12 @@
 """Les fichiers déposés dans la page, par un vrai glissement d’une autre fenêtre."""
 
+import http.server
 import os
+import subprocess
 import tempfile
+import threading
 
+import ecran
 import page_notee
 from application import VERT, attendre, couleur, fenetres
 from cas import Cas
@@ -25,6 +29,31 @@ SANS_ACCROCHE = page_notee.code("""<script>
   addEventListener('error', (e) => noter(['erreur', e.message]));
   addEventListener('unhandledrejection', (e) => noter(['erreur', String(e.reason)])); noter('prete');</script>""")
 CENTRE = (680, 500)
+
+
+class Noteur:
+    """De quoi recevoir ce que dit une page dont le serveur n’est plus."""
+
+    def __enter__(self):
+        self.recus = recus = []
+
+        class Reception(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                recus.append(self.rfile.read(int(self.headers["Content-Length"])).decode())
+                self.send_response(204)
+                self.end_headers()
+
+            def log_message(self, *_):
+                pass
+
+        self.serveur = http.server.HTTPServer(("127.0.0.1", 0), Reception)
+        self.port = self.serveur.server_port
+        threading.Thread(target=self.serveur.serve_forever, daemon=True).start()
+        return self
+
+    def __exit__(self, *_):
+        self.serveur.shutdown()
+        self.serveur.server_close()
 
 
 class Depot(Cas):
@@ -126,6 +155,70 @@ class Depot(Cas):
         attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
         self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/b c", "/tmp/d"])
         application.quitter()
+
+    def test_d_un_depot_le_fichier_au_nom_illisible_se_dit_et_les_autres_arrivent(self):
+        application = self.ouvrir_avec_accroches()
+        source = Source(self, "adresses", "file:///tmp/a\r\nfile:///tmp/%FF\r\nfile:///tmp/c\r\n")
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        source.lacher()
+        application.attendre("bandeau")
+        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/a", "/tmp/c"])
+        ecran.attendre_le_texte(application.processus.pid, "Un fichier n’a pas été déposé : son nom est illisible.")
+        application.quitter()
+
+    def test_la_source_qui_meurt_en_plein_survol_le_finit(self):
+        application = self.ouvrir_avec_accroches()
+        source = Source(self, "fichiers", "/tmp/a")
+        self.addCleanup(souris, "mouseup", 1)
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        source.fermer()
+        attendre(lambda: notes(application)[-1] == ["survol", None, None], quoi="la fin du survol")
+        souris("mouseup", 1)
+        suivante = Source(self, "fichiers", "/tmp/b")
+        suivante.prendre()
+        nombre = len(notes(application))
+        suivante.mener(*CENTRE, lambda: len(notes(application)) > nombre, "le survol suivant")
+        suivante.lacher()
+        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/b"])
+        application.quitter()
+
+    def test_sous_un_grand_texte_le_depot_se_fait_au_bon_endroit(self):
+        def regler(resolution):
+            subprocess.run(["xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
+                            f"Xft.dpi:\t{resolution}\n"], check=True)
+
+        self.addCleanup(regler, 96)
+        regler(144)
+        application = self.ouvrir_avec_accroches()
+        (fenetre,) = fenetres(application)
+        x, y = self.origine_de_la_page(fenetre)
+        source = Source(self, "fichiers", "/tmp/a")
+        source.prendre()
+        voulu = [(CENTRE[0] - x) / 1.5, (CENTRE[1] - y) / 1.5]
+        source.mener(*CENTRE, lambda: any(abs(note[1] - voulu[0]) + abs(note[2] - voulu[1]) < 1
+                                          for note in self.vus(application, "survol")[-1:] if note[1]), f"le survol en {voulu}")
+        source.lacher()
+        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        application.quitter()
+
+    def test_le_serveur_meurt_pendant_le_survol_qui_finit(self):
+        with Noteur() as noteur:
+            application = self.ouvrir(page_notee.code(f"""<script>
+              const dire = (quoi) => fetch('http://127.0.0.1:{noteur.port}/', {{method: 'POST', mode: 'no-cors', body: quoi}});
+              window.keltroveSurvolChemins = (x) => dire(x === null ? 'fin' : 'survol');
+              window.keltroveDeposerChemins = () => dire('depot'); noter('prete');</script>"""))
+            source = Source(self, "fichiers", "/tmp/a")
+            source.prendre()
+            source.mener(*CENTRE, lambda: "survol" in noteur.recus, "le survol")
+            os.kill(application.serveurs()[0], 9)
+            application.attendre("serveur-mort-en-route")
+            attendre(lambda: noteur.recus[-1] == "fin", quoi="la fin du survol")
+            self.assertEqual(source.lacher(), "refuse")
+            self.assertNotIn("depot", noteur.recus)
+            application.quitter()
 
     def test_une_page_sans_accroche_ne_voit_rien_et_reste_la(self):
         with tempfile.NamedTemporaryFile("w", suffix=".html") as fichier:

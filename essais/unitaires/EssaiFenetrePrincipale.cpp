@@ -148,6 +148,15 @@ TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
   EXPECT_FALSE(vue.bandeaux.back().visible);
 }
 
+TEST_F(EssaiFenetre, DesFichiersAuNomIllisibleSeDisent) {
+  vue.observateur->quandDesFichiersSontIllisibles(1);
+  EXPECT_EQ(vue.bandeaux.back().texte,
+            "  Un fichier n’a pas été déposé : son nom est illisible. Renommez-le d’abord.  ");
+  vue.observateur->quandDesFichiersSontIllisibles(3);
+  EXPECT_EQ(vue.bandeaux.back().texte,
+            "  3 fichiers n’ont pas été déposés : leur nom est illisible. Renommez-les d’abord.  ");
+}
+
 constexpr const char* lecteurTourne = "window.keltroveLecteur = { tourne: true, voitLaPage: true }; "
                                       "window.dispatchEvent(new Event('lecteur'));";
 constexpr const char* lecteurParti = "window.keltroveLecteur = { tourne: false, voitLaPage: true }; "
