@@ -1,8 +1,8 @@
 #include "fenetre/SondeContenu.hpp"
 
+#include "socle/LireNombre.hpp"
 #include "socle/Texte.hpp"
 
-#include <charconv>
 #include <cstdint>
 
 namespace keltrove::fenetre {
@@ -10,9 +10,7 @@ namespace {
 
 std::int64_t lireEntier(std::string_view texte) {
   if (texte.starts_with('+') && !texte.starts_with("+-")) texte.remove_prefix(1);
-  std::int64_t valeur = 0;
-  const auto [fin, erreur] = std::from_chars(texte.data(), texte.data() + texte.size(), valeur);
-  return erreur == std::errc{} && fin == texte.data() + texte.size() ? valeur : 0;
+  return socle::lireNombre<std::int64_t>(texte).value_or(0);
 }
 
 } // namespace

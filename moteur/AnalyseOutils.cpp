@@ -1,6 +1,6 @@
 #include "moteur/AnalyseOutils.hpp"
 
-#include "moteur/LireNombre.hpp"
+#include "socle/LireNombre.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ std::optional<std::int32_t> lireEntier(std::string_view texte) {
     texte.remove_prefix(1);
     if (texte.starts_with('-')) return std::nullopt;
   }
-  return lireNombre<std::int32_t>(texte);
+  return socle::lireNombre<std::int32_t>(texte);
 }
 
 std::optional<int> portDeLaLigne(std::string_view ligne) {

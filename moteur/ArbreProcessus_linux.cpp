@@ -1,6 +1,6 @@
 #include "moteur/ArbreProcessus.hpp"
-#include "moteur/LireNombre.hpp"
 #include "moteur/TablesDePrises.hpp"
+#include "socle/LireNombre.hpp"
 #include "socle/Texte.hpp"
 
 #include <algorithm>
@@ -38,8 +38,8 @@ std::optional<Fiche> lireFiche(pid_t pid) {
   const auto champs =
       socle::decouper(std::string_view(texte).substr(finDuNom + 1), ' ', socle::MorceauxVides::ecartes);
   if (champs.size() < 20) return std::nullopt;
-  const auto parent = lireNombre<pid_t>(champs[1]);
-  const auto naissance = lireNombre<std::uint64_t>(champs[19]);
+  const auto parent = socle::lireNombre<pid_t>(champs[1]);
+  const auto naissance = socle::lireNombre<std::uint64_t>(champs[19]);
   if (!parent || !naissance) return std::nullopt;
   return Fiche{pid, *parent, champs[0][0], *naissance};
 }
@@ -56,7 +56,7 @@ using Familles = std::map<pid_t, std::vector<Fiche>>;
 Familles lireFamilles() {
   Familles familles;
   parcourir("/proc", [&](const fs::path& entree) {
-    const auto pid = lireNombre<pid_t>(entree.filename().string());
+    const auto pid = socle::lireNombre<pid_t>(entree.filename().string());
     if (!pid) return;
     if (const auto fiche = lireFiche(*pid)) familles[fiche->parent].push_back(*fiche);
   });
@@ -89,7 +89,7 @@ std::map<int, std::string> prisesOuvertes(pid_t pid) {
   parcourir(fmt::format("/proc/{}/fd", pid), [&](const fs::path& entree) {
     std::error_code erreur;
     const auto cible = fs::read_symlink(entree, erreur).string();
-    const auto descripteur = lireNombre<int>(entree.filename().string());
+    const auto descripteur = socle::lireNombre<int>(entree.filename().string());
     if (erreur || !descripteur || !cible.starts_with(debut)) return;
     prises.emplace(*descripteur, cible.substr(debut.size(), cible.size() - debut.size() - 1));
   });

@@ -18,10 +18,6 @@ constexpr double delaiDeReponse = 40.0;
 constexpr double entreDeuxTours = 0.25;
 constexpr int toursEntreDeuxRecherchesDePort = 8;
 
-std::string texteDuSysteme(std::errc erreur) {
-  return std::make_error_code(erreur).message();
-}
-
 } // namespace
 
 socle::Environnement environnementDuServeur(socle::Environnement environnement, const std::string& maison) {
@@ -53,7 +49,8 @@ void MoteurServeur::demarrer(std::function<void(Demarrage)> fini) {
     moi->guetterLaMort(essai);
   });
   if (!depose)
-    rendre(std::unexpected(LancementImpossible{texteDuSysteme(std::errc::resource_unavailable_try_again)}));
+    rendre(std::unexpected(
+        LancementImpossible{socle::texteDuSysteme(std::errc::resource_unavailable_try_again)}));
 }
 
 void MoteurServeur::neLancerPlusRien() {
@@ -110,7 +107,7 @@ std::expected<MoteurServeur::ProcessusPartage, ErreurServeur> MoteurServeur::lan
   // Le verrou couvre le lancement : qui interdit de lancer sait ensuite à quoi s’en tenir.
   const std::lock_guard garde(verrouEtat_);
   if (lancementInterdit_)
-    return std::unexpected(LancementImpossible{texteDuSysteme(std::errc::operation_canceled)});
+    return std::unexpected(LancementImpossible{socle::texteDuSysteme(std::errc::operation_canceled)});
   auto processus =
       socle::Processus::lancer({commande->programme, commande->arguments, commande->dossier, environnement},
                                [lignes = std::weak_ptr(lignes_)](std::string_view bloc) {

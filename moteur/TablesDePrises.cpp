@@ -1,7 +1,7 @@
 #include "moteur/TablesDePrises.hpp"
 
-#include "moteur/LireNombre.hpp"
 #include "socle/Fichiers.hpp"
+#include "socle/LireNombre.hpp"
 #include "socle/Texte.hpp"
 
 #include <cstring>
@@ -25,7 +25,7 @@ std::optional<AdresseIP> lireAdresse(std::string_view texte) {
   if (courte) adresse[10] = adresse[11] = 0xff;
   auto* ou = adresse.data() + (courte ? adresse.size() - octetsDUnMot : 0);
   for (; !texte.empty(); texte.remove_prefix(chiffresDUnMot), ou += octetsDUnMot) {
-    const auto mot = lireNombre<std::uint32_t>(texte.substr(0, chiffresDUnMot), 16);
+    const auto mot = socle::lireNombre<std::uint32_t>(texte.substr(0, chiffresDUnMot), 16);
     if (!mot) return std::nullopt;
     std::memcpy(ou, &*mot, octetsDUnMot);
   }
@@ -39,8 +39,8 @@ std::optional<PriseALEcoute> lireLigne(std::string_view ligne) {
   const auto separation = locale.find(':');
   if (separation == std::string_view::npos) return std::nullopt;
   const auto adresse = lireAdresse(locale.substr(0, separation));
-  const auto port = lireNombre<std::uint16_t>(locale.substr(separation + 1), 16);
-  const auto compte = lireNombre<uid_t>(champs[7]);
+  const auto port = socle::lireNombre<std::uint16_t>(locale.substr(separation + 1), 16);
+  const auto compte = socle::lireNombre<uid_t>(champs[7]);
   if (!adresse || !port || *port == 0 || !compte) return std::nullopt;
   return PriseALEcoute{*adresse, *port, *compte, champs[9]};
 }

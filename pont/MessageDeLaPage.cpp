@@ -1,6 +1,8 @@
 #include "pont/MessageDeLaPage.hpp"
 
-#include <charconv>
+#include "socle/LireNombre.hpp"
+
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 
@@ -15,9 +17,7 @@ constexpr std::size_t longueurDUnite = 6; // \uXXXX
 std::uint32_t uniteEn(std::string_view json, std::size_t i) {
   const auto unite = json.substr(std::min(i, json.size()), longueurDUnite);
   if (unite.size() < longueurDUnite || !unite.starts_with("\\u")) return 0;
-  std::uint32_t valeur = 0;
-  const auto [fin, erreur] = std::from_chars(unite.data() + 2, unite.data() + longueurDUnite, valeur, 16);
-  return erreur == std::errc{} && fin == unite.data() + longueurDUnite ? valeur : 0;
+  return socle::lireNombre<std::uint32_t>(unite.substr(2), 16).value_or(0);
 }
 
 bool estMoitieHaute(std::uint32_t unite) {

@@ -1,5 +1,7 @@
 #include "socle/Fichiers.hpp"
 
+#include "socle/Descripteur.hpp"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -12,23 +14,6 @@
 
 namespace keltrove::socle {
 namespace {
-
-class Descripteur {
-public:
-  explicit Descripteur(int numero) : numero_(numero) {}
-  Descripteur(const Descripteur&) = delete;
-  Descripteur& operator=(const Descripteur&) = delete;
-  ~Descripteur() { fermer(); }
-  int numero() const { return numero_; }
-  bool fermer() {
-    const bool reussi = numero_ < 0 || ::close(numero_) == 0;
-    numero_ = -1;
-    return reussi;
-  }
-
-private:
-  int numero_;
-};
 
 bool toutEcrire(int descripteur, std::string_view contenu) {
   while (!contenu.empty()) {

@@ -1,6 +1,7 @@
 #include "socle/Processus.hpp"
 
 #include "socle/LancementProcessus.hpp"
+#include "socle/Texte.hpp"
 
 #include <cerrno>
 #include <csignal>
@@ -35,10 +36,6 @@ struct Processus::Etat {
 namespace {
 
 constexpr std::size_t tailleDeLecture = 65536;
-
-std::string texteDuSysteme(int erreur) {
-  return std::generic_category().message(erreur);
-}
 
 // posix_spawn copie ce qu’on lui donne : ces tableaux ne servent que le temps de l’appel.
 std::vector<char*> tableauC(const std::vector<std::string>& textes) {
@@ -148,7 +145,7 @@ Processus::Processus(std::shared_ptr<Etat> etat) : etat_(std::move(etat)) {}
 std::expected<std::shared_ptr<Processus>, std::string> Processus::lancer(const CommandeProcessus& commande,
                                                                          QuandSortie quandSortie) {
   Tube tube;
-  if (!ouvrirTube(tube)) return std::unexpected(texteDuSysteme(errno));
+  if (!ouvrirTube(tube)) return std::unexpected(texteDuSysteme(static_cast<std::errc>(errno)));
   const auto etat = std::make_shared<Etat>();
   etat->sortie = tube.lecture;
   etat->quandSortie = std::move(quandSortie);
@@ -163,7 +160,7 @@ std::expected<std::shared_ptr<Processus>, std::string> Processus::lancer(const C
     erreur = refus.code().value();
   }
   ::close(tube.ecriture);
-  if (erreur != 0) return std::unexpected(texteDuSysteme(erreur));
+  if (erreur != 0) return std::unexpected(texteDuSysteme(static_cast<std::errc>(erreur)));
   return std::make_shared<Processus>(etat);
 }
 

@@ -121,6 +121,10 @@ std::vector<std::string> decouper(std::string_view texte, char separateur, Morce
   return morceaux;
 }
 
+std::string texteDuSysteme(std::errc erreur) {
+  return std::make_error_code(erreur).message();
+}
+
 std::string joindre(const std::vector<std::string>& morceaux, std::string_view lien) {
   std::string texte;
   for (const auto& morceau : morceaux) {

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace keltrove::socle {
@@ -31,6 +32,9 @@ std::string_view premiersCaracteres(std::string_view texte, std::size_t nombre);
 // Découpe à chaque séparateur ; les morceaux vides sont gardés ou non.
 enum class MorceauxVides { gardes, ecartes };
 std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides);
+
+// Ce que le système dit d’une de ses erreurs, dans la langue du processus.
+std::string texteDuSysteme(std::errc erreur);
 
 std::string joindre(const std::vector<std::string>& morceaux, std::string_view lien);
 

@@ -18,20 +18,6 @@ namespace {
 constexpr std::size_t petitFichier = 1024UL * 1024;
 constexpr auto options = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
-class Descripteur {
-public:
-  explicit Descripteur(int numero) : numero_(numero) {}
-  Descripteur(const Descripteur&) = delete;
-  Descripteur& operator=(const Descripteur&) = delete;
-  ~Descripteur() {
-    if (numero_ >= 0) ::close(numero_);
-  }
-  int numero() const { return numero_; }
-
-private:
-  int numero_;
-};
-
 // Ni raccourci ni allongé pendant la lecture. Certains fichiers du système se disent vides et ne le sont pas.
 bool faitBien(int descripteur, std::size_t taille) {
   struct stat etat{};
@@ -54,12 +40,10 @@ Empreintes::Empreintes(const std::string& dossier)
       algorithme_(EVP_MD_fetch(nullptr, "SHA256", nullptr)), contexte_(EVP_MD_CTX_new()),
       place_(petitFichier) {}
 
-Empreintes::~Empreintes() {
-  if (dossier_ >= 0) ::close(dossier_);
-}
+Empreintes::~Empreintes() = default;
 
 std::optional<std::string> Empreintes::calculer(const std::string& chemin) {
-  const Descripteur fichier(ouvrir(chemin));
+  const socle::Descripteur fichier(ouvrir(chemin));
   struct stat etat{};
   if (fichier.numero() < 0 || ::fstat(fichier.numero(), &etat) != 0 || !S_ISREG(etat.st_mode))
     return std::nullopt;
@@ -78,8 +62,8 @@ std::optional<std::string> Empreintes::calculer(const std::string& chemin) {
 // Un chemin plus long que le système n’en prend se suit par étapes.
 int Empreintes::ouvrir(const std::string& chemin) const {
   std::string_view reste = chemin;
-  std::optional<Descripteur> etape;
-  const auto ici = [&] { return etape ? etape->numero() : dossier_; };
+  std::optional<socle::Descripteur> etape;
+  const auto ici = [&] { return etape ? etape->numero() : dossier_.numero(); };
   while (reste.size() >= PATH_MAX) {
     const auto barre = reste.rfind('/', PATH_MAX - 1);
     if (barre == std::string_view::npos) return -1;

@@ -1,6 +1,8 @@
 // Empreintes : l’empreinte SHA-256 (FIPS 180-4) des fichiers d’un dossier.
 #pragma once
 
+#include "socle/Descripteur.hpp"
+
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -34,7 +36,7 @@ private:
   bool ajouterToutLeFichier(int descripteur, std::size_t taille);
   bool ajouter(std::span<const char> octets);
 
-  int dossier_;
+  socle::Descripteur dossier_;
   std::unique_ptr<evp_md_st, Rendre> algorithme_;
   std::unique_ptr<evp_md_ctx_st, Rendre> contexte_;
   std::vector<char> place_; // pour les petits fichiers, l’un après l’autre

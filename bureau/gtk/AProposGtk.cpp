@@ -1,5 +1,6 @@
 #include "bureau/gtk/AProposGtk.hpp"
 
+#include "bureau/gtk/DeGLib.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/APropos.hpp"
 #include "fenetre/Apparence.hpp"
@@ -26,13 +27,10 @@ constexpr int margeDuJournal = 8;
 
 // Ce qu’il faut savoir d’une machine pour comprendre un journal.
 std::string systeme() {
-  auto* nom = g_get_os_info(G_OS_INFO_KEY_PRETTY_NAME);
-  auto ligne =
-      fmt::format("{}, GTK {}.{}.{}, WebKitGTK {}.{}.{}", nom != nullptr ? nom : "Système inconnu",
-                  gtk_get_major_version(), gtk_get_minor_version(), gtk_get_micro_version(),
-                  webkit_get_major_version(), webkit_get_minor_version(), webkit_get_micro_version());
-  g_free(nom);
-  return ligne;
+  const TexteDeGLib nom(g_get_os_info(G_OS_INFO_KEY_PRETTY_NAME));
+  return fmt::format("{}, GTK {}.{}.{}, WebKitGTK {}.{}.{}", nom ? nom.get() : "Système inconnu",
+                     gtk_get_major_version(), gtk_get_minor_version(), gtk_get_micro_version(),
+                     webkit_get_major_version(), webkit_get_minor_version(), webkit_get_micro_version());
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "bureau/gtk/EcranGtk.hpp"
 
+#include "bureau/gtk/DeGLib.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 
-#include <memory>
 #include <string>
 
 #include <gdk/gdkkeysyms.h>
@@ -17,8 +17,7 @@ namespace {
 
 // Ce que le serveur écrit et ce que le système répond peuvent contenir n’importe quels octets.
 Glib::ustring affichable(const std::string& texte) {
-  const std::unique_ptr<char, decltype(&g_free)> valide(
-      g_utf8_make_valid(texte.data(), static_cast<gssize>(texte.size())), &g_free);
+  const TexteDeGLib valide(g_utf8_make_valid(texte.data(), static_cast<gssize>(texte.size())));
   return valide.get();
 }
 

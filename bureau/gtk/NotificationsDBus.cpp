@@ -1,5 +1,6 @@
 #include "bureau/gtk/NotificationsDBus.hpp"
 
+#include "bureau/gtk/DeGLib.hpp"
 #include "bureau/gtk/DrapeauxRetenus.hpp"
 #include "bureau/gtk/ReglagesDuBureau.hpp"
 #include "fenetre/Apparence.hpp"
@@ -26,13 +27,8 @@ constexpr const char* son = "message-new-instant"; // un des noms de sons conven
 constexpr const char* actionDuClic = "default";    // le nom que l’interface réserve au clic
 constexpr int dureeDuService = -1;                 // au service de choisir
 
-struct RendreVariant {
-  void operator()(GVariant* valeur) const { g_variant_unref(valeur); }
-};
-using Variant = std::unique_ptr<GVariant, RendreVariant>;
-
 bool contient(GVariant* liste, std::string_view voulu) {
-  const std::unique_ptr<const char*, decltype(&g_free)> textes(g_variant_get_strv(liste, nullptr), &g_free);
+  const std::unique_ptr<const char*, Rendre<&g_free>> textes(g_variant_get_strv(liste, nullptr));
   for (const char** texte = textes.get(); *texte != nullptr; ++texte)
     if (voulu == *texte) return true;
   return false;
@@ -46,7 +42,7 @@ bool leServiceManque(const GError& erreur) {
 
 Remise remiseDe(const GError& erreur) {
   if (leServiceManque(erreur)) return pont::CentreAbsent{};
-  const std::unique_ptr<GError, decltype(&g_error_free)> copie(g_error_copy(&erreur), &g_error_free);
+  const Erreur copie(g_error_copy(&erreur));
   g_dbus_error_strip_remote_error(copie.get());
   return pont::Refusee{copie->message};
 }
@@ -70,8 +66,7 @@ std::string sansNul(std::string texte) {
 std::string enTexteSimple(const std::string& texte, bool balisageCompris) {
   auto propre = sansNul(texte);
   if (!balisageCompris) return propre;
-  const std::unique_ptr<char, decltype(&g_free)> protege(
-      g_markup_escape_text(propre.data(), static_cast<gssize>(propre.size())), &g_free);
+  const TexteDeGLib protege(g_markup_escape_text(propre.data(), static_cast<gssize>(propre.size())));
   return protege.get();
 }
 
@@ -143,7 +138,7 @@ void NotificationsDBus::appeler(const char* a, const char* ou, const char* metho
         const std::unique_ptr<Suite> laSuite(static_cast<Suite*>(donnees));
         GError* brute = nullptr;
         const Variant reponse(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), resultat, &brute));
-        const std::unique_ptr<GError, decltype(&g_error_free)> erreur(brute, &g_error_free);
+        const Erreur erreur(brute);
         if (g_error_matches(brute, G_IO_ERROR, G_IO_ERROR_CANCELLED)) return; // nous ne sommes plus
         (*laSuite)(reponse.get(), erreur.get());
       },

@@ -1,5 +1,6 @@
 #include "bureau/gtk/TextesDeGtk.hpp"
 
+#include "bureau/gtk/DeGLib.hpp"
 #include "fenetre/Apparence.hpp"
 
 #include <array>
@@ -45,7 +46,7 @@ void nommerLesPages(GtkStack* pile, const char* nom) {
 std::string titreDe(GtkWidget* article) {
   char* titre = nullptr;
   g_object_get(article, "text", &titre, nullptr);
-  const std::unique_ptr<char, decltype(&g_free)> tenu(titre, &g_free);
+  const TexteDeGLib tenu(titre);
   return titre != nullptr ? titre : "";
 }
 

@@ -1,6 +1,7 @@
 #include "bureau/gtk/VueWeb.hpp"
 
 #include "bureau/gtk/CurseurDeTexte.hpp"
+#include "bureau/gtk/DeGLib.hpp"
 #include "bureau/gtk/EssaiDeLancement.hpp"
 #include "fenetre/LecteurDEcran.hpp"
 #include "fenetre/PourLaPage.hpp"
@@ -20,16 +21,8 @@ using fenetre::CauseDEchec;
 
 namespace {
 
-template <typename T>
-struct LacherObjet {
-  void operator()(T* objet) const { g_object_unref(objet); }
-};
-template <typename T>
-using Objet = std::unique_ptr<T, LacherObjet<T>>;
-
 std::string dossierDe(const char* racine) {
-  const std::unique_ptr<char, decltype(&g_free)> chemin(g_build_filename(racine, "keltrove", nullptr),
-                                                        &g_free);
+  const TexteDeGLib chemin(g_build_filename(racine, "keltrove", nullptr));
   return chemin.get();
 }
 
@@ -65,16 +58,16 @@ std::string deballer(const char* corps, const nlohmann::json& arguments) {
 }
 
 std::optional<std::string> texteDe(GObject* vue, GAsyncResult* resultat) {
-  const std::unique_ptr<JSCValue, LacherObjet<JSCValue>> valeur(
+  const Objet<JSCValue> valeur(
       webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(vue), resultat, nullptr));
   if (!valeur || !jsc_value_is_string(valeur.get())) return std::nullopt;
-  const std::unique_ptr<char, decltype(&g_free)> texte(jsc_value_to_string(valeur.get()), &g_free);
+  const TexteDeGLib texte(jsc_value_to_string(valeur.get()));
   return texte.get();
 }
 
 // Rien pour une valeur sans JSON : non définie, cyclique…
 std::optional<std::string> enJSON(JSCValue* valeur) {
-  const std::unique_ptr<char, decltype(&g_free)> json(jsc_value_to_json(valeur, 0), &g_free);
+  const TexteDeGLib json(jsc_value_to_json(valeur, 0));
   if (json) return json.get();
   jsc_context_clear_exception(jsc_value_get_context(valeur));
   return std::nullopt;

@@ -13,8 +13,8 @@
 #include "fenetre/Apparence.hpp"
 #include "moteur/MoteurServeur.hpp"
 #include "socle/Executable.hpp"
+#include "socle/SortieDErreur.hpp"
 
-#include <cstdio>
 #include <cstdlib>
 
 #include <gtk/gtk.h>
@@ -25,19 +25,17 @@ namespace {
 using namespace keltrove;
 
 // WebKit lance ses programmes dès que la vue existe, et interrompt tout s’il ne le peut.
-int sansProcessus() {
-  std::fputs("Keltrove ne peut pas s’ouvrir : le système n’a plus de quoi lancer un programme. Fermez-en "
-             "quelques-uns, "
-             "puis réessayez.\n",
-             stderr);
-  return EXIT_FAILURE;
-}
+constexpr const char* sansProcessus =
+    "Keltrove ne peut pas s’ouvrir : le système n’a plus de quoi lancer un programme. Fermez-en "
+    "quelques-uns, puis réessayez.\n";
+constexpr const char* sansEcran =
+    "Keltrove n’a trouvé aucun écran où s’ouvrir : lancez-le depuis une session graphique, ou réglez "
+    "DISPLAY ou WAYLAND_DISPLAY.\n";
+constexpr const char* sansBac =
+    "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n";
 
-int sansEcran() {
-  std::fputs(
-      "Keltrove n’a trouvé aucun écran où s’ouvrir : lancez-le depuis une session graphique, ou réglez "
-      "DISPLAY ou WAYLAND_DISPLAY.\n",
-      stderr);
+int finirSur(const char* phrase) {
+  socle::direSurLaSortieDErreur(phrase);
   return EXIT_FAILURE;
 }
 
@@ -50,14 +48,14 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
       .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
-  if (!bureau::peutLancerUnProcessus()) return sansProcessus();
+  if (!bureau::peutLancerUnProcessus()) return finirSur(sansProcessus);
   bureau::retenirLesSignauxDuTerminal();
   bureau::choisirLeRendu();
   const bool sansBacASable = bureau::renoncerAuBacASableRefuse();
   bureau::ecarterLesBusAbsents();
   g_set_prgname("keltrove");
   g_set_application_name(fenetre::Apparence::nomDeLApplication);
-  if (!gtk_init_check()) return sansEcran();
+  if (!gtk_init_check()) return finirSur(sansEcran);
   bureau::retirerDesTouchesAuxTextes();
   const auto boucle = contexte.boucle;
   const auto environnement = contexte.environnement;
@@ -65,10 +63,7 @@ extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::
   bureau::ApplicationGtk application(std::move(moteur), boucle, environnement);
   application.sInscrire();
   // Une relance qui ne fait que ramener la fenêtre n’a rien à dire.
-  if (sansBacASable && !application.is_remote())
-    std::fputs(
-        "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n",
-        stderr);
+  if (sansBacASable && !application.is_remote()) socle::direSurLaSortieDErreur(sansBac);
   // Aucun argument n’est pour GTK.
   const int etat = application.run();
   if (application.aRouvrir()) bureau::rouvrir(appel.executable, environnement);

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace keltrove::moteur {
+namespace keltrove::socle {
 
 template <typename Nombre>
 std::optional<Nombre> lireNombre(std::string_view texte, int base = 10) {
@@ -18,4 +18,4 @@ std::optional<Nombre> lireNombre(std::string_view texte, int base = 10) {
   return valeur;
 }
 
-} // namespace keltrove::moteur
+} // namespace keltrove::socle

@@ -1,0 +1,33 @@
+// Descripteur : un descripteur de fichier et son propriétaire, qui le ferme. Négatif, il n’en est pas un.
+#pragma once
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace keltrove::socle {
+
+class Descripteur {
+public:
+  Descripteur() = default;
+  explicit Descripteur(int numero) : numero_(numero) {}
+  Descripteur(Descripteur&& autre) noexcept : numero_(std::exchange(autre.numero_, -1)) {}
+  Descripteur& operator=(Descripteur&& autre) noexcept {
+    if (this != &autre) {
+      fermer();
+      numero_ = std::exchange(autre.numero_, -1);
+    }
+    return *this;
+  }
+  ~Descripteur() { fermer(); }
+
+  int numero() const { return numero_; }
+  explicit operator bool() const { return numero_ >= 0; }
+  // Faux si le système refuse : des écritures peuvent alors être perdues.
+  bool fermer() { return numero_ < 0 || ::close(std::exchange(numero_, -1)) == 0; }
+
+private:
+  int numero_ = -1;
+};
+
+} // namespace keltrove::socle
