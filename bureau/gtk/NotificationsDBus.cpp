@@ -28,9 +28,10 @@ constexpr const char* actionDuClic = "default";    // le nom que l’interface r
 constexpr int dureeDuService = -1;                 // au service de choisir
 
 bool contient(GVariant* liste, std::string_view voulu) {
-  const std::unique_ptr<const char*, Rendre<&g_free>> textes(g_variant_get_strv(liste, nullptr));
-  for (const char** texte = textes.get(); *texte != nullptr; ++texte)
-    if (voulu == *texte) return true;
+  for (gsize i = 0; i < g_variant_n_children(liste); ++i) {
+    const Variant texte(g_variant_get_child_value(liste, i));
+    if (voulu == g_variant_get_string(texte.get(), nullptr)) return true;
+  }
   return false;
 }
 
