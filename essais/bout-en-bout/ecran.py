@@ -10,6 +10,9 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 from application import attendre, touches  # noqa: E402
 
+# Selon sa version, AT-SPI dit « push button » ou « button ».
+BOUTON = Atspi.role_get_name(Atspi.Role.PUSH_BUTTON)
+
 
 def _parcourir(objet):
     yield objet
@@ -54,7 +57,7 @@ def noms_du_role(pid, role):
 
 
 def boutons(pid):
-    return _lire(pid, lambda objets: {o.get_name(): o for o in objets if o.get_role_name() == "push button"})
+    return _lire(pid, lambda objets: {o.get_name(): o for o in objets if o.get_role_name() == BOUTON})
 
 
 def presser(pid, nom):
@@ -114,7 +117,7 @@ def noms(pid):
     return _lire(pid, lambda objets: [(o.get_role_name(), o.get_name()) for o in objets])
 
 
-def _au_clavier(pid):
+def au_clavier(pid):
     """Le rôle et le nom de ce qui a le clavier."""
     return _lire(pid, lambda objets: [(objet.get_role_name(), objet.get_name()) for objet in objets
                                       if _a_l_etat(objet, Atspi.StateType.FOCUSED)])
@@ -123,19 +126,19 @@ def _au_clavier(pid):
 def _avancer(pid, touche, arrive):
     """Un pas après l’autre, car une touche de trop dépasserait ; dans la barre, la première ne mène nulle part."""
     for _ in range(30):
-        ici = _au_clavier(pid)
+        ici = au_clavier(pid)
         if arrive(ici):
             return
         touches(touche)
         with contextlib.suppress(AssertionError):
-            attendre(lambda: _au_clavier(pid) != ici, secondes=1)
+            attendre(lambda: au_clavier(pid) != ici, secondes=1)
     raise AssertionError(f"« {touche} » n’y mène pas : {ici}")
 
 
 def ouvrir_le_menu(pid, titre):
     """Au clavier : jusqu’à la barre, jusqu’au titre, puis Entrée."""
     touches("ctrl+shift+F10")
-    attendre(lambda: ("menu item", "Keltrove") in _au_clavier(pid), quoi="le clavier dans la barre")
+    attendre(lambda: ("menu item", "Keltrove") in au_clavier(pid), quoi="le clavier dans la barre")
     _avancer(pid, "Right", lambda ici: ("menu item", titre) in ici)
     touches("Return")
     attendre(lambda: articles(pid), quoi=f"le menu {titre}")

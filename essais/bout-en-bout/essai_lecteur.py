@@ -107,6 +107,13 @@ class DansLaFenetre(Terminal):
     def lignes(self, application):
         return ecran.noms_du_role(application.processus.pid, "list item")
 
+    def onglets(self, application):
+        return ecran.noms_du_role(application.processus.pid, "page tab")
+
+    def attendre_la_saisie(self, application, nom):
+        attendre(lambda: ("entry", nom) in ecran.au_clavier(application.processus.pid),
+                 quoi=lambda: f"« {nom} » au clavier (vu : {ecran.au_clavier(application.processus.pid)})")
+
     def lancer_la_ligne(self, ligne):
         taper(ligne)
         touches("Return")
@@ -125,15 +132,24 @@ class DansLaFenetre(Terminal):
         self.assertFalse(any("1900" in dit for dit in annonces.dites))
         self.lancer_la_ligne("until [ -e parti ]; do sleep .1; done; printf '\\a'; sleep 1; printf '\\a'; touch sonne")
         touches("ctrl+shift+t")
-        attendre(lambda: "Terminal 2" in ecran.noms_du_role(application.processus.pid, "page tab"), quoi="le second onglet")
+        attendre(lambda: any(nom.startswith("Terminal 2 :") for nom in self.onglets(application)), quoi="le second onglet")
         self.taper_jusqu_a(application, "touch parti\n", "parti")
         self.attendre_le_fichier(application, "sonne")
         annonces.attendre("^« Terminal 1 » vous attend.$")
         self.assertEqual(len([dit for dit in annonces.dites if "vous attend" in dit]), 1)
-        self.assertIn("Terminal 1, vous attend", ecran.noms_du_role(application.processus.pid, "page tab"))
+        self.assertTrue(any(re.fullmatch("Terminal 1 : .*, vous attend", nom) for nom in self.onglets(application)))
+        touches("ctrl+shift+f")
+        taper("introuvable")
+        annonces.attendre("^Aucun résultat$")
+        touches("Escape")
+        # Deux saisies à l’écran : leur nom dit où l’on est.
+        touches("ctrl+shift+d")
+        self.attendre_la_saisie(application, "Terminal 3 : saisie")
+        touches("ctrl+shift+Left")
+        self.attendre_la_saisie(application, "Terminal 2 : saisie")
 
     def le_reglage_dit_pourquoi(self, application):
-        self.assertEqual(ecran.noms_du_role(application.processus.pid, "page tab"), [])
+        self.assertEqual(self.onglets(application), [])
         touches("ctrl+shift+p")
 
         def copier():

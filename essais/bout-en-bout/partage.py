@@ -73,11 +73,11 @@ class Lecteur:
         return self._lire(lambda objets: [o.get_name() for o in objets if o.get_role_name() == "label"]) or []
 
     def boutons(self):
-        return self._lire(lambda objets: [o.get_name() for o in objets if o.get_role_name() == "push button"])
+        return self._lire(lambda objets: [o.get_name() for o in objets if o.get_role_name() == ecran.BOUTON])
 
     def presser(self, nom):
         def premier(objets):
-            return any(o.get_name() == nom and o.do_action(0) for o in objets if o.get_role_name() == "push button")
+            return any(o.get_name() == nom and o.do_action(0) for o in objets if o.get_role_name() == ecran.BOUTON)
 
         return self._lire(premier)
 

@@ -60,6 +60,26 @@ essai('une fenêtre dont le lecteur ne voit pas la page le dit, et ne promet rie
   assert.match(phrase, /ne voit pas l’intérieur de cette fenêtre\. Ouvrez plutôt http:\/\/localhost:\d+ dans votre navigateur/);
 });
 
+essai('chaque saisie porte le nom de son terminal, et le suit', async (page) => {
+  const saisies = () => page.evaluer('[...document.querySelectorAll(".xterm textarea")].map(({ ariaLabel }) => ariaLabel)');
+  await page.touche('Ctrl+Maj+D');
+  await page.attendre('document.querySelectorAll(".xterm textarea").length === 2');
+  assert.deepEqual(await saisies(), ['Terminal 1 : saisie', 'Terminal 2 : saisie']);
+  await page.touche('Ctrl+Maj+O');
+  await page.touche('F2');
+  await page.ecrire('copies');
+  await page.touche('Entrée');
+  await page.attendre('[...document.querySelectorAll(".xterm textarea")].some(({ ariaLabel }) => ariaLabel === "copies : saisie")');
+});
+
+essai('le compte de la recherche se dit aussi', async (page) => {
+  await page.touche('Ctrl+Maj+F');
+  await page.ecrire('introuvable');
+  await page.attendre('window.dits.includes("Aucun résultat")');
+}, `window.dits = [];
+  window.webkit = { messageHandlers: { keltroveLecteur: { postMessage: (texte) => window.dits.push(texte) } } };
+  window.keltroveLecteur = { tourne: true, voitLaPage: true };`);
+
 essai('ce que l’application a dit avant la page compte aussi', async (page) => {
   assert.deepEqual(await etat(page), [true, true, false]);
 }, 'window.keltroveLecteur = { tourne: true, voitLaPage: true };');

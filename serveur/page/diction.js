@@ -1,6 +1,6 @@
 import { valeurs } from '/reglages.js';
 
-const REGIONS = '[role=status], [role=alert], [aria-live=polite], [aria-live=assertive]';
+const REGIONS = 'output, [role=status], [role=alert], [aria-live=polite], [aria-live=assertive]';
 
 // WebKit montre au lecteur d’écran les textes de la page, mais ne lui dit pas que l’un d’eux vient de changer : c’est
 // l’application qui le lui dit, quand elle le peut.

@@ -23,7 +23,6 @@ import { apparenceDuTerminal } from '/themes.js';
 import { prendreLesTouches } from '/touches.js';
 import { REPONSE_D_OFFICE, Veille } from '/veille.js';
 
-Terminal.strings.promptLabel = 'Saisie du terminal';
 Terminal.strings.tooMuchOutput = 'Trop de texte à annoncer : parcourez-le ligne à ligne';
 
 const FIN_DE_COLLAGE = '\x1b[201~';
@@ -115,6 +114,7 @@ export class VueTerminal {
     this.#lu = numero ? `Terminal ${numero} : ${etiquette}` : nom;
     this.onglet.querySelector('.fermer').ariaLabel = `Fermer « ${nom} »`;
     montrerLaProgression(this.onglet.querySelector('.progression'), progression, nom);
+    this.#nommerLaSaisie();
     this.marquer(this.attend);
   }
 
@@ -138,6 +138,7 @@ export class VueTerminal {
     this.#rendu?.montrer(montree);
     if (!montree || this.terminal.element) return;
     this.terminal.open(this.panneau);
+    this.#nommerLaSaisie();
     this.#rendu = new Rendu(this.terminal);
     donnerLaSelection(this.terminal);
     // Sur cette zone de saisie cachée, seul « Tout sélectionner » commence une sélection.
@@ -201,6 +202,11 @@ export class VueTerminal {
     this.terminal.dispose();
     this.panneau.remove();
     this.onglet.remove();
+  }
+
+  // Un lecteur d’écran se tait quand le clavier va d’un élément à un autre du même nom.
+  #nommerLaSaisie() {
+    if (this.terminal.textarea) this.terminal.textarea.ariaLabel = `${this.nom} : saisie`;
   }
 
   #ajuster() {
