@@ -51,7 +51,10 @@ void ApplicationGtk::on_activate() {
 void ApplicationGtk::ouvrir() {
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
   ecouterLesSignaux();
-  quandLEcranDisparait([this] { delegue_.partirSansEcran(); });
+  quandLEcranDisparait([this] {
+    fenetre_->retenirLaTaille();
+    delegue_.partirSansEcran();
+  });
   delegue_.applicationDidFinishLaunching();
 }
 
@@ -80,11 +83,12 @@ void ApplicationGtk::ecouterLesSignaux() {
 }
 
 void ApplicationGtk::demanderLaFermeture() {
+  // Dès la demande : la fin d’une session peut ne pas laisser finir.
+  fenetre_->retenirLaTaille();
   if (delegue_.applicationShouldTerminate() == app::ReponseFermeture::maintenant) partir();
 }
 
 void ApplicationGtk::partir() {
-  fenetre_->retenirLaTaille();
   quit();
 }
 

@@ -1,7 +1,8 @@
 // ThemeSysteme : la préférence claire ou sombre du bureau, transmise à GTK et, par lui, à la page.
 //
 // GTK seul ne la connaît pas : elle est donnée par le portail, sous « org.freedesktop.appearance ». Sans
-// portail, le thème de GTK reste celui que le bureau nomme. Fil principal seulement ; n’attend jamais.
+// portail, ou s’il est sans préférence, le thème de GTK reste celui que le bureau nomme. Fil principal
+// seulement ; n’attend jamais.
 #pragma once
 
 #include <giomm/dbusproxy.h>
@@ -19,6 +20,7 @@ private:
   void quandLePortailEstLa(const Glib::RefPtr<Gio::AsyncResult>& resultat);
   void demander();
 
+  const bool sombreSansPreference_; // ce que GTK tient d’ailleurs
   Glib::RefPtr<Gio::DBus::Proxy> portail_;
   Glib::RefPtr<Gio::Cancellable> abandon_ = Gio::Cancellable::create();
 };

@@ -2,14 +2,17 @@
 
 import json
 import os
+import signal
 import subprocess
 
+import ecran as lecture
 import page_notee
-from application import SERVEUR, VERT, attendre, couleur, fenetres, la_fenetre, lire
+from application import SERVEUR, VERT, attendre, attendre_le_clavier, couleur, fenetres, la_fenetre, lire, port_libre, touches
 from cas import Cas
 from page_notee import attendre_la_note
 
 ORDINAIRE = SERVEUR + "servir();"
+CADRE_VOULU = ["agrandie=false", "hauteur=600", "largeur=900"]
 PAGE_MESUREE = page_notee.code("<script>addEventListener('resize', () => noter(innerWidth));</script>")
 
 
@@ -133,6 +136,94 @@ class Taille(Cas):
         subprocess.run(["xdotool", "windowsize", str(fenetre), "300", "200"], check=True)
         attendre(lambda: self.taille(application) == (720, 480), quoi="la taille minimale")
         application.quitter()
+
+    def redimensionner(self, application, ecran=None):
+        """Dans un écran à elle, l’application n’a pas de gestionnaire de fenêtres."""
+        variables = {**os.environ, "DISPLAY": ecran or os.environ["DISPLAY"]}
+        application.attendre("page-affichee")
+        (fenetre,) = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--pid", str(application.processus.pid)],
+                                    capture_output=True, text=True, check=True, env=variables).stdout.split()
+        subprocess.run(["xdotool", "windowsize", fenetre, "900", "600"], check=True, env=variables)
+        attendre_la_note(application, 900)
+        return fenetre
+
+    def cadre(self, application):
+        return sorted(lire(self.fichier(application)).decode().split("\n")[1:-1])
+
+    def test_la_taille_survit_a_toutes_les_facons_de_partir(self):
+        def reduire(application, fenetre):
+            subprocess.run(["xdotool", "windowminimize", "--sync", fenetre], check=True)
+            application.quitter()
+
+        def fermer(application, _):
+            attendre_le_clavier(application)
+            touches("alt+F4")
+            application.attendre_la_fin()
+
+        def quitter_par_le_menu(application, _):
+            attendre_le_clavier(application)
+            lecture.choisir(application.processus.pid, "Keltrove", "Quitter Keltrove")
+            application.attendre_la_fin()
+
+        def quitter_devant_un_probleme(application, _):
+            os.kill(application.serveurs()[0], signal.SIGKILL)
+            application.attendre("serveur-mort-en-route")
+            application.quitter()
+
+        facons = {"SIGTERM": lambda application, _: application.quitter(),
+                  "SIGHUP": lambda application, _: application.quitter(signal.SIGHUP),
+                  "réduite": reduire, "fermée": fermer, "par le menu": quitter_par_le_menu,
+                  "devant un problème": quitter_devant_un_probleme}
+        for nom, partir in facons.items():
+            with self.subTest(nom):
+                application = self.application(code=PAGE_MESUREE).lancer()
+                partir(application, self.redimensionner(application))
+                self.assertEqual(self.cadre(application), CADRE_VOULU)
+
+    def test_la_taille_survit_a_une_fin_de_session_qui_n_attend_pas(self):
+        for nom in ("deux fermetures", "tuée"):
+            with self.subTest(nom):
+                application = self.application(code=PAGE_MESUREE + "process.on('SIGTERM', () => {});", reste_un_serveur=True)
+                self.redimensionner(application.lancer())
+                application.processus.terminate()
+                application.attendre("arret-demande")
+                if nom == "tuée":
+                    application.processus.kill()
+                else:
+                    application.processus.terminate()
+                    os.kill(application.serveurs()[0], signal.SIGKILL)
+                application.attendre_la_fin()
+                self.assertEqual(self.cadre(application), CADRE_VOULU)
+
+    def test_la_taille_survit_a_la_mort_de_l_ecran(self):
+        lecture_du_numero, ecriture = os.pipe()
+        numero = port_libre() // 2
+        xvfb = subprocess.Popen(["Xvfb", f":{numero}", "-displayfd", str(ecriture), "-nolisten", "tcp"], pass_fds=[ecriture],
+                                stderr=subprocess.DEVNULL)
+        self.addCleanup(xvfb.wait)
+        self.addCleanup(xvfb.kill)
+        os.close(ecriture)
+        with os.fdopen(lecture_du_numero) as tube:
+            ecran = ":" + tube.readline().strip()
+        application = self.application(code=PAGE_MESUREE, variables={"DISPLAY": ecran}).lancer()
+        self.redimensionner(application, ecran)
+        xvfb.kill()
+        application.attendre_la_fin()
+        self.assertEqual(self.cadre(application), CADRE_VOULU)
+
+    def test_la_taille_survit_a_la_mort_du_compositeur(self):
+        application = self.application(code=ORDINAIRE)
+        compositeur = subprocess.Popen(["weston", "--backend=headless-backend.so", "--socket=compositeur", "--width=1600", "--height=1000"],
+                                       env={**os.environ, "XDG_RUNTIME_DIR": application.racine}, stderr=subprocess.DEVNULL,
+                                       stdout=subprocess.DEVNULL)
+        self.addCleanup(compositeur.wait)
+        self.addCleanup(compositeur.kill)
+        attendre(lambda: os.path.exists(os.path.join(application.racine, "compositeur")), quoi="le compositeur")
+        application.variables.update(XDG_RUNTIME_DIR=application.racine, WAYLAND_DISPLAY="compositeur", DISPLAY=None)
+        application.lancer().attendre("page-affichee")
+        compositeur.kill()
+        application.attendre_la_fin()
+        self.assertEqual(self.cadre(application), ["agrandie=false", "hauteur=820", "largeur=1280"])
 
     def test_un_fichier_de_taille_abime_donne_la_taille_d_origine(self):
         for contenu in ("n’importe quoi", "[cadre]\nlargeur=1\nhauteur=-5\n", "[cadre]\nlargeur=99999999\nhauteur=1e9\n"):

@@ -16,14 +16,31 @@ PAGE = SERVEUR.replace(
 
 
 class Theme(Cas):
-    def test_la_page_suit_la_preference_du_bureau(self):
+    def ouvrir_avec_un_portail(self, preference, reglages=""):
         application = self.application(code=PAGE + "servir();", variables={"GTK_THEME": None}).avoir_un_bus()
-        portail = subprocess.Popen(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "portail.py"), "1"],
+        dossier = os.path.join(application.maison, "réglages")
+        os.makedirs(os.path.join(dossier, "gtk-4.0"))
+        with open(os.path.join(dossier, "gtk-4.0/settings.ini"), "w") as fichier:
+            fichier.write("[Settings]\n" + reglages)
+        application.variables["XDG_CONFIG_HOME"] = dossier
+        portail = subprocess.Popen(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "portail.py"), str(preference)],
                                    env={**os.environ, **application.bus.variables}, stdin=subprocess.PIPE,
                                    stdout=subprocess.PIPE, text=True)
         self.addCleanup(portail.communicate)
         self.assertEqual(portail.stdout.readline(), "pret\n")
         application.lancer().attendre("page-affichee")
+        return application, portail
+
+    def test_sans_preference_le_bureau_garde_son_propre_theme(self):
+        application, portail = self.ouvrir_avec_un_portail(0, "gtk-application-prefer-dark-theme=1\n")
+        attendre(lambda: couleur(680, 450) == SOMBRE, quoi="la page sombre")
+        for preference, voulue in ((2, CLAIR), (0, SOMBRE), (2, CLAIR), (1, SOMBRE)):
+            print(preference, file=portail.stdin, flush=True)
+            attendre(lambda: couleur(680, 450) == voulue, quoi=f"la page {voulue} pour {preference}")
+        application.quitter()
+
+    def test_la_page_suit_la_preference_du_bureau(self):
+        application, portail = self.ouvrir_avec_un_portail(1)
         attendre(lambda: couleur(680, 450) == SOMBRE, quoi="la page sombre")
         print(2, file=portail.stdin, flush=True)
         attendre(lambda: couleur(680, 450) == CLAIR, quoi="la page claire")
