@@ -48,6 +48,15 @@ Destination destinationDUneFenetreNeuve(std::string_view adresse) {
   return sOuvre ? Destination::navigateur : Destination::nullePart;
 }
 
+bool LiensSortants::laisserPartir(Geste geste, double maintenant) {
+  if (geste == Geste::aucun) return false;
+  while (!departs_.empty() && maintenant - departs_.front() >= periode)
+    departs_.pop_front();
+  if (departs_.size() >= maximum) return false;
+  departs_.push_back(maintenant);
+  return true;
+}
+
 Destination destinationDe(std::string_view adresse, std::string_view origine) {
   if (estDe(adresse, origine) || commenceParUnDe(adresse, std::array{"about:blank", "about:srcdoc"}))
     return Destination::cetteFenetre;

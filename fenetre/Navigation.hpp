@@ -1,6 +1,8 @@
 // Navigation : où une adresse demandée par la page doit s’ouvrir.
 #pragma once
 
+#include <cstddef>
+#include <deque>
 #include <string_view>
 
 namespace keltrove::fenetre {
@@ -18,5 +20,21 @@ Destination destinationDe(std::string_view adresse, std::string_view origine);
 
 // Une fenêtre de plus n’est jamais la nôtre, même pour une adresse de la page.
 Destination destinationDUneFenetreNeuve(std::string_view adresse);
+
+enum class Geste { deLUtilisateur, aucun };
+
+// Les liens que la page envoie au navigateur : sur un geste de l’utilisateur seulement, et jamais à la
+// chaîne, fût-ce d’un seul geste.
+class LiensSortants {
+public:
+  static constexpr std::size_t maximum = 10;
+  static constexpr double periode = 10; // secondes
+
+  // `maintenant`, en secondes d’une horloge qui ne recule pas.
+  bool laisserPartir(Geste geste, double maintenant);
+
+private:
+  std::deque<double> departs_;
+};
 
 } // namespace keltrove::fenetre

@@ -158,8 +158,7 @@ void VueWeb::garderLaPage() {
       this);
   g_signal_connect(vue_, "create",
                    G_CALLBACK(+[](WebKitWebView*, WebKitNavigationAction* action, VueWeb* moi) -> GtkWidget* {
-                     const auto adresse = adresseDe(action);
-                     moi->envoyer(adresse, fenetre::destinationDUneFenetreNeuve(adresse));
+                     moi->envoyer(action, fenetre::destinationDUneFenetreNeuve(adresseDe(action)));
                      return nullptr;
                    }),
                    this);
@@ -190,12 +189,16 @@ bool VueWeb::decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType so
                                : fenetre::destinationDe(adresse, origine_);
   if (destination == fenetre::Destination::cetteFenetre) return false;
   webkit_policy_decision_ignore(decision);
-  envoyer(adresse, destination);
+  envoyer(action, destination);
   return true;
 }
 
-void VueWeb::envoyer(const std::string& adresse, fenetre::Destination destination) {
-  if (destination == fenetre::Destination::navigateur) ouvrirAilleurs_(adresse);
+void VueWeb::envoyer(WebKitNavigationAction* action, fenetre::Destination destination) {
+  const auto geste = webkit_navigation_action_is_user_gesture(action) != 0 ? fenetre::Geste::deLUtilisateur
+                                                                           : fenetre::Geste::aucun;
+  const double maintenant = static_cast<double>(g_get_monotonic_time()) / G_USEC_PER_SEC;
+  if (destination == fenetre::Destination::navigateur && liensSortants_.laisserPartir(geste, maintenant))
+    ouvrirAilleurs_(adresseDe(action));
 }
 
 void VueWeb::charger(const std::string& adresse) {

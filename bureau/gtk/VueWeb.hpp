@@ -46,7 +46,7 @@ private:
   void ouvrirLeCanal();
   void garderLaPage();
   void collerLaSelectionAuClavier();
-  void envoyer(const std::string& adresse, fenetre::Destination destination);
+  void envoyer(WebKitNavigationAction* action, fenetre::Destination destination);
   bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);
   void quandLeChargementChange(WebKitLoadEvent evenement);
@@ -57,6 +57,7 @@ private:
   const std::function<void(const std::string& adresse)> ouvrirAilleurs_;
   WebKitWebView* vue_ = nullptr;
   Gtk::Widget* widget_ = nullptr;
+  fenetre::LiensSortants liensSortants_;
   std::string origine_; // de la page servie
   // WebKit annonce « terminé » juste après un échec : vrai de l’échec au début du chargement suivant.
   bool rate_ = false;

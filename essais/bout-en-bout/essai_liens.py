@@ -18,6 +18,16 @@ PAGE = page_notee.code("""<a id=lien></a><iframe srcdoc="x"></iframe><script>
     d: () => suivre('https://exemple.fr/cible', '_blank'),
     e: () => { location.href = 'https://exemple.fr/script'; },
     f: () => { for (const a of ['file:///etc/passwd', 'ftp://exemple.fr/', 'smb://a/b']) { suivre(a, ''); suivre(a, '_blank'); } },
+    h: () => {
+      // Le geste qui l’a lancée est fini depuis longtemps.
+      let reste = 20;
+      const boucle = () => {
+        suivre('https://exemple.fr/boucle', reste % 2 ? '' : '_blank');
+        if (--reste) setTimeout(boucle, 20); else noter('boucle finie');
+      };
+      setTimeout(boucle, 3000);
+    },
+    i: () => { for (let n = 0; n < 30; n += 1) suivre(`https://exemple.fr/${n}`, '_blank'); },
     g: () => { location.hash = 'ici'; noter(location.hash); },
   };
   addEventListener('keydown', (e) => { gestes[e.key]?.(); noter(['touche', e.key]); });
@@ -67,6 +77,20 @@ class Liens(Cas):
         self.assertEqual(self.adresses(), voulues)
         self.assertEqual(couleur(680, 500), VERT)
         self.assertEqual(application.etapes().count("page-affichee"), 1)
+        application.quitter()
+
+    def test_une_page_qui_en_ouvre_en_boucle_n_ouvre_rien_sans_geste_et_peu_sur_un_seul(self):
+        application = self.ouvrir()
+        touches("h")
+        attendre_la_note(application, "boucle finie")
+        touches("a")
+        attendre(lambda: self.adresses(), quoi="le lien suivi d’un geste")
+        self.assertEqual(self.adresses(), ["https://exemple.fr/a?b=c&d intact"])
+        touches("i")
+        attendre(lambda: len(self.adresses()) == 10, quoi=lambda: f"dix liens (vu : {self.adresses()})")
+        touches("a", "g")
+        attendre_la_note(application, "#ici")
+        self.assertEqual(len(self.adresses()), 10)
         application.quitter()
 
     def test_sans_application_pour_l_ouvrir_un_bandeau_le_dit(self):

@@ -50,5 +50,22 @@ TEST(EssaiNavigation, UneFenetreNeuveNEstJamaisLaNotre) {
   EXPECT_EQ(destinationDUneFenetreNeuve("file:///tmp"), Destination::nullePart);
 }
 
+TEST(EssaiLiensSortants, SansGesteAucunNePart) {
+  LiensSortants liens;
+  EXPECT_FALSE(liens.laisserPartir(Geste::aucun, 0));
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 0));
+}
+
+TEST(EssaiLiensSortants, DixEnDixSecondesPartentEtLeOnziemeAttendQueLePremierAitDixSecondes) {
+  LiensSortants liens;
+  for (int i = 0; i < 10; ++i)
+    EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 100 + i * 0.5)) << i;
+  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur, 109.9));
+  EXPECT_FALSE(liens.laisserPartir(Geste::aucun, 110)) << "un refus ne compte pas";
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 110));
+  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur, 110.4));
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 110.5));
+}
+
 } // namespace
 } // namespace keltrove::fenetre
