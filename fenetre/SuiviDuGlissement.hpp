@@ -19,7 +19,7 @@ struct Portes {
   std::vector<std::string> chemins; // comme dans Glissement
   std::size_t illisibles =
       0;                // les fichiers d’ici dont le nom n’est pas en UTF-8 : la page n’en peut rien faire
-  std::string adresses; // tout ce qui se lit comme une adresse, une par ligne
+  std::string adresses; // chacune sur sa ligne, sans fin de ligne après la dernière
 };
 
 class SuiviDuGlissement {

@@ -33,7 +33,8 @@ fenetre::Portes portesPar(const std::string& liste) {
     char* hote = nullptr;
     const PourGLib<char> chemin(g_filename_from_uri(*adresse, &hote, nullptr), &g_free);
     const PourGLib<char> nomDeLHote(hote, &g_free);
-    if (g_utf8_validate(*adresse, -1, nullptr)) portes.adresses += std::string(*adresse) + "\n";
+    if (g_utf8_validate(*adresse, -1, nullptr))
+      portes.adresses += (portes.adresses.empty() ? "" : "\n") + std::string(*adresse);
     if (!chemin || !estCetteMachine(hote)) continue;
     if (g_utf8_validate(chemin.get(), -1, nullptr))
       portes.chemins.emplace_back(chemin.get());

@@ -11,9 +11,9 @@ using Textes = std::vector<std::string>;
 class EssaiSuivi : public testing::Test {
 protected:
   static Portes fichiers() {
-    return {.chemins = {"/a", "/b"}, .illisibles = 0, .adresses = "file:///a\nfile:///b\n"};
+    return {.chemins = {"/a", "/b"}, .illisibles = 0, .adresses = "file:///a\nfile:///b"};
   }
-  static Portes lien() { return {.chemins = {}, .illisibles = 0, .adresses = "http://a.test/\n"}; }
+  static Portes lien() { return {.chemins = {}, .illisibles = 0, .adresses = "http://a.test/"}; }
 
   void entrer() { suivi.entrer({10, 20}, {}); }
   void deposer() { suivi.deposer({10, 20}, {}); }
@@ -33,7 +33,7 @@ protected:
        .ecarterDesIllisibles =
            [this](std::size_t combien) { notes.push_back(std::to_string(combien) + " illisible"); }}};
   const std::string depose = R"(dépôt {"chemins":["/a","/b"],"x":10.0,"y":20.0})";
-  const std::string lienDepose = R"(dépôt {"adresses":"http://a.test/\n","x":10.0,"y":20.0})";
+  const std::string lienDepose = R"(dépôt {"adresses":"http://a.test/","x":10.0,"y":20.0})";
 };
 
 TEST_F(EssaiSuivi, DesFichiersSeSurvolentPuisSeDeposent) {
@@ -108,7 +108,7 @@ TEST_F(EssaiSuivi, UnNomIllisibleNEmpecheQueLuiEtSeDit) {
   EXPECT_EQ(lues(), (Textes{"survol", "survol", depose, "1 illisible", "remis"}));
   suivi.commencer();
   entrer();
-  suivi.apprendre({.chemins = {}, .illisibles = 2, .adresses = "file:///%FF\n"});
+  suivi.apprendre({.chemins = {}, .illisibles = 2, .adresses = "file:///%FF"});
   EXPECT_TRUE(suivi.estANous()) << "un fichier reste un fichier";
   deposer();
   EXPECT_EQ(lues(), (Textes{"2 illisible", "refusé"}));
