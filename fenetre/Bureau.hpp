@@ -4,7 +4,9 @@
 #include "fenetre/VueFenetre.hpp"
 #include "pont/CentreNotifications.hpp"
 
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace keltrove::fenetre {
 
@@ -16,6 +18,9 @@ public:
 
   // Met l’application devant les autres, là où le système la distingue de ses fenêtres.
   virtual void activerLApplication() = 0;
+  // Avec ce que l’utilisateur a choisi pour elle, sans attendre. `rate` vient plus tard si rien ne sait
+  // l’ouvrir.
+  virtual void ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) = 0;
   // Prend le chemin de la fermeture, comme l’article « Quitter ».
   virtual void demanderLaFermeture() = 0;
   // La réponse définitive à une fermeture remise à plus tard : le processus se termine aussitôt.

@@ -33,7 +33,11 @@ void ChargementDeLaPage::charger(int port) {
   port_ = port;
   ecoute_ = Ecoute::toutes;
   surveillerLeDelai(); // d’abord : le chargement peut échouer aussitôt
-  vue_.charger(fmt::format("http://localhost:{}/", port));
+  vue_.charger(origine() + "/");
+}
+
+std::string ChargementDeLaPage::origine() const {
+  return port_ ? fmt::format("http://localhost:{}", *port_) : "";
 }
 
 void ChargementDeLaPage::abandonner() {

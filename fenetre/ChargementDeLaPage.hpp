@@ -34,6 +34,8 @@ public:
 
   // Celui de la dernière page demandée.
   std::optional<int> port() const { return port_; }
+  // « http://hôte:port », vide avant toute page.
+  std::string origine() const;
 
   // Ce que rapporte la vue.
   void commencer();

@@ -21,7 +21,7 @@ constexpr double dureeDUnAvis = 6.0;
 } // namespace
 
 FenetrePrincipale::FenetrePrincipale(Bureau& bureau, socle::BoucleEvenements& boucle)
-    : bureau_(bureau), boucle_(boucle), vue_(bureau.creerLaFenetre(*this)),
+    : bureau_(bureau), boucle_(boucle), liensSortants_(boucle), vue_(bureau.creerLaFenetre(*this)),
       pont_(bureau.notifications(), boucle),
       chargement_(*vue_, boucle,
                   {.quandElleEstLa = [this] { montrerLaPage(); },
@@ -80,9 +80,23 @@ void FenetrePrincipale::quandLaPageEcrit(const std::string& canal, const pont::M
   if (const auto texte = texteALire(message)) vue_->annoncer(*texte);
 }
 
-void FenetrePrincipale::quandUnLienNeSOuvrePas(const std::string& adresse) {
-  if (pageIgnoree_) return;
-  afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
+bool FenetrePrincipale::laPageVeutOuvrir(const DemandeDAdresse& demande) {
+  const auto destination = demande.fenetreNeuve ? destinationDUneFenetreNeuve(demande.adresse)
+                                                : destinationDe(demande.adresse, chargement_.origine());
+  if (destination == Destination::navigateur && liensSortants_.laisserPartir(demande.geste))
+    ouvrirAilleurs(demande.adresse);
+  return destination == Destination::cetteFenetre;
+}
+
+bool FenetrePrincipale::estLaPage(const std::string& adresse) const {
+  return destinationDe(adresse, chargement_.origine()) == Destination::cetteFenetre;
+}
+
+void FenetrePrincipale::ouvrirAilleurs(const std::string& adresse) {
+  bureau_.ouvrirDansLeNavigateur(adresse, temoin_.garder([this, adresse] {
+    if (!pageIgnoree_)
+      afficherBandeau("Aucune application ne sait ouvrir ce lien : " + adresse, dureeDUnAvis);
+  }));
 }
 
 void FenetrePrincipale::quandDesFichiersSontIllisibles(std::size_t combien) {

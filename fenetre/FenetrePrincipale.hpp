@@ -58,7 +58,8 @@ private:
   void quandOnBasculeLeDetail() override { ecran_.basculerDetail(); }
   void quandOnRecharge() override { rechargerVraiment(); }
   void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) override;
-  void quandUnLienNeSOuvrePas(const std::string& adresse) override;
+  bool laPageVeutOuvrir(const DemandeDAdresse& demande) override;
+  bool estLaPage(const std::string& adresse) const override;
   void quandDesFichiersSontIllisibles(std::size_t combien) override;
   void quandLeRegardChange(bool ici) override;
   void quandLeLecteurDEcranChange(const LecteurDEcran& lecteur) override;
@@ -66,12 +67,14 @@ private:
   void montrerLaPage();
   void sonderLeContenu();
   void signalerPageRatee(const std::string& raison);
+  void ouvrirAilleurs(const std::string& adresse);
   void direALaPage(const std::string& expression);
 
   Bureau& bureau_;
   socle::BoucleEvenements& boucle_;
   EcranAttente ecran_;
   LecteurDEcran lecteur_;
+  LiensSortants liensSortants_;
   bool regardIci_ = false;
   bool pageIgnoree_ = false;
   socle::Minuteur minuteurBandeau_;

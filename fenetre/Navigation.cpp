@@ -48,12 +48,9 @@ Destination destinationDUneFenetreNeuve(std::string_view adresse) {
   return sOuvre ? Destination::navigateur : Destination::nullePart;
 }
 
-bool LiensSortants::laisserPartir(Geste geste, double maintenant) {
-  if (geste == Geste::aucun) return false;
-  while (!departs_.empty() && maintenant - departs_.front() >= periode)
-    departs_.pop_front();
-  if (departs_.size() >= maximum) return false;
-  departs_.push_back(maintenant);
+bool LiensSortants::laisserPartir(Geste geste) {
+  if (geste == Geste::aucun || departs_.size() >= maximum) return false;
+  departs_.push_back(boucle_.apres(periode, [this] { departs_.pop_front(); }));
   return true;
 }
 

@@ -1,6 +1,8 @@
 // Navigation : où une adresse demandée par la page doit s’ouvrir.
 #pragma once
 
+#include "socle/BoucleEvenements.hpp"
+
 #include <cstddef>
 #include <deque>
 #include <string_view>
@@ -30,11 +32,14 @@ public:
   static constexpr std::size_t maximum = 10;
   static constexpr double periode = 10; // secondes
 
-  // `maintenant`, en secondes d’une horloge qui ne recule pas.
-  bool laisserPartir(Geste geste, double maintenant);
+  // La boucle lui survit.
+  explicit LiensSortants(socle::BoucleEvenements& boucle) : boucle_(boucle) {}
+
+  bool laisserPartir(Geste geste);
 
 private:
-  std::deque<double> departs_;
+  socle::BoucleEvenements& boucle_;
+  std::deque<socle::Minuteur> departs_; // les derniers, chacun le temps qu’il compte
 };
 
 } // namespace keltrove::fenetre

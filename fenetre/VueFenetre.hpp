@@ -7,6 +7,7 @@
 #include "fenetre/ArticlesDeMenu.hpp"
 #include "fenetre/EcranAttente.hpp"
 #include "fenetre/LecteurDEcran.hpp"
+#include "fenetre/Navigation.hpp"
 #include "pont/MessageDeLaPage.hpp"
 
 #include <cstddef>
@@ -37,6 +38,13 @@ struct EchecDeNavigation {
   std::string description; // pour un chargement, le texte du système
 };
 
+// Une adresse que la page veut ouvrir, sous sa forme canonique (WHATWG URL).
+struct DemandeDAdresse {
+  std::string adresse;
+  bool fenetreNeuve = false;
+  Geste geste = Geste::aucun;
+};
+
 // Ce que la vue rapporte, dès qu’elle existe et jusqu’à sa fin.
 class ObservateurDeLaVue {
 public:
@@ -51,8 +59,10 @@ public:
   virtual void quandOnRecharge() = 0;
 
   virtual void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) = 0;
-  // Rien sur ce bureau ne sait ouvrir un lien que la page a demandé.
-  virtual void quandUnLienNeSOuvrePas(const std::string& adresse) = 0;
+  // Faux : la vue n’en fait rien, l’observateur s’en est chargé.
+  virtual bool laPageVeutOuvrir(const DemandeDAdresse& demande) = 0;
+  // Elle seule lit le presse-papiers ; aucune autre permission n’est donnée à personne.
+  virtual bool estLaPage(const std::string& adresse) const = 0;
   // D’un dépôt, tant de fichiers ont un nom que la page ne peut recevoir ; les autres y sont.
   virtual void quandDesFichiersSontIllisibles(std::size_t combien) = 0;
   // L’utilisateur est-il devant l’application, fût-ce dans un de ses menus ou une de ses boîtes ?

@@ -1,6 +1,7 @@
 #include "bureau/gtk/ApplicationGtk.hpp"
 
 #include "bureau/gtk/EcranPerdu.hpp"
+#include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "socle/Reglages.hpp"
 
 #include <csignal>
@@ -60,7 +61,7 @@ void ApplicationGtk::ouvrir() {
 
 std::unique_ptr<fenetre::VueFenetre>
 ApplicationGtk::creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) {
-  auto fenetre = std::make_unique<FenetreGtk>(observateur, environnement_, [this] { demanderLaFermeture(); });
+  auto fenetre = std::make_unique<FenetreGtk>(observateur, [this] { demanderLaFermeture(); });
   fenetre_ = fenetre.get();
   notifications_.applicationDevant = [this] { return fenetre_->is_active(); };
   notifications_.quandUnJetonArrive = [this](const std::string& jeton) { fenetre_->recevoirLeJeton(jeton); };
@@ -80,6 +81,10 @@ void ApplicationGtk::ecouterLesSignaux() {
         },
         this);
   }
+}
+
+void ApplicationGtk::ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) {
+  bureau::ouvrirDansLeNavigateur(adresse, environnement_, std::move(rate));
 }
 
 void ApplicationGtk::demanderLaFermeture() {

@@ -34,6 +34,7 @@ private:
   std::unique_ptr<fenetre::VueFenetre> creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) override;
   pont::CentreNotifications& notifications() override { return notifications_; }
   void activerLApplication() override {} // sous Linux, c’est la fenêtre que l’on met devant
+  void ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) override;
   void demanderLaFermeture() override;
   void partir() override;
 

@@ -2,7 +2,6 @@
 
 #include "bureau/gtk/CadreMemorise.hpp"
 #include "bureau/gtk/FenetreX11.hpp"
-#include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "bureau/gtk/Style.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
@@ -20,10 +19,8 @@ namespace keltrove::bureau {
 
 namespace Apparence = fenetre::Apparence;
 
-FenetreGtk::FenetreGtk(fenetre::ObservateurDeLaVue& observateur, socle::Environnement environnement,
-                       std::function<void()> fermer)
-    : observateur_(observateur), environnement_(std::move(environnement)), fermer_(std::move(fermer)),
-      lecteur_([this](bool tourne) {
+FenetreGtk::FenetreGtk(fenetre::ObservateurDeLaVue& observateur, std::function<void()> fermer)
+    : observateur_(observateur), fermer_(std::move(fermer)), lecteur_([this](bool tourne) {
         // GTK sait montrer l’arbre d’un autre processus, comme celui de la page, depuis sa version 4.14.
         observateur_.quandLeLecteurDEcranChange(
             {.tourne = tourne, .voitLaPage = gtk_check_version(4, 14, 0) == nullptr});
@@ -71,11 +68,6 @@ void FenetreGtk::construireLeBandeau() {
   bandeau_.set_single_line_mode(true);
   bandeau_.set_can_target(false);
   bandeau_.set_visible(false);
-}
-
-void FenetreGtk::ouvrirLeLien(const std::string& adresse) {
-  ouvrirDansLeNavigateur(adresse, environnement_,
-                         temoin_.garder([this, adresse] { observateur_.quandUnLienNeSOuvrePas(adresse); }));
 }
 
 void FenetreGtk::suivreLeRegard(Gtk::Window& fenetre) {

@@ -9,7 +9,6 @@
 #include "bureau/gtk/ThemeSysteme.hpp"
 #include "bureau/gtk/VueWeb.hpp"
 #include "fenetre/VueFenetre.hpp"
-#include "socle/Environnement.hpp"
 #include "socle/Temoin.hpp"
 
 #include <gtkmm/applicationwindow.h>
@@ -21,10 +20,9 @@ namespace keltrove::bureau {
 
 class FenetreGtk final : public Gtk::ApplicationWindow, public fenetre::VueFenetre {
 public:
-  // L’environnement est celui que reçoit le navigateur du bureau. La fenêtre ne se ferme jamais seule :
-  // `fermer` porte la question à l’application. L’observateur lui survit.
-  FenetreGtk(fenetre::ObservateurDeLaVue& observateur, socle::Environnement environnement,
-             std::function<void()> fermer);
+  // La fenêtre ne se ferme jamais seule : `fermer` porte la question à l’application. L’observateur lui
+  // survit.
+  FenetreGtk(fenetre::ObservateurDeLaVue& observateur, std::function<void()> fermer);
 
   // Une fenêtre que personne n’a vue ne retient rien.
   void retenirLaTaille() const;
@@ -46,26 +44,24 @@ private:
   void reprendreLaTaille();
   void suivreLeTheme();
   void construireLeBandeau();
-  void ouvrirLeLien(const std::string& adresse);
   void suivreLeRegard(Gtk::Window& fenetre);
   void direLeRegard();
   bool on_close_request() override;
 
   fenetre::ObservateurDeLaVue& observateur_;
-  const socle::Environnement environnement_;
   const std::function<void()> fermer_;
   ThemeSysteme theme_;
   LecteurDuBureau lecteur_;
   Gtk::Box pile_{Gtk::Orientation::VERTICAL};
   Gtk::Overlay contenu_;
-  VueWeb vueWeb_{observateur_, [this](const std::string& adresse) { ouvrirLeLien(adresse); }};
+  VueWeb vueWeb_{observateur_};
   DepotGtk depot_{vueWeb_,
                   [this](std::size_t combien) { observateur_.quandDesFichiersSontIllisibles(combien); }};
   MenusGtk menus_{*this};
   ActionsGtk actions_;
   EcranGtk ecran_{observateur_};
   Gtk::Label bandeau_;
-  socle::Temoin temoin_; // la réponse du bureau peut arriver après la fenêtre
+  socle::Temoin temoin_; // une boîte peut survivre à la fenêtre
 };
 
 } // namespace keltrove::bureau

@@ -73,16 +73,17 @@ std::optional<std::string> enJSON(JSCValue* valeur) {
   return std::nullopt;
 }
 
-std::string adresseDe(WebKitNavigationAction* action) {
-  return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+fenetre::DemandeDAdresse demandeDe(WebKitNavigationAction* action, bool fenetreNeuve) {
+  return {.adresse = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)),
+          .fenetreNeuve = fenetreNeuve,
+          .geste = webkit_navigation_action_is_user_gesture(action) != 0 ? fenetre::Geste::deLUtilisateur
+                                                                         : fenetre::Geste::aucun};
 }
 
 } // namespace
 
-VueWeb::VueWeb(fenetre::ObservateurDeLaVue& observateur,
-               std::function<void(const std::string& adresse)> ouvrirAilleurs)
-    : observateur_(observateur), ouvrirAilleurs_(std::move(ouvrirAilleurs)), vue_(creerLaVue()),
-      widget_(Glib::wrap(GTK_WIDGET(vue_))) {
+VueWeb::VueWeb(fenetre::ObservateurDeLaVue& observateur)
+    : observateur_(observateur), vue_(creerLaVue()), widget_(Glib::wrap(GTK_WIDGET(vue_))) {
   g_object_ref_sink(vue_);
   figerLeTexteCacheDe(GTK_WIDGET(vue_));
   g_signal_connect(vue_, "load-changed",
@@ -158,7 +159,7 @@ void VueWeb::garderLaPage() {
       this);
   g_signal_connect(vue_, "create",
                    G_CALLBACK(+[](WebKitWebView*, WebKitNavigationAction* action, VueWeb* moi) -> GtkWidget* {
-                     moi->envoyer(action, fenetre::destinationDUneFenetreNeuve(adresseDe(action)));
+                     moi->observateur_.laPageVeutOuvrir(demandeDe(action, true));
                      return nullptr;
                    }),
                    this);
@@ -169,11 +170,11 @@ void VueWeb::garderLaPage() {
                    this);
 }
 
-// La page servie colle elle-même, depuis son menu ; rien d’autre n’est permis à personne.
+// La page servie colle elle-même, depuis son menu.
 bool VueWeb::permettre(WebKitPermissionRequest* demande) {
   const char* adresse = webkit_web_view_get_uri(vue_);
   if (!WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(demande) || adresse == nullptr ||
-      fenetre::destinationDe(adresse, origine_) != fenetre::Destination::cetteFenetre)
+      !observateur_.estLaPage(adresse))
     return false;
   webkit_permission_request_allow(demande);
   return true;
@@ -183,22 +184,10 @@ bool VueWeb::decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType so
   if (sorte == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) return false;
   auto* action =
       webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-  const auto adresse = adresseDe(action);
-  const auto destination = sorte == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION
-                               ? fenetre::destinationDUneFenetreNeuve(adresse)
-                               : fenetre::destinationDe(adresse, origine_);
-  if (destination == fenetre::Destination::cetteFenetre) return false;
+  const bool fenetreNeuve = sorte == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION;
+  if (observateur_.laPageVeutOuvrir(demandeDe(action, fenetreNeuve))) return false;
   webkit_policy_decision_ignore(decision);
-  envoyer(action, destination);
   return true;
-}
-
-void VueWeb::envoyer(WebKitNavigationAction* action, fenetre::Destination destination) {
-  const auto geste = webkit_navigation_action_is_user_gesture(action) != 0 ? fenetre::Geste::deLUtilisateur
-                                                                           : fenetre::Geste::aucun;
-  const double maintenant = static_cast<double>(g_get_monotonic_time()) / G_USEC_PER_SEC;
-  if (destination == fenetre::Destination::navigateur && liensSortants_.laisserPartir(geste, maintenant))
-    ouvrirAilleurs_(adresseDe(action));
 }
 
 void VueWeb::charger(const std::string& adresse) {
@@ -206,7 +195,7 @@ void VueWeb::charger(const std::string& adresse) {
     observateur_.quandNavigationRatee({.cause = CauseDEchec::lancementRefuse});
     return;
   }
-  origine_ = adresse.substr(0, adresse.find('/', adresse.find("://") + 3));
+  sollicitee_ = true;
   const Objet<WebKitURIRequest> requete(webkit_uri_request_new(adresse.c_str()));
   soup_message_headers_replace(webkit_uri_request_get_http_headers(requete.get()), "Cache-Control",
                                "no-cache");
@@ -219,7 +208,7 @@ void VueWeb::arreterLeChargement() {
 
 void VueWeb::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
   // Sans page, WebKit lancerait pour cela son programme, que le système vient peut-être de refuser.
-  if (origine_.empty()) {
+  if (!sollicitee_) {
     fini(std::nullopt);
     return;
   }

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "fenetre/Apparence.hpp"
-#include "fenetre/Navigation.hpp"
 #include "fenetre/VueFenetre.hpp"
 
 #include <functional>
@@ -19,10 +18,8 @@ namespace keltrove::bureau {
 
 class VueWeb {
 public:
-  // `ouvrirAilleurs` reçoit une adresse que la page voulait ouvrir, et qui n’est pas pour cette fenêtre.
   // L’observateur survit à la vue.
-  VueWeb(fenetre::ObservateurDeLaVue& observateur,
-         std::function<void(const std::string& adresse)> ouvrirAilleurs);
+  explicit VueWeb(fenetre::ObservateurDeLaVue& observateur);
   VueWeb(const VueWeb&) = delete;
   VueWeb& operator=(const VueWeb&) = delete;
   ~VueWeb();
@@ -46,7 +43,6 @@ private:
   void ouvrirLeCanal();
   void garderLaPage();
   void collerLaSelectionAuClavier();
-  void envoyer(WebKitNavigationAction* action, fenetre::Destination destination);
   bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);
   void quandLeChargementChange(WebKitLoadEvent evenement);
@@ -54,11 +50,9 @@ private:
   void quandLeProcessusSArrete(WebKitWebProcessTerminationReason raison);
 
   fenetre::ObservateurDeLaVue& observateur_;
-  const std::function<void(const std::string& adresse)> ouvrirAilleurs_;
   WebKitWebView* vue_ = nullptr;
   Gtk::Widget* widget_ = nullptr;
-  fenetre::LiensSortants liensSortants_;
-  std::string origine_; // de la page servie
+  bool sollicitee_ = false; // a lancé ses programmes, qu’un appel à la page lancerait sinon
   // WebKit annonce « terminé » juste après un échec : vrai de l’échec au début du chargement suivant.
   bool rate_ = false;
 };

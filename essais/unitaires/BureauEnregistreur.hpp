@@ -26,6 +26,10 @@ public:
   }
   pont::CentreNotifications& notifications() override { return centre; }
   void activerLApplication() override { ++activations; }
+  std::vector<std::pair<std::string, std::function<void()>>> liens;
+  void ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) override {
+    liens.emplace_back(adresse, std::move(rate));
+  }
   void demanderLaFermeture() override { ++fermetures; }
   void partir() override { ++departs; }
 };

@@ -138,23 +138,37 @@ TEST_F(EssaiFenetre, UnMessageDeLaPageVaAuPontEtUnClicRamene) {
   EXPECT_EQ(vue.devant, 1);
 }
 
+TEST_F(EssaiFenetre, UnLienDAilleursVaAuNavigateurSurUnGesteEtLaPageResteIci) {
+  fenetre.chargerLaPage(8080);
+  const auto vers = [&](const std::string& adresse, Geste geste, bool fenetreNeuve = false) {
+    return vue.observateur->laPageVeutOuvrir({adresse, fenetreNeuve, geste});
+  };
+  EXPECT_TRUE(vers("http://localhost:8080/", Geste::aucun));
+  EXPECT_FALSE(vers("http://localhost:8080/", Geste::deLUtilisateur, true));
+  EXPECT_FALSE(vers("https://exemple.fr/", Geste::deLUtilisateur));
+  EXPECT_FALSE(vers("https://exemple.fr/boucle", Geste::aucun));
+  EXPECT_FALSE(vers("file:///etc/passwd", Geste::deLUtilisateur));
+  ASSERT_EQ(bureau.liens.size(), 2U);
+  EXPECT_EQ(bureau.liens[0].first, "http://localhost:8080/");
+  EXPECT_EQ(bureau.liens[1].first, "https://exemple.fr/");
+}
+
+TEST_F(EssaiFenetre, SeuleLaPageServieEstLaPage) {
+  EXPECT_FALSE(vue.observateur->estLaPage("http://localhost:8080/"));
+  fenetre.chargerLaPage(8080);
+  EXPECT_TRUE(vue.observateur->estLaPage("http://localhost:8080/x"));
+  EXPECT_FALSE(vue.observateur->estLaPage("http://localhost:8081/"));
+}
+
 TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
-  vue.observateur->quandUnLienNeSOuvrePas("mailto:a");
+  vue.observateur->laPageVeutOuvrir({.adresse = "mailto:a", .geste = Geste::deLUtilisateur});
+  bureau.liens.at(0).second();
   EXPECT_TRUE(vue.bandeaux.back().visible);
   EXPECT_EQ(vue.bandeaux.back().texte, "  Aucune application ne sait ouvrir ce lien : mailto:a  ");
   boucle.avancer(5.9);
   EXPECT_TRUE(vue.bandeaux.back().visible);
   boucle.avancer(0.1);
   EXPECT_FALSE(vue.bandeaux.back().visible);
-}
-
-TEST_F(EssaiFenetre, DesFichiersAuNomIllisibleSeDisent) {
-  vue.observateur->quandDesFichiersSontIllisibles(1);
-  EXPECT_EQ(vue.bandeaux.back().texte,
-            "  Un fichier n’a pas été déposé : son nom est illisible. Renommez-le d’abord.  ");
-  vue.observateur->quandDesFichiersSontIllisibles(3);
-  EXPECT_EQ(vue.bandeaux.back().texte,
-            "  3 fichiers n’ont pas été déposés : leur nom est illisible. Renommez-les d’abord.  ");
 }
 
 constexpr const char* lecteurTourne = "window.keltroveLecteur = { tourne: true, voitLaPage: true }; "
@@ -320,11 +334,12 @@ TEST_F(EssaiFenetre, ALaFermeturePlusRienDeLaPageNeVaAuJournal) {
   vue.observateur->quandNavigationFinie();
   boucle.avancer(1);
   vue.observateur->quandNavigationFinie();
+  vue.observateur->laPageVeutOuvrir({.adresse = "mailto:a", .geste = Geste::deLUtilisateur});
   fenetre.ignorerLaPage();
   vue.evaluations.at(0).second("Accueil|52|jeton-rempli");
   boucle.avancer(2);
   vue.observateur->quandNavigationFinie();
-  vue.observateur->quandUnLienNeSOuvrePas("mailto:a");
+  bureau.liens.at(0).second();
   EXPECT_EQ(nomsDesEtapes(), (std::vector<std::string>{"page-affichee", "page-affichee"}));
   EXPECT_EQ(vue.evaluations.size(), 1U);
 }

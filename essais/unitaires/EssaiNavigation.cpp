@@ -1,3 +1,4 @@
+#include "BoucleVirtuelle.hpp"
 #include "fenetre/Navigation.hpp"
 
 #include <gtest/gtest.h>
@@ -51,20 +52,27 @@ TEST(EssaiNavigation, UneFenetreNeuveNEstJamaisLaNotre) {
 }
 
 TEST(EssaiLiensSortants, SansGesteAucunNePart) {
-  LiensSortants liens;
-  EXPECT_FALSE(liens.laisserPartir(Geste::aucun, 0));
-  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 0));
+  essais::BoucleVirtuelle boucle;
+  LiensSortants liens(boucle);
+  EXPECT_FALSE(liens.laisserPartir(Geste::aucun));
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur));
 }
 
 TEST(EssaiLiensSortants, DixEnDixSecondesPartentEtLeOnziemeAttendQueLePremierAitDixSecondes) {
-  LiensSortants liens;
-  for (int i = 0; i < 10; ++i)
-    EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 100 + i * 0.5)) << i;
-  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur, 109.9));
-  EXPECT_FALSE(liens.laisserPartir(Geste::aucun, 110)) << "un refus ne compte pas";
-  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 110));
-  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur, 110.4));
-  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur, 110.5));
+  essais::BoucleVirtuelle boucle;
+  LiensSortants liens(boucle);
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur)) << i;
+    boucle.avancer(0.5);
+  }
+  boucle.avancer(4.9);
+  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur));
+  boucle.avancer(0.1);
+  EXPECT_FALSE(liens.laisserPartir(Geste::aucun)) << "un refus ne compte pas";
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur));
+  EXPECT_FALSE(liens.laisserPartir(Geste::deLUtilisateur));
+  boucle.avancer(0.5);
+  EXPECT_TRUE(liens.laisserPartir(Geste::deLUtilisateur));
 }
 
 } // namespace
