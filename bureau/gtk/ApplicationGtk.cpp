@@ -53,7 +53,7 @@ void ApplicationGtk::ouvrir() {
   hold(); // en mode essai, aucune fenêtre visible ne retient l’application
   ecouterLesSignaux();
   quandLEcranDisparait([this] {
-    fenetre_->retenirLaTaille();
+    if (fenetre_ != nullptr) fenetre_->retenirLaTaille();
     delegue_.partirSansEcran();
   });
   delegue_.applicationDidFinishLaunching();

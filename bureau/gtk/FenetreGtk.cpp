@@ -1,7 +1,7 @@
 #include "bureau/gtk/FenetreGtk.hpp"
 
-#include "bureau/gtk/CadreMemorise.hpp"
 #include "bureau/gtk/FenetreX11.hpp"
+#include "bureau/gtk/Retenu.hpp"
 #include "bureau/gtk/Style.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
@@ -83,14 +83,14 @@ void FenetreGtk::direLeRegard() {
 }
 
 void FenetreGtk::reprendreLaTaille() {
-  const auto cadre = lireLeCadre(Apparence::nomDuCadre);
-  set_default_size(cadre ? cadre->largeur : Apparence::largeur, cadre ? cadre->hauteur : Apparence::hauteur);
-  if (cadre && cadre->agrandie) maximize();
+  const auto cadre = fenetre::ouverture(lireLeCadre(Apparence::nomDuCadre)).cadre;
+  set_default_size(cadre.largeur, cadre.hauteur);
+  if (cadre.agrandie) maximize();
 }
 
 void FenetreGtk::retenirLaTaille() const {
   if (!get_mapped()) return;
-  Cadre cadre{.agrandie = is_maximized()};
+  fenetre::Cadre cadre{.agrandie = is_maximized()};
   get_default_size(cadre.largeur, cadre.hauteur);
   retenirLeCadre(Apparence::nomDuCadre, cadre);
 }

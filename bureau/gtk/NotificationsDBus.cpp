@@ -1,8 +1,8 @@
 #include "bureau/gtk/NotificationsDBus.hpp"
 
 #include "bureau/gtk/DeGLib.hpp"
-#include "bureau/gtk/DrapeauxRetenus.hpp"
 #include "bureau/gtk/ReglagesDuBureau.hpp"
+#include "bureau/gtk/Retenu.hpp"
 #include "fenetre/Apparence.hpp"
 
 #include <memory>
