@@ -62,7 +62,11 @@ void SuiviDuGlissement::aller(const Point& point, const MesuresDeLaVue& vue) {
 }
 
 void SuiviDuGlissement::survoler() {
-  if (contenu_ == Contenu::fichiers && !couverte_) depot_.draggingEntered(glissement_);
+  if (contenu_ != Contenu::fichiers || couverte_) return;
+  if (depot_.glisserDeFichiers())
+    depot_.draggingUpdated(glissement_);
+  else
+    depot_.draggingEntered(glissement_);
 }
 
 void SuiviDuGlissement::remettre() {
@@ -77,8 +81,10 @@ bool SuiviDuGlissement::remettreALaPage() {
     return !portes_.adresses.empty();
   }
   survoler(); // un départ a pu précéder le dépôt
-  const bool remis = depot_.performDragOperation(glissement_).value_or(false);
+  const bool pret = depot_.prepareForDragOperation() == VueWebDepot::Reponse::copie;
+  const bool remis = pret && depot_.performDragOperation(glissement_).value_or(false);
   depot_.concludeDragOperation();
+  depot_.draggingEnded();
   if (portes_.illisibles > 0) effets_.ecarterDesIllisibles(portes_.illisibles);
   return remis;
 }
