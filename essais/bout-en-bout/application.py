@@ -239,3 +239,9 @@ def attendre_le_clavier(application):
 
 def touches(*noms):
     subprocess.run(["xdotool", "key", "--clearmodifiers", *noms], check=True)
+
+
+def regler_la_resolution(points):
+    """Ce que le bureau dit de l’écran, en points par pouce : 96, ou plus pour qui veut un texte plus grand."""
+    subprocess.run(["xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER", f"Xft.dpi:\t{points}\n"],
+                   check=True)

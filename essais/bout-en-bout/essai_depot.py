@@ -8,7 +8,7 @@ import threading
 
 import ecran
 import page_notee
-from application import VERT, attendre, couleur, fenetres
+from application import VERT, attendre, couleur, fenetres, regler_la_resolution
 from cas import Cas
 from glissement import Source, souris
 from page_notee import attendre_la_note, notes
@@ -186,12 +186,8 @@ class Depot(Cas):
         application.quitter()
 
     def test_sous_un_grand_texte_le_depot_se_fait_au_bon_endroit(self):
-        def regler(resolution):
-            subprocess.run(["xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
-                            f"Xft.dpi:\t{resolution}\n"], check=True)
-
-        self.addCleanup(regler, 96)
-        regler(144)
+        self.addCleanup(regler_la_resolution, 96)
+        regler_la_resolution(144)
         application = self.ouvrir_avec_accroches()
         (fenetre,) = fenetres(application)
         x, y = self.origine_de_la_page(fenetre)

@@ -5,7 +5,7 @@ import subprocess
 import time
 
 import page_notee
-from application import MUET, SOMBRE, attendre, couleur
+from application import MUET, SOMBRE, attendre, couleur, regler_la_resolution
 from cas import Cas
 from page_notee import attendre_la_note
 
@@ -28,14 +28,10 @@ class Egards(Cas):
         return application.lancer()
 
     def test_la_page_grandit_comme_le_texte_du_bureau(self):
-        def regler(resolution):
-            subprocess.run(["xprop", "-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
-                            f"Xft.dpi:\t{resolution}\n"], check=True)
-
-        self.addCleanup(regler, 96)
+        self.addCleanup(regler_la_resolution, 96)
         for resolution, largeur in ((96, 1280), (192, 640)):
             with self.subTest(resolution=resolution):
-                regler(resolution)
+                regler_la_resolution(resolution)
                 application = self.ouvrir(code=PAGE)
                 application.attendre("page-affichee")
                 attendre_la_note(application, [largeur, False])

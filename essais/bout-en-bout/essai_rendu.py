@@ -4,7 +4,7 @@ import os
 import re
 import time
 
-from application import attendre, lire, touches
+from application import attendre, lire, regler_la_resolution, touches
 from essai_terminal import Terminal, taper
 from points import Image, contraste
 
@@ -166,3 +166,14 @@ class Points(Terminal):
         self.verifier(8, echelle=2)
         touches("Return")
         application.quitter()
+
+    def test_sous_un_texte_agrandi_par_le_bureau_aussi(self):
+        self.addCleanup(regler_la_resolution, 96)
+        for echelle in (1.25, 1.5):
+            regler_la_resolution(round(96 * echelle))
+            application = self.ouvrir_sur_le_motif()
+            self.verifier(14, echelle)
+            touches(*["ctrl+shift+minus"] * 6)
+            self.verifier(8, echelle)
+            touches("Return")
+            application.quitter()

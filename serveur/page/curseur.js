@@ -3,6 +3,8 @@ const immobile = matchMedia('(prefers-reduced-motion: reduce)');
 
 // Le curseur d’un terminal : sa forme, et s’il se voit à cet instant. `redessiner` le fait réapparaître ou disparaître.
 export class Curseur {
+  // Son épaisseur, en points.
+  trait = 1;
   #coeur;
   #redessiner;
   #minuteur = null;
@@ -54,7 +56,7 @@ export class Curseur {
   }
 
   tracer(bande, x, largeur, hauteur, couleur) {
-    const trait = Math.max(1, Math.round(devicePixelRatio));
+    const { trait } = this;
     const forme = this.#forme;
     if (forme === 'bar') bande.remplir(x, 0, Math.round(this.#options.cursorWidth * trait), hauteur, couleur);
     if (forme === 'underline') bande.remplir(x, hauteur - 2 * trait, largeur, 2 * trait, couleur);

@@ -1,6 +1,7 @@
 import { Bande } from '/bande.js';
 import { Cadence } from '/cadence.js';
 import { Curseur } from '/curseur.js';
+import { lireLEchelle } from '/echelle.js';
 import { Encres } from '/encres.js';
 import { Glyphes } from '/glyphes.js';
 import { SOULIGNES } from '/traits.js';
@@ -185,7 +186,8 @@ export class Rendu {
   // La case, en points de l’écran ; et la toile, effacée si sa taille change.
   #mesurer() {
     const { fontFamily: famille, fontSize, fontWeight: graisse, fontWeightBold: grasse, lineHeight: interligne, letterSpacing } = this.#options;
-    const echelle = devicePixelRatio;
+    const echelle = lireLEchelle();
+    this.#curseur.trait = Math.max(1, Math.round(echelle));
     const demande = { famille, corps: fontSize * echelle, graisse, grasse, interligne, interlettre: Math.round(letterSpacing * echelle) };
     if (this.#police !== JSON.stringify(demande)) this.#glyphes = new Glyphes(demande);
     this.#police = JSON.stringify(demande);
