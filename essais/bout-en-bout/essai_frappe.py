@@ -5,6 +5,7 @@ import subprocess
 
 from application import attendre, attendre_le_clavier, lire
 from bus import Bus
+from compositeur import DANS_UNE_FENETRE, Compositeur
 from essai_terminal import Terminal, taper
 
 CIRCONFLEXE, TREMA = "dead_circumflex", "dead_diaeresis"
@@ -41,6 +42,15 @@ class Frappe(Terminal):
                     rang += 1
                     self.recevoir(application, touches, voulu, delai, rang)
         application.quitter()
+
+
+class SousWayland(Frappe):
+    def ouvrir(self):
+        variables = Compositeur(self, DANS_UNE_FENETRE).variables
+        application = self.application(vrai_serveur=True, variables=variables).lancer()
+        application.attendre("page-contenu")
+        self.taper_jusqu_a(application, "touch pret\n", "pret")
+        return application
 
 
 class MethodeDeSaisie(Terminal):

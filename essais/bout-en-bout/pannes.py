@@ -13,6 +13,7 @@ from collections.abc import Callable
 from application import commande, port_libre
 from banc_de_fautes import CADRE
 from bus import Bus
+from compositeur import SANS_ECRAN, Compositeur
 from partage import guetter
 
 
@@ -162,18 +163,12 @@ def retirer_l_ecran(banc):
 
 
 def ouvrir_un_compositeur(banc):
-    variables = {"XDG_RUNTIME_DIR": banc.fautes, "WAYLAND_DISPLAY": "compositeur", "DISPLAY": None}
-    banc.compositeur = subprocess.Popen(["weston", "--backend=headless-backend.so", "--socket=compositeur"],
-                                        env={**os.environ, "XDG_RUNTIME_DIR": banc.fautes}, stderr=subprocess.DEVNULL,
-                                        stdout=subprocess.DEVNULL)
-    banc.callback(retirer_le_compositeur, banc)
-    guetter(lambda: os.path.exists(os.path.join(banc.fautes, "compositeur")), quoi="le compositeur")
-    banc.application.variables.update(variables)
+    banc.compositeur = Compositeur(banc, SANS_ECRAN)
+    banc.application.variables.update(banc.compositeur.variables)
 
 
 def retirer_le_compositeur(banc):
-    banc.compositeur.kill()
-    banc.compositeur.wait()
+    banc.compositeur.arreter()
 
 
 def tuer_l_application(banc):
