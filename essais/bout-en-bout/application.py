@@ -74,7 +74,8 @@ def commande(pid):
 
 
 class Application:
-    def __init__(self, code=None, porte=None, variables=None, maison=None, vrai_serveur=False):
+    def __init__(self, code=None, porte=None, variables=None, maison=None, vrai_serveur=False, reglages=()):
+        """Les réglages nommés sont ceux que l’utilisateur aurait cochés, dans la page du vrai serveur."""
         self.racine = tempfile.mkdtemp(prefix="kéltrove d’essai ")
         self.marque = os.path.basename(self.racine)
         self.maison = maison or os.path.join(self.racine, "maison")
@@ -88,7 +89,7 @@ class Application:
         self.regler(self.port)
         self.variables = dict(variables or {})
         self.bus = None
-        self.code, self.porte, self.vrai_serveur = code, porte, vrai_serveur
+        self.code, self.porte, self.vrai_serveur, self.reglages = code, porte, vrai_serveur, reglages
         self.lignes, self.arrivee, self.processus = [], threading.Condition(), None
 
     def regler(self, port):
@@ -119,12 +120,25 @@ class Application:
     def preparer(self):
         """Le serveur et le script de démarrage qu’elle trouvera."""
         if self.vrai_serveur:
-            os.symlink(os.path.join(CONSTRUCTION, "ressources/keltrove"), os.path.join(self.ressources, "keltrove"))
+            self.poser_le_vrai_serveur()
             self.vrai_serveur = False
         if self.code is not None:
             self.poser("keltrove/serveur.mjs", self.code)
         if self.porte is not None:
             self.poser("demarrer-keltrove.sh", self.porte, executable=True)
+
+    def poser_le_vrai_serveur(self):
+        vrai, ici = os.path.join(CONSTRUCTION, "ressources/keltrove"), os.path.join(self.ressources, "keltrove")
+        if not self.reglages:
+            os.symlink(vrai, ici)
+            return
+        shutil.copytree(vrai, ici, ignore=shutil.ignore_patterns("node_modules"))
+        os.symlink(os.path.join(vrai, "node_modules"), os.path.join(ici, "node_modules"))
+        choix = json.dumps(dict.fromkeys(self.reglages, True))
+        chemin = os.path.join(ici, "page/reglages.js")
+        source = lire(chemin).decode()
+        with open(chemin, "w") as fichier:
+            fichier.write(f"localStorage.setItem('keltrove-reglages', '{choix}');\n{source}")
 
     def lancer(self):
         self.avoir_un_bus()

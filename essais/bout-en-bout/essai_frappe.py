@@ -1,17 +1,20 @@
 """Ce qui se tape est ce qui arrive : un clavier français, ses touches mortes, et de quoi former un caractère."""
 
+import itertools
 import os
 import subprocess
+import tempfile
 
-from application import attendre, attendre_le_clavier, lire
+from application import attendre, attendre_le_clavier, lire, touches
 from bus import Bus
 from compositeur import DANS_UNE_FENETRE, Compositeur
+from essai_etrangers import copier
 from essai_terminal import Terminal, taper
 
 CIRCONFLEXE, TREMA = "dead_circumflex", "dead_diaeresis"
 REVE = ["r", CIRCONFLEXE, "e", "v", "e", "space", TREMA, "i", "space", "x"]
 # Les touches, puis ce que le shell doit recevoir.
-FRAPPES = [
+FRANCAISES = [
     (REVE, "rêve ï x"),
     ([CIRCONFLEXE, "space", "space", CIRCONFLEXE, "o", "space", CIRCONFLEXE, CIRCONFLEXE], "^ ô ^"),
     # Relâcher Maj, qu’il faut pour le 9, achève le caractère.
@@ -19,52 +22,93 @@ FRAPPES = [
     (["Multi_key", "o", "e", "space", "Multi_key", "apostrophe", "E", "c"], "œ Éc"),
     (["eacute", "agrave", "space", "at", "EuroSign", "space", CIRCONFLEXE, "a"], "éà @€ â"),
 ]
+# Un emoji vaut deux caractères pour la page, et plusieurs peuvent n’en dessiner qu’un.
+COMPOSITIONS = """include "%L"
+<Multi_key> <f> <f> : "👨‍👩‍👧"
+<Multi_key> <d> <d> : "🇫🇷"
+"""
+UN_PAR_SON_NUMERO = ["a", "ctrl+shift+u", *"1f600", "space", "b"]
+EMOJIS = [
+    (UN_PAR_SON_NUMERO, "a😀b"),
+    (["Multi_key", "f", "f", "space", "x", "Multi_key", "d", "d", "Multi_key", "d", "d"], "👨‍👩‍👧 x🇫🇷🇫🇷"),
+]
 
 
 class Frappe(Terminal):
-    def setUp(self):
-        subprocess.run(["setxkbmap", "fr", "oss", "-option", "compose:menu"], check=True)
+    def choisir_le_clavier(self, *disposition):
+        subprocess.run(["setxkbmap", *disposition, "-option", "compose:menu"], check=True)
         self.addCleanup(subprocess.run, ["setxkbmap", "us", "-option", ""], check=True)
 
-    def recevoir(self, application, touches, voulu, delai, rang):
+    def recevoir(self, application, frappe, voulu, delai, rang):
         taper(f"cat > recu{rang}\n")
         self.attendre_le_fichier(application, f"recu{rang}")
-        subprocess.run(["xdotool", "key", "--delay", str(delai), *touches, "Return"], check=True)
+        subprocess.run(["xdotool", "key", "--delay", str(delai), *frappe, "Return"], check=True)
         self.contenu(application, f"recu{rang}", voulu + "\n")
         subprocess.run(["xdotool", "key", "ctrl+d"], check=True)
 
-    def test_les_touches_mortes_et_composees_arrivent_une_fois_a_toute_allure(self):
-        application = self.ouvrir()
-        rang = 0
-        for delai in (15, 40, 120):
-            for touches, voulu in FRAPPES:
-                with self.subTest(delai=delai, voulu=voulu):
-                    rang += 1
-                    self.recevoir(application, touches, voulu, delai, rang)
+    def recevoir_tout(self, application, frappes):
+        for rang, (delai, (frappe, voulu)) in enumerate(itertools.product((15, 40, 120), frappes)):
+            with self.subTest(delai=delai, voulu=voulu):
+                self.recevoir(application, frappe, voulu, delai, rang)
         application.quitter()
+
+    def test_les_touches_mortes_et_composees_arrivent_une_fois_a_toute_allure(self):
+        self.choisir_le_clavier("fr", "oss")
+        self.recevoir_tout(self.ouvrir(), FRANCAISES)
+
+    def test_un_emoji_arrive_une_fois_et_entier(self):
+        self.choisir_le_clavier("us")
+        maison = self.enterContext(tempfile.TemporaryDirectory())
+        with open(os.path.join(maison, ".XCompose"), "w") as fichier:
+            fichier.write(COMPOSITIONS)
+        self.recevoir_tout(self.ouvrir(maison=maison), EMOJIS)
 
 
 class SousWayland(Frappe):
-    def ouvrir(self):
+    def ouvrir(self, **options):
         variables = Compositeur(self, DANS_UNE_FENETRE).variables
-        application = self.application(vrai_serveur=True, variables=variables).lancer()
+        application = self.application(vrai_serveur=True, variables=variables, **options).lancer()
         application.attendre("page-contenu")
         self.taper_jusqu_a(application, "touch pret\n", "pret")
         return application
 
 
+class AvecUnLecteurDEcran(Frappe):
+    """La zone de saisie garde alors les lettres tapées, pour les faire lire."""
+
+    def ouvrir(self, **options):
+        return super().ouvrir(reglages=["lecteur"], **options)
+
+    def test_corriger_se_deplacer_et_coller_n_envoient_rien_d_autre(self):
+        copier("collé")
+        application = self.ouvrir()
+        taper("cat > recu\n")
+        self.attendre_le_fichier(application, "recu")
+        taper("abcdef")
+        touches("BackSpace", "BackSpace", "Left", "Left", "shift+Left", "Delete", "shift+Tab", "F5", "g")
+        self.attendre_l_echo(application, "^[[15~g")
+        touches("ctrl+shift+v")
+        self.attendre_l_echo(application, "collé")
+        touches("BackSpace", "h", "Return")
+        self.contenu(application, "recu", "abcd\x1b[D\x1b[D\x1b[1;2D\x1b[3~\x1b[Z\x1b[15~gcollh\n")
+        application.quitter()
+
+
 class MethodeDeSaisie(Terminal):
     """Le texte se forme sous les yeux, et change jusqu’à ce qu’il soit choisi."""
+
+    # Plus vite, elle perd et déplace elle-même des touches, dans n’importe quel champ.
+    ALLURE = "120"
 
     def ibus(self, *mots):
         return subprocess.run(["ibus", *mots], env=self.environnement, capture_output=True, text=True).stdout.strip()
 
     def valider(self, texte):
-        subprocess.run(["xdotool", "type", "--delay", "40", texte], check=True)
+        subprocess.run(["xdotool", "type", "--delay", self.ALLURE, texte], check=True)
         # La vraie touche : « \n » en serait une autre, que la méthode de saisie ne connaît pas.
         subprocess.run(["xdotool", "key", "Return"], check=True)
 
-    def ouvrir_en_vietnamien(self):
+    def ouvrir_avec(self, moteur):
         bus = Bus(self)
         self.environnement = {**os.environ, **bus.variables}
         demon = subprocess.Popen(["ibus-daemon", "--panel", "disable", "--config", "disable", "--emoji-extension", "disable"],
@@ -78,20 +122,33 @@ class MethodeDeSaisie(Terminal):
         attendre_le_clavier(application)
 
         def choisi():
-            self.ibus("engine", "Unikey")
-            return self.ibus("engine") == "Unikey"
+            self.ibus("engine", moteur)
+            return self.ibus("engine") == moteur
 
-        attendre(choisi, quoi="le vietnamien")
+        attendre(choisi, quoi="son moteur")
+        self.lire_la_saisie(application)
         return application
 
-    def test_ce_qui_se_forme_arrive_une_fois_forme(self):
-        application = self.ouvrir_en_vietnamien()
+    def lire_la_saisie(self, application):
         # Maj et espace se chevauchant seraient un ordre pour elle : rien ici ne demande Maj.
         with open(self.chemin(application, "nhan"), "w") as script:
             script.write("touch pret; cat > recu\n")
         # Elle prend le clavier quand elle veut : avant, des touches se perdent.
         attendre(lambda: self.valider("sh nhan") or os.path.exists(self.chemin(application, "pret")), quoi="le programme")
+
+    def attendre_la_ligne(self, application, voulue):
+        def derniere():
+            return (lire(self.chemin(application, "recu")).decode().splitlines() or [""])[-1]
+        attendre(lambda: derniere() == voulue, quoi=lambda: f"{voulue!r} (vu : {derniere()!r})")
+
+    def test_ce_qui_se_forme_arrive_une_fois_forme(self):
+        application = self.ouvrir_avec("Unikey")
         self.valider("tieesng vieejt, ddaay")
-        attendre(lambda: "đây" in lire(self.chemin(application, "recu")).decode(), quoi="la ligne")
-        self.assertEqual(lire(self.chemin(application, "recu")).decode().splitlines()[-1], "tiếng việt, đây")
+        self.attendre_la_ligne(application, "tiếng việt, đây")
+        application.quitter()
+
+    def test_un_emoji_qu_elle_donne_arrive_une_fois_et_entier(self):
+        application = self.ouvrir_avec("xkb:us::eng")
+        subprocess.run(["xdotool", "key", "--delay", self.ALLURE, *UN_PAR_SON_NUMERO, "Return"], check=True)
+        self.attendre_la_ligne(application, "a😀b")
         application.quitter()

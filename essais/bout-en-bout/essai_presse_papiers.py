@@ -1,12 +1,10 @@
 """Le presse-papiers : ce qu’un programme y écrit, ce que la souris y met en sélectionnant."""
 
 import base64
-import os
-import shutil
 import subprocess
 
 import ecran
-from application import CONSTRUCTION, attendre, attendre_le_clavier, couleur, touches
+from application import attendre, couleur, touches
 from essai_terminal import Terminal, taper
 from glissement import souris
 
@@ -15,22 +13,8 @@ CLAIR = "#FBFBFC"
 
 class PressePapiers(Terminal):
     def ouvrir_avec(self, *reglages):
-        """Ces réglages, mis d’origine : le clavier n’a pas à traverser toute la boîte."""
-        application = self.application()
-        dossier = os.path.join(application.ressources, "keltrove")
-        shutil.copytree(os.path.join(CONSTRUCTION, "ressources/keltrove"), dossier, ignore=shutil.ignore_patterns("node_modules"))
-        os.symlink(os.path.join(CONSTRUCTION, "ressources/keltrove/node_modules"), os.path.join(dossier, "node_modules"))
-        chemin = os.path.join(dossier, "page/reglages.js")
-        with open(chemin) as fichier:
-            source = fichier.read()
-        for nom in reglages:
-            self.assertIn(f"{nom}: ouiOuNon(false)", source)
-            source = source.replace(f"{nom}: ouiOuNon(false)", f"{nom}: ouiOuNon(true)")
-        with open(chemin, "w") as fichier:
-            fichier.write(source)
-        application.lancer().attendre("page-contenu")
-        attendre_le_clavier(application)
-        self.taper_jusqu_a(application, "touch pret\n", "pret")
+        """Le clavier n’a pas à traverser toute la boîte des réglages."""
+        application = self.ouvrir(reglages=reglages)
         subprocess.run(["xclip", "-selection", "clipboard"], input="ancien", text=True, check=True)
         return application
 

@@ -11,10 +11,14 @@ const DEFILEMENTS = {
   PageUp: (terminal) => terminal.scrollPages(-1),
   PageDown: (terminal) => terminal.scrollPages(1),
 };
+// Quand un lecteur d’écran lit la frappe, xterm laisse aussi chaque touche au navigateur : celles-ci y feraient autre chose.
+// Par leur place : WebKit ne nomme pas Maj+Tab.
+const DU_NAVIGATEUR = /^(Tab|F\d+)$/;
 
 export function prendreLesTouches(terminal) {
   terminal.attachCustomKeyEventHandler((evenement) => {
     if (evenement.type !== 'keydown' || evenement.metaKey) return true;
+    if (DU_NAVIGATEUR.test(evenement.code)) evenement.preventDefault();
     const texte = texteDe(evenement);
     const defiler = trouverLeDefilement(terminal, evenement);
     if (texte === undefined && !defiler) return true;
