@@ -78,9 +78,8 @@ bool ecrireFichier(const std::string& chemin, std::string_view contenu) {
   std::filesystem::create_directories(dossierDe(chemin), ignoree);
 
   auto voisin = chemin + ".XXXXXX";
-  Descripteur fichier(::mkstemp(voisin.data()));
+  Descripteur fichier(::mkostemp(voisin.data(), O_CLOEXEC));
   if (fichier.numero() < 0) return false;
-  ::fcntl(fichier.numero(), F_SETFD, FD_CLOEXEC);
   const bool ecrit = toutEcrire(fichier.numero(), contenu) && fichier.fermer();
   if (ecrit && ::rename(voisin.c_str(), chemin.c_str()) == 0) return true;
   ::unlink(voisin.c_str());

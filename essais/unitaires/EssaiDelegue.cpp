@@ -174,6 +174,27 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
           .detail = "dernière ligne"}));
 }
 
+TEST_F(EssaiDelegue, UnNouvelEssaiPendantQueLeGuetRateLArreteAussitot) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.kill(process.pid, 'SIGSTOP'));");
+  delegue.applicationDidFinishLaunching();
+  ASSERT_TRUE(attendreLEtape("allume"));
+  vue.observateur->quandNavigationFinie();
+  boucle->avancer(5); // plus rien d’autre que le guet n’attend
+  maison.ecrire("ressources/keltrove/geler", "");
+  for (int regards = 0; regards < 2; ++regards) {
+    const int avant = boucle->tachesExecutees();
+    boucle->avancer(6.0);
+    ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
+  }
+  ASSERT_FALSE(aEteNotee("serveur-ne-repond-plus"));
+  ASSERT_EQ(boucle->minuteursEnAttente(), 1U);
+  vue.observateur->quandOnRecharge();
+  EXPECT_EQ(boucle->minuteursEnAttente(), 0U);
+  boucle->avancer(60);
+  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
+  EXPECT_FALSE(aEteNotee("serveur-ne-repond-plus"));
+}
+
 TEST_F(EssaiDelegue, UnNouvelEssaiAbandonneLaPageQuiSeChargeait) {
   poserLeServeur();
   delegue.applicationDidFinishLaunching();

@@ -3,10 +3,15 @@
 #include "socle/Executable.hpp"
 #include "socle/Fichiers.hpp"
 
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -71,6 +76,52 @@ TEST(Fichiers, UneEcritureImpossibleNeLaisseRien) {
   EXPECT_EQ(maison.lire("fichier"), "x");
   for (const auto& entree : std::filesystem::directory_iterator(maison.racine()))
     EXPECT_EQ(entree.path().filename().string().find("place."), std::string::npos);
+}
+
+TEST(Fichiers, UneEcritureCoupeeNeRemplacePasLAncien) {
+  const MaisonTemporaire maison;
+  maison.ecrire("f", "ancien");
+  rlimit avant{};
+  ::getrlimit(RLIMIT_FSIZE, &avant);
+  const auto signalAvant = ::signal(SIGXFSZ, SIG_IGN);
+  const rlimit peu{.rlim_cur = 4, .rlim_max = avant.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &peu);
+  const bool ecrit = ecrireFichier(maison.chemin("f"), "bien plus long");
+  ::setrlimit(RLIMIT_FSIZE, &avant);
+  ::signal(SIGXFSZ, signalAvant);
+  EXPECT_FALSE(ecrit);
+  EXPECT_EQ(maison.lire("f"), "ancien");
+  for (const auto& entree : std::filesystem::directory_iterator(maison.racine()))
+    EXPECT_FALSE(entree.path().filename().string().starts_with("f.")) << "un reste : " << entree.path();
+}
+
+// Les descripteurs de ce fichier, ou de son voisin provisoire, qu’un programme lancé recevrait ou non.
+std::pair<bool, bool> vusOuvertsEtHeritables(const std::string& chemin) {
+  std::pair<bool, bool> vus;
+  std::error_code parti;
+  for (const auto& entree : std::filesystem::directory_iterator("/proc/self/fd", parti)) {
+    if (!std::filesystem::read_symlink(entree, parti).string().starts_with(chemin)) continue;
+    const int drapeaux = ::fcntl(std::stoi(entree.path().filename()), F_GETFD);
+    if (drapeaux < 0) continue; // refermé entre-temps
+    vus.first = true;
+    vus.second = vus.second || (drapeaux & FD_CLOEXEC) == 0;
+  }
+  return vus;
+}
+
+TEST(Fichiers, UnProgrammeLancePendantUneEcritureNEnHeritePas) {
+  const MaisonTemporaire maison;
+  const std::string contenu(32UL << 20, 'x');
+  std::atomic<bool> vu = false;
+  std::jthread ecriture([&] {
+    while (!vu)
+      ecrireFichier(maison.chemin("f"), contenu);
+  });
+  while (!vu) {
+    const auto [ouvert, heritable] = vusOuvertsEtHeritables(maison.chemin("f"));
+    EXPECT_FALSE(heritable);
+    vu = ouvert;
+  }
 }
 
 TEST(Executable, LesRessourcesSontACoteDeLExecutableSinonDansShare) {

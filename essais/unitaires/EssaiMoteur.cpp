@@ -7,10 +7,13 @@
 #include "moteur/MoteurServeur.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -269,6 +272,41 @@ TEST_F(EssaiMoteur, UnNouvelEssaiApresUnEchecRepartDUneSortieVide) {
   maison.effacer("ressources/demarrer-keltrove.sh");
   poser("servir(PORT);");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+}
+
+TEST_F(EssaiMoteur, SeRattacherNeVidePasLaSortieDuServeurQuiTourne) {
+  poser("console.log('un mot'); servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  ASSERT_TRUE(boucle->attendre([&] { return moteur->lignesJournal().texte() == "un mot"; }));
+  EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
+  EXPECT_EQ(moteur->lignesJournal().texte(), "un mot");
+}
+
+TEST_F(EssaiMoteur, UnScriptArreteParSonPropreSignalEstMortAuDemarrage) {
+  poserLaPorte("echo adieu; kill -KILL $$; sleep 60");
+  EXPECT_EQ(demarrer(), echec(MortAuDemarrage{"adieu"}));
+}
+
+// Une fois l’arrêt commencé, tout dure quarante-deux centièmes de seconde.
+class HorlogeDUnArret final : public socle::Horloge {
+public:
+  double maintenant() const override { return arret && regards++ > 0 ? 0.42 : 0; }
+  void dormir(double) override { std::this_thread::sleep_for(std::chrono::milliseconds(5)); }
+  std::atomic<bool> arret = false;
+  mutable std::atomic<int> regards = 0;
+};
+
+TEST_F(EssaiMoteur, LaDureeDUneFermetureSeDitAuDixiemeAvecUnPoint) {
+  const auto lente = std::make_shared<HorlogeDUnArret>();
+  moteur = std::make_shared<MoteurServeur>(
+      MoteurServeur::Contexte{.boucle = boucle,
+                              .horloge = lente,
+                              .emplacements = Emplacements(maison.chemin("ressources")),
+                              .environnement = Environnement(::environ)});
+  poser("servir(PORT); process.on('SIGTERM', () => process.exit(0));");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  lente->arret = true;
+  EXPECT_EQ(arreter(), "Serveur fermé proprement en 0.4 seconde(s).");
 }
 
 TEST_F(EssaiMoteur, UnServeurMuetPuisRemplaceEstArreteAvecSonRemplacant) {

@@ -97,6 +97,8 @@ TEST(TablesDePrises, UnePriseQuiNEcoutePasOuUneLigneIllisibleEstEcartee) {
   EXPECT_EQ(sans("  1000 ", "  -1 "), 1U) << "un compte négatif";
   EXPECT_EQ(lireTableDePrises(bonne.substr(0, bonne.find(" 4321"))), std::vector<PriseALEcoute>{})
       << "coupée";
+  for (std::size_t fin = 0; fin < bonne.find(" 4321"); ++fin)
+    EXPECT_EQ(lireTableDePrises(bonne.substr(0, fin)), std::vector<PriseALEcoute>{}) << fin;
   EXPECT_EQ(lireTableDePrises(""), std::vector<PriseALEcoute>{});
   EXPECT_EQ(lireTableDePrises("\n \n\xff\n"), std::vector<PriseALEcoute>{});
 }
