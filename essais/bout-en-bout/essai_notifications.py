@@ -108,6 +108,26 @@ class ServiceQuiObeit(AvecUnBus):
         self.assertFalse([note for note in notes(application) if note[0] == "ouvrir"])
         application.quitter()
 
+    def test_un_clic_apres_la_fermeture_de_la_fenetre_n_arrete_ni_ne_rouvre_rien(self):
+        application = self.application(code=PAGE + """
+          process.on('SIGTERM', () => setInterval(() => fs.existsSync('finir') && process.exit(0), 20));""",
+                                       variables=self.bus.variables).lancer()
+        application.attendre("page-affichee")
+        attendre_la_note(application, "prete")
+        attendre_le_clavier(application)
+        touches("a")
+        self.service.attendre_les_appels(1)
+        touches("alt+F4")
+        application.attendre("arret-demande")
+        self.service.ordonner(signal=["ActionInvoked", 101, "default"])
+        # La page, encore là, l’apprend : le clic a donc été reçu.
+        attendre_la_note(application, ["ouvrir", "t3"])
+        application.poser("keltrove/finir", "")
+        self.assertEqual(application.attendre_la_fin(), 0)
+        self.assertEqual(application.etapes().count("arret-demande"), 1)
+        self.service.ordonner(signal=["ActionInvoked", 101, "default"])
+        self.assertEqual(application.enfants(application.executable), [])
+
     def test_une_erreur_laisse_passer_la_suivante(self):
         application = self.ouvrir()
         self.service.ordonner(humeur="erreur")

@@ -1,14 +1,17 @@
 """En service et à la fermeture : la mort du serveur, celle de la page, et toutes les façons de quitter."""
 
+import functools
 import os
 import signal
 import subprocess
 import time
 
 import ecran
+import page_notee
 from application import (LENT_A_FINIR, MUET, SERVEUR, VERT, attendre, attendre_le_clavier, commande, couleur, fenetres,
                          lire, processus_marques, touches)
 from cas import Cas
+from page_notee import notes
 
 ORDINAIRE = SERVEUR + "servir();"
 
@@ -58,6 +61,60 @@ class EnService(Cas):
         ecran.presser(pid, "Réessayer")
         application.attendre("page-contenu")
         self.assertEqual(application.etapes().count("page-affichee"), 1)
+        application.quitter()
+
+    def test_entree_presse_reessayer_de_partout_et_l_attente_n_a_plus_de_conseil(self):
+        application = self.application(code="import fs from 'node:fs'; fs.existsSync('muet') ? setInterval(() => {}, 1000) : process.exit(1);")
+        application.lancer()
+        pid = application.processus.pid
+        conseil = "Cliquez sur « Réessayer »"
+        for fois, aller in enumerate((lambda: None, lambda: touches("Tab"), self.aller_sur_le_detail), 1):
+            application.attendre("echec-demarrage", fois=fois)
+            ecran.attendre_le_texte(pid, conseil)
+            attendre_le_clavier(application)
+            aller_ici = functools.partial(aller, pid) if fois == 3 else aller
+            aller_ici()
+            if fois == 3:
+                application.poser("keltrove/muet", "")
+            touches("Return")
+            application.attendre("demarrage-demande", fois=fois + 1)
+        ecran.attendre_le_texte(pid, "S’il dort, je l’allume")
+        self.assertFalse([texte for texte in ecran.textes(pid) if conseil in texte])
+        application.quitter()
+
+    def aller_sur_le_detail(self, pid):
+        ecran.presser(pid, "Voir le détail")
+        ecran.mettre_le_clavier_sur_le_detail(pid)
+
+    def test_une_page_qui_se_remplace_pendant_son_chargement_n_est_pas_ratee(self):
+        code = SERVEUR + """http.createServer((q, r) => {
+          if (q.url === '/pendante') return vue();
+          r.setHeader('content-type', 'text/html');
+          r.end(q.url === '/' && q.headers['user-agent']
+            ? '<meta name="keltrove-jeton" content="x"><script src="/pendante" async></script><script>location = "/suite"</script>'
+            : page);
+        }).listen(PORT, '127.0.0.1'); const vue = () => {};"""
+        application = self.application(code=code).lancer()
+        application.attendre("page-contenu")
+        self.assertNotIn("page-ratee", application.etapes())
+        attendre(lambda: couleur(680, 450) == VERT, quoi="la seconde page")
+        application.quitter()
+
+    def test_la_marque_est_dans_chaque_page_et_dans_aucun_cadre(self):
+        application = self.application(code=page_notee.code("""<script>
+          noter(['page', typeof keltroveApp]);
+          const cadre = document.createElement('iframe');
+          cadre.srcdoc = '<script>parent.noter(["cadre", typeof window.keltroveApp])<' + '/script>';
+          document.documentElement.append(cadre);
+          addEventListener('keydown', () => location.reload());</script>""")).lancer()
+        for fois in (1, 2):
+            application.attendre("page-affichee", fois=fois)
+            attendre(lambda: len(notes(application)) == 2 * fois, quoi=lambda: f"les notes (vu : {notes(application)})")
+            attendre_le_clavier(application)
+            touches("r")
+        application.attendre("page-affichee", fois=3)
+        attendre(lambda: len(notes(application)) == 6, quoi="les dernières notes")
+        self.assertEqual(notes(application), [["page", "object"], ["cadre", "undefined"]] * 3)
         application.quitter()
 
     def test_reessayer_pendant_un_demarrage_ne_fait_rien(self):
