@@ -1,6 +1,5 @@
 """En service et à la fermeture : la mort du serveur, celle de la page, et toutes les façons de quitter."""
 
-import functools
 import os
 import signal
 import subprocess
@@ -64,16 +63,16 @@ class EnService(Cas):
         application.quitter()
 
     def test_entree_presse_reessayer_de_partout_et_l_attente_n_a_plus_de_conseil(self):
-        application = self.application(code="import fs from 'node:fs'; fs.existsSync('muet') ? setInterval(() => {}, 1000) : process.exit(1);")
+        application = self.application(code="""import fs from 'node:fs';
+            console.log('un mot'); fs.existsSync('muet') ? setInterval(() => {}, 1000) : process.exit(1);""")
         application.lancer()
         pid = application.processus.pid
         conseil = "Cliquez sur « Réessayer »"
-        for fois, aller in enumerate((lambda: None, lambda: touches("Tab"), self.aller_sur_le_detail), 1):
+        for fois, aller in enumerate((lambda: None, lambda: touches("Tab"), lambda: self.aller_sur_le_detail(pid)), 1):
             application.attendre("echec-demarrage", fois=fois)
             ecran.attendre_le_texte(pid, conseil)
             attendre_le_clavier(application)
-            aller_ici = functools.partial(aller, pid) if fois == 3 else aller
-            aller_ici()
+            aller()
             if fois == 3:
                 application.poser("keltrove/muet", "")
             touches("Return")
