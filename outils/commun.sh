@@ -13,7 +13,7 @@ paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-d
   libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus xdg-utils)
 paquets_ecran=(xvfb openbox imagemagick)
-paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 ibus ibus-gtk4 ibus-unikey x11-xkb-utils at-spi2-core python3 python3-gi
+paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 ibus ibus-gtk4 ibus-unikey x11-xkb-utils at-spi2-core file python3 python3-gi
   gir1.2-atspi-2.0 gir1.2-gtk-4.0 gir1.2-vte-2.91 gsettings-desktop-schemas dunst locales procps x11-utils weston)
 # Pour les bancs seuls : ce à quoi l’on se compare, et de quoi le mesurer.
 paquets_bancs=(xfce4-terminal chromium libxtst6 libxdamage1 xdotool python3)
