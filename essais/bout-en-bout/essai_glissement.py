@@ -1,30 +1,12 @@
 """Un texte ou un lien tiré d’un autre programme jusque sur un terminal, et ce que le shell en reçoit."""
 
 import os
-import time
 
 from application import attendre, attendre_le_clavier, touches
 from essai_terminal import Terminal, taper
-from glissement import Source, souris
+from glissement import Source
 
 GAUCHE = (300, 500)
-
-
-def lacher_des_qu_il_est_admis(source, moment):
-    """Aussitôt, après un repos, ou après un pas de plus : rien n’a encore eu le temps d’être lu, ou tout sans bouger."""
-    pas = [0]
-
-    def admis():
-        pas[0] += 1
-        souris("mousemove", GAUCHE[0] + pas[0] % 2, GAUCHE[1])
-        return source.admis()
-
-    attendre(admis, quoi="le dépôt admis", pas=0.002)
-    if moment == 1:
-        time.sleep(0.2)
-    elif moment == 2:
-        souris("mousemove", GAUCHE[0] + 2, GAUCHE[1])
-    source.lacher()
 
 
 class Glissement(Terminal):
@@ -52,21 +34,6 @@ class Glissement(Terminal):
         touches("Return")
         self.contenu(application, "recu", "tiré[31m à part\nhttp://exemple.test/une%20page\n")
         self.assertEqual(application.etapes().count("page-affichee"), 1)
-        application.quitter()
-
-    def test_un_lien_lache_aussitot_arrive_quand_meme(self):
-        application = self.ouvrir()
-        for numero in range(6):
-            taper(f"cat > recu{numero}\n")
-            self.attendre_le_fichier(application, f"recu{numero}")
-            source = Source(self, "adresses", f"http://exemple.test/{numero}\r\n")
-            source.prendre()
-            lacher_des_qu_il_est_admis(source, numero % 3)
-            source.fermer()
-            attendre_le_clavier(application)
-            self.attendre_l_echo(application, f"exemple.test/{numero}")
-            touches("Return", "ctrl+d")
-            self.contenu(application, f"recu{numero}", f"http://exemple.test/{numero}\n")
         application.quitter()
 
     def test_plusieurs_lignes_ne_partent_pas_seules(self):
