@@ -111,25 +111,30 @@ VueWeb::VueWeb(fenetre::ObservateurDeLaVue& observateur)
   ouvrirLeCanal<pont::PontNotifications::nomDuCanal>();
   ouvrirLeCanal<fenetre::canalDuLecteur>();
   garderLaPage();
-  collerLaSelectionAuClavier();
+  collerAuClavier();
 }
 
-// Le bouton du milieu la colle de lui-même ; Maj+Inser, pour WebKit, est le presse-papiers. La page est
-// prévenue, car rien d’autre ne lui dit lequel des deux elle reçoit.
-void VueWeb::collerLaSelectionAuClavier() {
-  auto* action = gtk_callback_action_new(
-      [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
-        auto* vueWeb = static_cast<VueWeb*>(moi);
-        vueWeb->appeler(fenetre::PourLaPage::voiciLaSelection, nlohmann::json::object());
-        vueWeb->editer("PasteGlobalSelection");
-        return TRUE;
-      },
-      this, nullptr);
+// Maj+Inser, pour WebKit, est le presse-papiers ; dans un terminal c’est la sélection, et Ctrl+Maj+Inser le
+// presse-papiers. La page est prévenue, car rien d’autre ne lui dit lequel des deux elle reçoit.
+void VueWeb::collerAuClavier() {
   auto* raccourcis = gtk_shortcut_controller_new();
   gtk_event_controller_set_propagation_phase(raccourcis, GTK_PHASE_CAPTURE);
-  gtk_shortcut_controller_add_shortcut(
-      GTK_SHORTCUT_CONTROLLER(raccourcis),
-      gtk_shortcut_new(gtk_shortcut_trigger_parse_string("<Shift>Insert|<Shift>KP_Insert"), action));
+  const auto ajouter = [&](const char* touches, GtkShortcutFunc coller) {
+    gtk_shortcut_controller_add_shortcut(GTK_SHORTCUT_CONTROLLER(raccourcis),
+                                         gtk_shortcut_new(gtk_shortcut_trigger_parse_string(touches),
+                                                          gtk_callback_action_new(coller, this, nullptr)));
+  };
+  ajouter("<Shift>Insert|<Shift>KP_Insert", [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
+    auto* vueWeb = static_cast<VueWeb*>(moi);
+    vueWeb->appeler(fenetre::PourLaPage::voiciLaSelection, nlohmann::json::object());
+    vueWeb->editer("PasteGlobalSelection");
+    return TRUE;
+  });
+  ajouter("<Control><Shift>Insert|<Control><Shift>KP_Insert",
+          [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
+            static_cast<VueWeb*>(moi)->editer("Paste");
+            return TRUE;
+          });
   gtk_widget_add_controller(GTK_WIDGET(vue_), raccourcis);
 }
 

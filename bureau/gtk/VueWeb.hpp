@@ -42,7 +42,7 @@ private:
   template <const char* const& canal>
   void ouvrirLeCanal();
   void garderLaPage();
-  void collerLaSelectionAuClavier();
+  void collerAuClavier();
   bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);
   void quandLeChargementChange(WebKitLoadEvent evenement);

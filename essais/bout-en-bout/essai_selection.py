@@ -63,16 +63,19 @@ class Selection(Terminal):
         self.assertEqual(veilleur.changements(), 2, "une fois pour les lignes, une pour ce qui suit")
         application.quitter()
 
-    def test_maj_inser_et_le_bouton_du_milieu_collent_la_selection_d_un_autre(self):
-        copier("celle d’un autre", "primary")
-        copier("presse-papiers")
+    def test_maj_inser_et_le_bouton_du_milieu_collent_la_selection_et_ctrl_maj_inser_le_presse_papiers(self):
+        choisi, copie = "celle d’un autre", "presse-papiers"
+        copier(choisi, "primary")
+        copier(copie)
         application = self.ouvrir()
-        for rang, coller in enumerate((lambda: touches("shift+Insert"), lambda: souris("mousemove", 640, 500, "click", 2))):
+        collages = [(lambda: touches("shift+Insert"), choisi), (lambda: touches("ctrl+shift+Insert"), copie),
+                    (lambda: souris("mousemove", 640, 500, "click", 2), choisi)]
+        for rang, (coller, voulu) in enumerate(collages):
             recu = f"recu{rang}"
             taper(f"cat > {recu}\n")
             self.attendre_le_fichier(application, recu)
             coller()
             touches("Return")
-            self.contenu(application, recu, "celle d’un autre\n")
+            self.contenu(application, recu, voulu + "\n")
             touches("ctrl+d")
         application.quitter()
