@@ -71,11 +71,13 @@ ouvrir_un_ecran_virtuel() {
   setsid Xvfb -r -displayfd 3 -screen 0 1360x900x24 -nolisten tcp 3>"$tube" >/dev/null 2>&1 &
   pid_ecran=$!
   read -r numero <"$tube" || abandonner "L’écran virtuel n’a pas pu s’ouvrir."
-  rm -f "$tube"
   export DISPLAY=":$numero"
   unset WAYLAND_DISPLAY
-  setsid openbox --sm-disable >/dev/null 2>&1 &
+  # Une fenêtre ouverte avant lui n’aurait jamais le clavier.
+  setsid openbox --sm-disable --startup "sh -c 'echo pret >$tube'" >/dev/null 2>&1 &
   pid_gestionnaire=$!
+  read -r -t 60 _ <>"$tube" || abandonner "Le gestionnaire de fenêtres n’a pas pu s’ouvrir."
+  rm -f "$tube"
 }
 
 fermer_l_ecran_virtuel() {
