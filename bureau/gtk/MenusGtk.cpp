@@ -122,7 +122,7 @@ void MenusGtk::ouvrirAuClavier() {
       Gtk::Shortcut::create(Gtk::ShortcutTrigger::parse_string("<Control><Shift>F10"),
                             Gtk::CallbackAction::create([this](Gtk::Widget&, const Glib::VariantBase&) {
                               auto* premier = barre_.get_first_child();
-                              return premier != nullptr && premier->grab_focus();
+                              return premier != nullptr && premier->grab_focus() && premier->activate();
                             })));
   fenetre_.add_controller(raccourcis);
 }

@@ -1,7 +1,7 @@
 // MenusGtk : la barre de menus de GTK et ses raccourcis, traduits de la table.
 //
 // Command devient Ctrl+Maj, comme dans les terminaux : Ctrl+lettre appartient à l’interpréteur affiché dans
-// la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 mène à la barre.
+// la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 ouvre le premier menu.
 #pragma once
 
 #include "fenetre/ArticlesDeMenu.hpp"

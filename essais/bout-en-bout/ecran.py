@@ -124,7 +124,7 @@ def au_clavier(pid):
 
 
 def _avancer(pid, touche, arrive):
-    """Un pas après l’autre, car une touche de trop dépasserait ; dans la barre, la première ne mène nulle part."""
+    """Un pas après l’autre, car une touche de trop dépasserait."""
     for _ in range(30):
         ici = au_clavier(pid)
         if arrive(ici):
@@ -135,13 +135,17 @@ def _avancer(pid, touche, arrive):
     raise AssertionError(f"« {touche} » n’y mène pas : {ici}")
 
 
+def menus_ouverts(pid):
+    return noms_du_role(pid, "menu")
+
+
 def ouvrir_le_menu(pid, titre):
-    """Au clavier : jusqu’à la barre, jusqu’au titre, puis Entrée."""
+    """Au clavier : le premier s’ouvre, puis chacun mène à son voisin."""
     touches("ctrl+shift+F10")
-    attendre(lambda: ("menu item", "Keltrove") in au_clavier(pid), quoi="le clavier dans la barre")
-    _avancer(pid, "Right", lambda ici: ("menu item", titre) in ici)
-    touches("Return")
-    attendre(lambda: articles(pid), quoi=f"le menu {titre}")
+    attendre(lambda: menus_ouverts(pid) == ["Keltrove"], quoi="le premier menu")
+    while (ici := menus_ouverts(pid)) != [titre]:
+        touches("Right")
+        attendre(lambda: menus_ouverts(pid) not in ([], ici), quoi=f"le menu après {ici}")
 
 
 def avancer_jusqu_a(pid, article):
