@@ -100,6 +100,7 @@ void FenetrePrincipale::ouvrirAilleurs(const std::string& adresse) {
 }
 
 void FenetrePrincipale::quandDesFichiersSontIllisibles(std::size_t combien) {
+  if (pageIgnoree_) return;
   afficherBandeau(combien == 1 ? "Un fichier n’a pas été déposé : son nom est illisible. Renommez-le d’abord."
                                : fmt::format("{} fichiers n’ont pas été déposés : leur nom est illisible. "
                                              "Renommez-les d’abord.",

@@ -171,6 +171,20 @@ TEST_F(EssaiFenetre, UnLienQueRienNOuvreSeDitSixSecondes) {
   EXPECT_FALSE(vue.bandeaux.back().visible);
 }
 
+TEST_F(EssaiFenetre, LesFichiersAuNomIllisibleSeComptentSixSecondes) {
+  vue.observateur->quandDesFichiersSontIllisibles(1);
+  EXPECT_EQ(vue.bandeaux.back().texte,
+            "  Un fichier n’a pas été déposé : son nom est illisible. Renommez-le d’abord.  ");
+  vue.observateur->quandDesFichiersSontIllisibles(2);
+  EXPECT_EQ(vue.bandeaux.back().texte,
+            "  2 fichiers n’ont pas été déposés : leur nom est illisible. Renommez-les d’abord.  ");
+  boucle.avancer(6);
+  EXPECT_FALSE(vue.bandeaux.back().visible);
+  fenetre.ignorerLaPage();
+  vue.observateur->quandDesFichiersSontIllisibles(1);
+  EXPECT_FALSE(vue.bandeaux.back().visible);
+}
+
 constexpr const char* lecteurTourne = "window.keltroveLecteur = { tourne: true, voitLaPage: true }; "
                                       "window.dispatchEvent(new Event('lecteur'));";
 constexpr const char* lecteurParti = "window.keltroveLecteur = { tourne: false, voitLaPage: true }; "
