@@ -32,11 +32,6 @@ FenetrePrincipale::FenetrePrincipale(Bureau& bureau, socle::BoucleEvenements& bo
   pont_.activer = [this] { ramener(); };
 }
 
-FenetrePrincipale::~FenetrePrincipale() {
-  // Ce que la vue rapporte en partant trouve encore tout le reste.
-  vue_.reset();
-}
-
 void FenetrePrincipale::afficher() {
   if (Reglages::modeEssai()) return;
   if (Reglages::modeDiscret())

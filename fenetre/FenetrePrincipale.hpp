@@ -25,7 +25,6 @@ public:
   FenetrePrincipale(Bureau& bureau, socle::BoucleEvenements& boucle);
   FenetrePrincipale(const FenetrePrincipale&) = delete;
   FenetrePrincipale& operator=(const FenetrePrincipale&) = delete;
-  ~FenetrePrincipale();
 
   // Bouton « Réessayer » et action de menu mènent au même appel.
   std::function<void()> quandOnDemandeUnEssai;

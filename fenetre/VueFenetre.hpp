@@ -45,7 +45,7 @@ struct DemandeDAdresse {
   Geste geste = Geste::aucun;
 };
 
-// Ce que la vue rapporte, dès qu’elle existe et jusqu’à sa fin.
+// Ce que la vue rapporte, dès qu’elle existe ; plus rien une fois sa destruction commencée.
 class ObservateurDeLaVue {
 public:
   // Une navigation ratée n’est jamais rapportée comme finie.
