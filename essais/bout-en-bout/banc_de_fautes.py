@@ -45,6 +45,7 @@ LIBERATIONS = {"attente": "ecouter", "reponse": "lacher-sonde", "chargement": "l
 ARRIVEES = {"attente": "lance", "reponse": "sonde", "chargement": "page-demandee", "fermeture": "sigterm"}
 CARNET = "à l’utilisateur"
 CADRE = "# à l’utilisateur\n[cadre]\nlargeur=900\nhauteur=600\n"
+CADRE_ECRIT = "[cadre]\nlargeur=900\nhauteur=600\nagrandie=false\n"  # le même, par l’application
 
 
 class Banc(contextlib.ExitStack):
