@@ -17,8 +17,8 @@ namespace keltrove::fenetre {
 // Ce que porte un glissement venu d’un autre programme.
 struct Portes {
   std::vector<std::string> chemins; // comme dans Glissement
-  std::size_t illisibles =
-      0;                // les fichiers d’ici dont le nom n’est pas en UTF-8 : la page n’en peut rien faire
+  // Les fichiers d’ici dont le nom n’est pas en UTF-8 : la page n’en peut rien faire.
+  std::size_t illisibles = 0;
   std::string adresses; // chacune sur sa ligne, sans fin de ligne après la dernière
 };
 

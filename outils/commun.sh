@@ -74,7 +74,7 @@ ouvrir_un_ecran_virtuel() {
   export DISPLAY=":$numero"
   unset WAYLAND_DISPLAY
   # Une fenêtre ouverte avant lui n’aurait jamais le clavier.
-  setsid openbox --sm-disable --startup "sh -c 'echo pret >$tube'" >/dev/null 2>&1 &
+  tube=$tube setsid openbox --sm-disable --startup "sh -c 'echo pret >\"\$tube\"'" >/dev/null 2>&1 &
   pid_gestionnaire=$!
   read -r -t 60 _ <>"$tube" || abandonner "Le gestionnaire de fenêtres n’a pas pu s’ouvrir."
   rm -f "$tube"

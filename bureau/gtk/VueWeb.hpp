@@ -1,6 +1,6 @@
 // VueWeb : la vue WebKit, réduite à ce que la fenêtre en attend.
 //
-// WebKit n’a pas d’interface C++ : c’est ici, et ici seulement, que l’on parle à la sienne.
+// WebKit n’a pas d’interface C++ : c’est ici que l’on parle à la sienne.
 #pragma once
 
 #include "fenetre/Apparence.hpp"

@@ -159,9 +159,8 @@ class MethodeDeSaisie(Terminal):
         def donne():
             # Occupée, elle laisse parfois au programme la touche qui l’appelle.
             self.presser(*UN_PAR_SON_NUMERO, "Return")
-            attendre(lambda: self.derniere_ligne(application), quoi="la ligne")
-            return "1f600" not in self.derniere_ligne(application)
+            return "😀" in self.derniere_ligne(application)
 
-        attendre(donne, quoi="l’emoji")
+        attendre(donne, quoi=lambda: f"l’emoji (vu : {self.derniere_ligne(application)!r})")
         self.assertEqual(self.derniere_ligne(application), "a😀b")
         application.quitter()
