@@ -1,35 +1,18 @@
-"""Ce que l’on attend après une panne : les étapes du journal, l’écran, ce qui reste.
+"""Les mots de la table des pannes : ce que l’on attend après l’une d’elles, du journal, de l’écran, de ce qui reste.
 
 Chaque attendu laisse l’application en marche, prête à quitter, ou dit qu’elle est partie.
 """
 
 import re
 
-from partage import guetter
+from banc_de_fautes import guetter
 
 MAUVAISES = ("echec-demarrage", "serveur-ne-repond-plus", "serveur-mort-en-route", "page-ratee")
-MORT = "Le serveur s’est arrêté aussitôt"
-MUET = "Le serveur ne répond pas"
+LENTS = ("muet", "silence", "abandon")  # attendent de vraies dizaines de secondes
 
 
-def lente(attendu):
-    """Attend de vraies dizaines de secondes."""
-    attendu.lente = True
-    return attendu
-
-
-def _la_page_revient(banc):
-    """On répare, on réessaie, et la page est là ; un serveur retrouvé en vie n’est plus à nous."""
-    banc.panne.defaire(banc)
-    fois = banc.application.etapes().count("page-affichee")
-    banc.reessayer()
-    banc.attendre("page-affichee", fois=fois + 1)
-    trouvailles = [etape for etape in banc.application.etapes() if etape in ("allume", "rattache")]
-    banc.reste = trouvailles[-1] == "rattache"
-
-
-def _echec(banc, cause, secondes=90):
-    banc.attendre("echec-demarrage", secondes)
+def _echec(banc, cause):
+    banc.attendre("echec-demarrage")
     banc.verifier.assertEqual(banc.application.details("echec-demarrage")[-1], "cause=" + cause)
     banc.attendre_le_texte(cause)
 
@@ -38,31 +21,16 @@ def _echec(banc, cause, secondes=90):
 def mort(banc):
     """Le serveur s’arrête avant d’avoir répondu : l’écran l’explique."""
     banc.liberer()
-    _echec(banc, MORT)
+    _echec(banc, "Le serveur s’est arrêté aussitôt")
     banc.reste = False
 
 
-def mort_puis_page(banc):
-    """De même ; une fois la panne réparée, « Réessayer » rend la page."""
-    banc.liberer()
-    _echec(banc, MORT)
-    _la_page_revient(banc)
-
-
-@lente
 def muet(banc):
     """Quarante secondes sans la réponse attendue ; et quitter ferme tout de même le serveur muet."""
     banc.liberer()
     with banc.places.longue_attente():
         banc.attendre("echec-demarrage", 60)
-    _echec(banc, MUET)
-
-
-@lente
-def muet_puis_page(banc):
-    """De même ; une fois la panne réparée, « Réessayer » rend la page."""
-    muet(banc)
-    _la_page_revient(banc)
+    _echec(banc, "Le serveur ne répond pas")
 
 
 def allume(banc):
@@ -83,26 +51,15 @@ def patience(banc):
 
 
 # Le serveur s’en va, ou se tait.
-def perdu_puis_page(banc):
-    """Le serveur en service s’arrête ; « Réessayer » en allume un autre."""
+def perdu(banc):
+    """Le serveur en service s’arrête."""
     banc.attendre("serveur-mort-en-route")
     # La page qu’il servait à cet instant échoue aussi ; l’un ou l’autre se lit, et tous deux proposent de réessayer.
     page = ["La page de keltrove ne s’affiche pas"] if banc.moment == "chargement" else []
     banc.attendre_le_texte("Le serveur s’est arrêté", *page)
-    banc.liberer()
-    _la_page_revient(banc)
-    banc.verifier.assertEqual(banc.application.etapes().count("allume"), 2)
 
 
-def perdu_puis_mort(banc):
-    """Le serveur en service s’arrête, et l’autre que « Réessayer » lance ne peut pas s’ouvrir."""
-    banc.attendre("serveur-mort-en-route")
-    banc.liberer()
-    banc.reessayer()
-    _echec(banc, MORT)
-
-
-def degel_puis_page(banc):
+def degel(banc):
     """Une connexion se perd pendant le gel, sans que rien ne s’affiche ; la page vient au dégel."""
     if banc.moment != "attente":
         banc.attendre_un_client()  # qui vient donc pendant le gel
@@ -112,50 +69,35 @@ def degel_puis_page(banc):
     banc.attendre("page-contenu")
 
 
-@lente
-def silence_puis_page(banc):
-    """La surveillance le dit ; une fois la panne réparée, « Réessayer » rend la page."""
+def silence(banc):
+    """La surveillance dit que le serveur ne répond plus."""
     banc.liberer()
     with banc.places.longue_attente():
         banc.attendre("serveur-ne-repond-plus", 60)
     page = ["La page de keltrove ne s’affiche pas"] if banc.panne.peut_perdre_la_page else []
     banc.attendre_le_texte("Le serveur de keltrove ne répond plus", *page)
-    _la_page_revient(banc)
-
-
-@lente
-def silence_puis_mort(banc):
-    """La surveillance le dit, et le serveur que « Réessayer » lance ne peut pas s’ouvrir."""
-    with banc.places.longue_attente():
-        banc.attendre("serveur-ne-repond-plus", 60)
-    banc.reessayer()
-    _echec(banc, MORT)
-    banc.reste = False
 
 
 # La page.
-def ratee_puis_page(banc):
-    """La page ne s’affiche pas ; une fois la panne réparée, s’il se peut, « Réessayer » la rend."""
+def page(banc):
+    """« Réessayer » rend la page ; un serveur retrouvé en vie n’est plus à nous."""
+    banc.attendre("page-affichee", fois=banc.pages + 1)
+    trouvailles = [etape for etape in banc.application.etapes() if etape in ("allume", "rattache")]
+    if "serveur-mort-en-route" in banc.application.etapes():
+        banc.verifier.assertEqual(trouvailles, ["allume", "allume"])
+    banc.reste = trouvailles[-1] == "rattache"
+
+
+def ratee(banc):
+    """La page ne s’affiche pas."""
     banc.attendre("page-ratee")
     banc.attendre_le_texte("La page de keltrove ne s’affiche pas")
-    banc.liberer()
-    _la_page_revient(banc)
 
 
-def refusee_puis_page(banc):
+def refusee(banc):
     """Le serveur répond, mais plus rien ne permet d’ouvrir la page."""
     banc.liberer()
-    ratee_puis_page(banc)
-
-
-def ratee_puis_mort(banc):
-    """La page ne s’affiche pas, et le serveur que « Réessayer » lance ne peut pas s’ouvrir."""
-    banc.attendre("page-ratee")
-    banc.attendre_le_texte("La page de keltrove ne s’affiche pas")
-    banc.liberer()
-    banc.reessayer()
-    _echec(banc, MORT)
-    banc.reste = False
+    ratee(banc)
 
 
 def rien(banc):
@@ -164,7 +106,7 @@ def rien(banc):
     banc.attendre("page-contenu")
     banc.attendre_les_sondes(1)
     if banc.moment != "avant" or "bus" not in vars(banc):  # sans bus au départ, l’écran ne se lit pas
-        guetter(lambda: banc.ecran().boutons() == [], quoi="un écran sans problème")
+        guetter(banc.montre_la_page, quoi="un écran sans problème")
     for mauvaise in MAUVAISES:
         banc.verifier.assertNotIn(mauvaise, banc.application.etapes())
 
@@ -181,7 +123,6 @@ def fermee(banc):
     banc.verifier.assertEqual(banc.application.etapes()[-2:], ["arret-demande", "arret-fini"])
 
 
-@lente
 def abandon(banc):
     """Au bout du délai, l’application part et laisse le serveur finir."""
     with banc.places.longue_attente():

@@ -1,15 +1,16 @@
 """Une application et son serveur que l’on tient à un moment de leur vie."""
 
 import contextlib
+import functools
 import os
 import socket
 import subprocess
 import tempfile
 import unittest
 
-from application import SERVEUR, Application
+import ecran
+from application import SERVEUR, Application, attendre
 from cas import enfants_zombies
-from partage import Lecteur, guetter
 
 # Le serveur se retient et se gâte selon les fichiers de son dossier, et en pose pour dire où il en est.
 TENU = SERVEUR + """
@@ -46,14 +47,16 @@ ARRIVEES = {"attente": "lance", "reponse": "sonde", "chargement": "page-demandee
 CARNET = "à l’utilisateur"
 CADRE = "# à l’utilisateur\n[cadre]\nlargeur=900\nhauteur=600\n"
 CADRE_ECRIT = "[cadre]\nlargeur=900\nhauteur=600\nagrandie=false\n"  # le même, par l’application
+# Pour ce qui se lit lentement, comme la liste des processus.
+guetter = functools.partial(attendre, pas=0.1)
 
 
 class Banc(contextlib.ExitStack):
     """`reste` : un serveur doit rester en vie à la fin. `parti` : l’application ne tourne plus."""
 
-    def __init__(self, bibliotheque, rattache, moment, places):
+    def __init__(self, bibliotheque, rattache, moment, panne, places):
         super().__init__()
-        self.rattache, self.moment, self.places = rattache, moment, places
+        self.rattache, self.moment, self.panne, self.places = rattache, moment, panne, places
         self.reste, self.parti, self.serveur = rattache, False, None
         self.verifier = unittest.TestCase()
         self.fautes = self.enter_context(tempfile.TemporaryDirectory())
@@ -145,15 +148,17 @@ class Banc(contextlib.ExitStack):
         self.verifier.assertEqual(self.application.attendre_la_fin(secondes), etat, self.application.lignes)
 
     # L’écran.
-    def ecran(self):
-        return Lecteur(self.application.processus.pid)
-
     def attendre_le_texte(self, *voulus):
-        guetter(lambda: any(voulu in lu for lu in self.ecran().textes() for voulu in voulus),
-                quoi=lambda: f"à l’écran, {voulus} (lu : {self.ecran().textes()}, {self.application.lignes})")
+        ecran.attendre_le_texte(self.application.processus.pid, *voulus)
 
     def reessayer(self):
-        guetter(lambda: self.ecran().presser("Réessayer"), quoi="le bouton « Réessayer »")
+        self.pages = self.application.etapes().count("page-affichee")
+        ecran.presser(self.application.processus.pid, "Réessayer")
+
+    def montre_la_page(self):
+        """Une fenêtre que l’on sait lire, et sans bouton."""
+        roles = [role for role, _ in ecran.noms(self.application.processus.pid)]
+        return roles and ecran.BOUTON not in roles
 
     # La fin, la même pour tous.
     def conclure(self):

@@ -6,21 +6,16 @@ import subprocess
 
 import ecran
 from application import attendre, fenetres
+from points import contraste
 
 
-def _luminance(couleur):
-    lineaire = [c / 12.92 if c <= 0.03928 else ((c + 0.055) / 1.055) ** 2.4 for c in (v / 255 for v in couleur)]
-    return sum(poids * c for poids, c in zip((0.2126, 0.7152, 0.0722), lineaire))
-
-
-def contraste(x, y, largeur, hauteur):
+def du_texte(x, y, largeur, hauteur):
     """Entre la couleur la plus répandue de ce rectangle, son fond, et celle qui s’en écarte le plus, son texte."""
     pixels = subprocess.run(["import", "-window", "root", "-crop", f"{largeur}x{hauteur}+{x}+{y}", "-depth", "8", "txt:-"],
                             capture_output=True, text=True, check=True).stdout
     comptes = collections.Counter(re.findall(r"#([0-9A-F]{6})", pixels))
-    luminances = {c: _luminance(bytes.fromhex(c)) for c in comptes}
-    fond = luminances[comptes.most_common(1)[0][0]]
-    return max((max(fond, l) + 0.05) / (min(fond, l) + 0.05) for l in luminances.values())
+    couleurs = [bytes.fromhex(couleur) for couleur, _ in comptes.most_common()]
+    return max(contraste(couleur, couleurs[0]) for couleur in couleurs)
 
 
 def _coin(fenetre):

@@ -2,6 +2,7 @@
 
 import contextlib
 import subprocess
+import threading
 
 import gi
 
@@ -12,6 +13,9 @@ from application import attendre, touches  # noqa: E402
 
 # Selon sa version, AT-SPI dit « push button » ou « button ».
 BOUTON = Atspi.role_get_name(Atspi.Role.PUSH_BUTTON)
+# AT-SPI ne se lit que d’un fil à la fois, et des essais se mènent ensemble.
+UN_SEUL_LECTEUR = threading.Lock()
+PAS = 0.05  # lire un écran occupe aussi son application
 
 
 def _parcourir(objet):
@@ -36,12 +40,17 @@ def _application(pid):
 def _lire(pid, lecture):
     """Ce que la lecture rend de tout ce qui est à l’écran. L’arbre peut changer pendant ce temps : on le relit, car ce
     qu’on n’a pas su lire n’est pas absent."""
-    for _ in range(20):
-        with contextlib.suppress(GLib.Error):
+    lus = []
+
+    def lire():
+        with contextlib.suppress(GLib.Error), UN_SEUL_LECTEUR:
             application = _application(pid)
             # GTK n’expose que ce qui est visible : tout ce qui est dans l’arbre est à l’écran.
-            return lecture(list(_parcourir(application)) if application else [])
-    return lecture([])
+            lus.append(lecture(list(_parcourir(application)) if application else []))
+        return lus
+
+    attendre(lire, quoi="un écran qui se laisse lire", pas=PAS)
+    return lus[0]
 
 
 def textes(pid):
@@ -57,19 +66,20 @@ def noms_du_role(pid, role):
 
 
 def boutons(pid):
-    return _lire(pid, lambda objets: {o.get_name(): o for o in objets if o.get_role_name() == BOUTON})
+    return noms_du_role(pid, BOUTON)
 
 
 def presser(pid, nom):
-    def premier():
-        bouton = boutons(pid).get(nom)
-        return bouton is not None and bouton.do_action(0)
+    def presse(objets):
+        return any(o.get_name() == nom and o.do_action(0) for o in objets if o.get_role_name() == BOUTON)
 
-    attendre(premier, quoi=f"le bouton « {nom} »")
+    attendre(lambda: _lire(pid, presse), quoi=f"le bouton « {nom} »", pas=PAS)
 
 
-def attendre_le_texte(pid, texte, secondes=60):
-    attendre(lambda: any(texte in lu for lu in textes(pid)), secondes, f"le texte « {texte} »")
+def attendre_le_texte(pid, *voulus, secondes=60):
+    """L’un d’eux suffit."""
+    attendre(lambda: any(voulu in lu for lu in textes(pid) for voulu in voulus), secondes,
+             lambda: f"à l’écran, {' ou '.join(voulus)} (lu : {textes(pid)})", PAS)
 
 
 def _a_l_etat(objet, etat):

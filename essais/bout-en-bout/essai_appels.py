@@ -6,9 +6,9 @@ import tempfile
 
 import ecran
 from application import SERVEUR, attendre, attendre_le_clavier, couleur, touches
+from bureau import ServiceDeNotifications
 from bus import Bus
 from essai_terminal import Terminal, taper
-from notifications import Service
 
 FOND_DEVANT = "#8A2B3E"
 # Au bas du premier onglet, et la couleur qu’y prend une progression en erreur.
@@ -31,7 +31,7 @@ def part_en_erreur():
 class Appels(Terminal):
     def ouvrir(self, **options):
         bus = Bus(self)
-        self.service = Service(self, bus)
+        self.service = ServiceDeNotifications(self, bus)
         return super().ouvrir(variables=bus.variables, **options)
 
     def poser(self, application, nom, *lignes):

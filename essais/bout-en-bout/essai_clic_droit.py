@@ -1,12 +1,10 @@
 """Le menu du bouton droit, dans la vraie fenêtre : c’est celui de la page, et il agit sur le terminal."""
 
 import itertools
-import os
 import re
-import tempfile
 
-import ecran
 from application import attendre, couleur, fenetres, lire, touches
+from bureau import Ouvreur
 from essai_terminal import Terminal, taper
 from glissement import souris
 
@@ -31,19 +29,13 @@ class ClicDroit(Terminal):
 
     def test_copier_puis_coller_passe_par_le_terminal(self):
         application = self.ouvrir()
-        taper("clear; yes mot-copie-du-terminal | head -45; touch ecrit\n")
-        self.attendre_le_fichier(application, "ecrit")
-        souris("mousemove", 110, 400)
 
         def copier():
-            souris("click", "--repeat", 2, "--delay", 60, 1)
             self.ouvrir_le_menu(application)
             touches("Down", "Return")
             self.peint(ICI[0] + 4, ICI[1] + 4, FOND_DU_TERMINAL)
-            souris("mousemove", 110, 400)
-            return ecran.presse_papiers() == "mot-copie-du-terminal"
 
-        attendre(copier, quoi="le mot copié")
+        self.copier_un_mot(application, copier)
         taper("clear\n")
         self.noter_la_saisie(application)
         self.ouvrir_le_menu(application)
@@ -123,11 +115,10 @@ class ClicDroit(Terminal):
         application.quitter()
 
     def test_le_lien_vise_va_au_navigateur(self):
-        donnees = self.donnees()
-        application = self.ouvrir(variables={"XDG_DATA_HOME": donnees, "XDG_CONFIG_HOME": donnees})
+        navigateur = Ouvreur(self, "x-scheme-handler/https")
+        application = self.ouvrir(variables=navigateur.variables)
         taper("clear; for i in {1..45}; do echo https://exemple.test/une/longue/adresse; done; touch ecrit\n")
         self.attendre_le_fichier(application, "ecrit")
-        adresses = os.path.join(donnees, "adresses")
         pas = itertools.cycle((150, 190))
 
         def survoler():
@@ -139,21 +130,6 @@ class ClicDroit(Terminal):
         souris("click", 3)
         self.peint(200, 404, FOND_DU_MENU)
         touches("Down", "Down", "Down", "Down", "Return")
-        attendre(lambda: os.path.exists(adresses), quoi="l’adresse ouverte")
-        self.assertEqual(lire(adresses).decode(), "https://exemple.test/une/longue/adresse\n")
+        attendre(navigateur.notes, quoi="l’adresse ouverte")
+        self.assertEqual(navigateur.notes(), ["https://exemple.test/une/longue/adresse"])
         application.quitter()
-
-    def donnees(self):
-        """Un bureau dont le navigateur note ce qu’on lui donne."""
-        donnees = tempfile.mkdtemp()
-        programme = os.path.join(donnees, "navigateur.sh")
-        with open(programme, "w") as fichier:
-            fichier.write(f"#!/bin/sh\necho \"$1\" > '{donnees}/adresses.tmp'; mv '{donnees}/adresses.tmp' '{donnees}/adresses'\n")
-        os.chmod(programme, 0o755)
-        os.makedirs(os.path.join(donnees, "applications"))
-        with open(os.path.join(donnees, "applications/navigateur.desktop"), "w") as fichier:
-            fichier.write(f"[Desktop Entry]\nType=Application\nName=Navigateur\nExec={programme} %u\n"
-                          "MimeType=x-scheme-handler/http;x-scheme-handler/https;\n")
-        with open(os.path.join(donnees, "applications/mimeapps.list"), "w") as fichier:
-            fichier.write("[Default Applications]\nx-scheme-handler/https=navigateur.desktop\n")
-        return donnees

@@ -2,7 +2,6 @@
 
 import http.server
 import os
-import subprocess
 import tempfile
 import threading
 

@@ -2,13 +2,13 @@
 
 import os
 import re
-import subprocess
 
 import gi
 
 import ecran
 import page_notee
 from application import attendre, attendre_le_clavier, touches
+from bureau import Service
 from cas import Cas
 from ecran import Atspi, GLib
 from essai_terminal import Terminal, taper
@@ -17,24 +17,9 @@ from page_notee import attendre_la_note
 gi.require_version("Gtk", "4.0")
 from gi.repository import Gtk  # noqa: E402
 
-ICI = os.path.dirname(os.path.abspath(__file__))
 # Ce que GTK offre ici, et que l’application doit en dire.
 VOIT_LA_PAGE = Gtk.check_version(4, 14, 0) is None
 PAGE = page_notee.code("<script>addEventListener('lecteur', () => noter(window.keltroveLecteur));</script>")
-
-
-class ServiceDAccessibilite:
-    """Celui du bureau, réduit à ce qu’il dit d’un lecteur d’écran."""
-
-    def __init__(self, cas, bus, tourne):
-        self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ICI, "service_d_accessibilite.py"), str(tourne)],
-                                          env={**os.environ, **bus.variables}, stdin=subprocess.PIPE,
-                                          stdout=subprocess.PIPE, text=True)
-        cas.addCleanup(self.processus.communicate)
-        cas.assertEqual(self.processus.stdout.readline(), "pret\n")
-
-    def dire(self, tourne):
-        print(tourne, file=self.processus.stdin, flush=True)
 
 
 class LecteurDuBureau(Cas):
@@ -43,17 +28,17 @@ class LecteurDuBureau(Cas):
 
     def test_la_page_sait_s_il_tourne_et_le_suit(self):
         application = self.application(code=PAGE).avoir_un_bus()
-        service = ServiceDAccessibilite(self, application.bus, 1)
+        service = Service(self, application.bus, "accessibilite", tourne=True)
         application.lancer().attendre("page-affichee")
         self.attendre_l_etat(application, True)
-        service.dire(0)
+        service.ordonner(tourne=False)
         self.attendre_l_etat(application, False)
         application.quitter()
 
     def test_il_peut_venir_apres_l_application(self):
         application = self.application(code=PAGE).avoir_un_bus().lancer()
         application.attendre("page-affichee")
-        ServiceDAccessibilite(self, application.bus, 1)
+        Service(self, application.bus, "accessibilite", tourne=True)
         self.attendre_l_etat(application, True)
         application.quitter()
 
@@ -95,7 +80,7 @@ class Annonces:
 class DansLaFenetre(Terminal):
     def test_les_terminaux_se_lisent_ou_le_reglage_dit_pourquoi_non(self):
         application = self.application(vrai_serveur=True).avoir_un_bus()
-        ServiceDAccessibilite(self, application.bus, 1)
+        Service(self, application.bus, "accessibilite", tourne=True)
         application.lancer().attendre("page-contenu")
         attendre_le_clavier(application)
         if VOIT_LA_PAGE:

@@ -1,10 +1,9 @@
 """Les liens de la page s’ouvrent dans le navigateur du bureau, et la page reste."""
 
-import os
-
 import ecran
 import page_notee
-from application import VERT, attendre, attendre_le_clavier, couleur, lire, touches
+from application import VERT, attendre, attendre_le_clavier, couleur, touches
+from bureau import Ouvreur
 from cas import Cas
 from page_notee import attendre_la_note
 
@@ -33,35 +32,18 @@ PAGE = page_notee.code("""<a id=lien></a><iframe srcdoc="x"></iframe><script>
   addEventListener('keydown', (e) => { gestes[e.key]?.(); noter(['touche', e.key]); });
   noter('prete');</script>""")
 
+DU_NAVIGATEUR = [f"x-scheme-handler/{sorte}" for sorte in ("http", "https", "mailto")]
+
 
 class Liens(Cas):
-    def ouvrir(self, avec_navigateur=True):
+    def ouvrir(self, types=DU_NAVIGATEUR):
         application = self.application(code=PAGE)
-        self.recues = os.path.join(application.racine, "adresses")
-        donnees = os.path.join(application.maison, "données")
-        application.variables.update(XDG_DATA_HOME=donnees, XDG_CONFIG_HOME=os.path.join(application.maison, "réglages"))
-        if avec_navigateur:
-            self.poser_un_navigateur(application, donnees)
+        self.navigateur = Ouvreur(self, *types)
+        application.variables.update(self.navigateur.variables)
         application.lancer().attendre("page-affichee")
         attendre_la_note(application, "prete")
         attendre_le_clavier(application)
         return application
-
-    def poser_un_navigateur(self, application, donnees):
-        programme = os.path.join(application.maison, "navigateur.sh")
-        with open(programme, "w") as fichier:
-            fichier.write(f"#!/bin/sh\necho \"$1 ${{GSK_RENDERER:-intact}}\" >> '{self.recues}'\n")
-        os.chmod(programme, 0o755)
-        os.makedirs(os.path.join(donnees, "applications"))
-        with open(os.path.join(donnees, "applications/navigateur.desktop"), "w") as fichier:
-            fichier.write(f'[Desktop Entry]\nType=Application\nName=Navigateur\nExec="{programme}" %u\n'
-                          "MimeType=x-scheme-handler/http;x-scheme-handler/https;x-scheme-handler/mailto;\n")
-        with open(os.path.join(donnees, "applications/mimeapps.list"), "w") as fichier:
-            fichier.write("[Default Applications]\n" + "".join(
-                f"x-scheme-handler/{sorte}=navigateur.desktop\n" for sorte in ("http", "https", "mailto")))
-
-    def adresses(self):
-        return lire(self.recues).decode().split("\n")[:-1] if os.path.exists(self.recues) else []
 
     def test_chaque_lien_va_au_navigateur_une_fois_et_la_page_reste(self):
         application = self.ouvrir()
@@ -70,11 +52,11 @@ class Liens(Cas):
                                 ("c", "http://exemple.fr/nouvelle"), ("d", "https://exemple.fr/cible"),
                                 ("e", "https://exemple.fr/script")):
             touches(touche)
-            voulues.append(adresse + " intact")
-            attendre(lambda: self.adresses() == voulues, quoi=f"{adresse} (vu : {self.adresses()})")
+            voulues.append(adresse)
+            attendre(lambda: self.navigateur.notes() == voulues, quoi=f"{adresse} (vu : {self.navigateur.notes()})")
         touches("f", "g")
         attendre_la_note(application, "#ici")
-        self.assertEqual(self.adresses(), voulues)
+        self.assertEqual(self.navigateur.notes(), voulues)
         self.assertEqual(couleur(680, 500), VERT)
         self.assertEqual(application.etapes().count("page-affichee"), 1)
         application.quitter()
@@ -84,17 +66,17 @@ class Liens(Cas):
         touches("h")
         attendre_la_note(application, "boucle finie")
         touches("a")
-        attendre(lambda: self.adresses(), quoi="le lien suivi d’un geste")
-        self.assertEqual(self.adresses(), ["https://exemple.fr/a?b=c&d intact"])
+        attendre(self.navigateur.notes, quoi="le lien suivi d’un geste")
+        self.assertEqual(self.navigateur.notes(), ["https://exemple.fr/a?b=c&d"])
         touches("i")
-        attendre(lambda: len(self.adresses()) == 10, quoi=lambda: f"dix liens (vu : {self.adresses()})")
+        attendre(lambda: len(self.navigateur.notes()) == 10, quoi=lambda: f"dix liens (vu : {self.navigateur.notes()})")
         touches("a", "g")
         attendre_la_note(application, "#ici")
-        self.assertEqual(len(self.adresses()), 10)
+        self.assertEqual(len(self.navigateur.notes()), 10)
         application.quitter()
 
     def test_sans_application_pour_l_ouvrir_un_bandeau_le_dit(self):
-        application = self.ouvrir(avec_navigateur=False)
+        application = self.ouvrir(types=())
         touches("b")
         application.attendre("bandeau")
         ecran.attendre_le_texte(application.processus.pid, "Aucune application ne sait ouvrir ce lien : mailto:moi@exemple.fr")

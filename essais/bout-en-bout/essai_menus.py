@@ -184,6 +184,14 @@ class Menus(AvecUnePage):
                         attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
                     application.quitter()
 
+    def ouvrir_sur_un_detail(self):
+        application = self.application(code="console.error('panne illustree'); process.exit(3);").lancer()
+        application.attendre("echec-demarrage")
+        attendre_le_clavier(application)
+        ecran.presser(application.processus.pid, "Voir le détail")
+        ecran.attendre_le_texte(application.processus.pid, "panne illustree")
+        return application
+
     def les_noms_sont_des_mots(self, pid):
         """Ni vides là où il en faut un, ni ceux de classes."""
         lus = ecran.noms(pid)
@@ -192,12 +200,8 @@ class Menus(AvecUnePage):
         return lus
 
     def test_les_noms_accessibles_sont_des_mots(self):
-        application = self.application(code="console.error('panne illustree'); process.exit(3);").lancer()
+        application = self.ouvrir_sur_un_detail()
         pid = application.processus.pid
-        application.attendre("echec-demarrage")
-        attendre_le_clavier(application)
-        ecran.presser(pid, "Voir le détail")
-        ecran.attendre_le_texte(pid, "panne illustree")
         self.assertIn(("text", "Détail"), self.les_noms_sont_des_mots(pid))
         for menu in TOUS:
             ecran.ouvrir_le_menu(pid, menu)
@@ -212,12 +216,8 @@ class Menus(AvecUnePage):
         application.quitter()
 
     def test_le_texte_d_un_probleme_a_son_menu_en_francais(self):
-        application = self.application(code="console.error('panne illustree'); process.exit(3);").lancer()
+        application = self.ouvrir_sur_un_detail()
         pid = application.processus.pid
-        application.attendre("echec-demarrage")
-        attendre_le_clavier(application)
-        ecran.presser(pid, "Voir le détail")
-        ecran.attendre_le_texte(pid, "panne illustree")
         ecran.mettre_le_clavier_sur_le_detail(pid)
         for touche in ("shift+F10", "Menu"):
             touches(touche)

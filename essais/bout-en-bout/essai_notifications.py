@@ -4,13 +4,32 @@ import os
 import subprocess
 import tempfile
 
+import page_notee
 from application import SERVEUR, VERT, attendre, attendre_le_clavier, couleur, fenetres, la_fenetre, lire, touches
+from bureau import ServiceDeNotifications
 from bus import Bus
 from cas import Cas
-from notifications import PAGE, Service
 from page_notee import attendre_la_note, notes
 
 FICHIER_DES_REGLAGES = "glib-2.0/settings/keyfile"
+# Chaque touche poste un message de la page.
+PAGE = page_notee.code("""<script>
+  window.keltrovePont = { etat: (e) => noter(['etat', e]), ouvrir: (id) => noter(['ouvrir', id]) };
+  const poster = (message) => webkit.messageHandlers.keltroveNotifications.postMessage(message);
+  const cyclique = {}; cyclique.moi = cyclique;
+  const gestes = {
+    a: () => poster({ action: 'notifier', id: 't3', titre: 'Compilation', corps: 'Elle est finie.' }),
+    b: () => poster({ action: 'notifier', id: 't3', titre: '<b>gras</b> & co', corps: '<b>gras</b> & <a href="x">co</a>' }),
+    c: () => poster({ action: 'notifier', titre: 'sans terminal' }),
+    d: () => { for (let i = 1; i <= 1000; i += 1) poster({ action: 'notifier', id: 't9', titre: `n° ${i}` }); },
+    e: () => poster({ action: 'etat' }),
+    f: () => { for (const m of [[1], 'texte', 12, null, undefined, true, new Date(), cyclique]) {
+      try { poster(m); } catch {} } },
+    g: () => poster({ action: 'notifier', id: 't4', titre: 'nul \\0 moitié \\ud83d', corps: 'a\\u0000b' }),
+    r: () => poster({ action: 'reglages' }),
+  };
+  addEventListener('keydown', (e) => { gestes[e.key]?.(); noter(['touche', e.key]); });
+  noter('prete');</script>""")
 
 
 class AvecUnBus(Cas):
@@ -38,7 +57,7 @@ class AvecUnBus(Cas):
 class ServiceQuiObeit(AvecUnBus):
     def setUp(self):
         super().setUp()
-        self.service = Service(self, self.bus)
+        self.service = ServiceDeNotifications(self, self.bus)
 
     def test_une_notification_porte_tout_ce_qu_il_faut_et_la_suivante_la_remplace(self):
         application = self.ouvrir()
@@ -186,7 +205,7 @@ class Absence(AvecUnBus):
         self.assertEqual(self.etat(application), "absent")
         touches("a", "x")
         attendre_la_note(application, ["touche", "x"])
-        premier = Service(self, self.bus)
+        premier = ServiceDeNotifications(self, self.bus)
         self.assertEqual(self.etat(application), "accorde")
         touches("a")
         premier.attendre_les_appels(1)
@@ -194,7 +213,7 @@ class Absence(AvecUnBus):
         attendre_la_note(application, ["ouvrir", "t3"])
         premier.partir()
         attendre(lambda: self.etat(application) == "absent", quoi="l’absence du service")
-        second = Service(self, self.bus)
+        second = ServiceDeNotifications(self, self.bus)
         touches("a")
         self.assertEqual(second.attendre_les_appels(1)[1], 0, "le nouveau service ne connaît pas l’ancien numéro")
         application.quitter()
@@ -243,7 +262,7 @@ class Reglages(AvecUnBus):
         self.assertFalse(os.path.exists(os.path.join(application.racine, "panneau")))
 
     def test_l_interrupteur_de_gnome_fait_un_refus(self):
-        Service(self, self.bus)
+        ServiceDeNotifications(self, self.bus)
         application = self.application(code=PAGE, variables={**self.bus.variables, "GSETTINGS_BACKEND": "keyfile"})
         application.variables["XDG_CONFIG_HOME"] = os.path.join(application.maison, "réglages")
         fichier = os.path.join(application.variables["XDG_CONFIG_HOME"], FICHIER_DES_REGLAGES)

@@ -6,7 +6,6 @@ import subprocess
 import ecran
 from application import attendre, couleur, touches
 from essai_terminal import Terminal, taper
-from glissement import souris
 
 CLAIR = "#FBFBFC"
 
@@ -42,14 +41,5 @@ class PressePapiers(Terminal):
 
     def test_la_souris_copie_ce_qu_elle_selectionne(self):
         application = self.ouvrir_avec("copie")
-        taper("clear; yes mot-choisi | head -45; touch ecrit")
-        touches("Return")
-        self.attendre_le_fichier(application, "ecrit")
-        souris("mousemove", 90, 400)
-
-        def copier():
-            souris("click", "--repeat", 2, "--delay", 60, 1)
-            return ecran.presse_papiers() == "mot-choisi"
-
-        attendre(copier, quoi="le mot copié", pas=0.5)
+        self.copier_un_mot(application, copier=lambda: None)
         application.quitter()

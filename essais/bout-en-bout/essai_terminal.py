@@ -9,10 +9,10 @@ import tempfile
 
 import ecran
 from application import active, attendre, attendre_le_clavier, commande, couleur, fenetres, lire, touches
+from bureau import ServiceDeNotifications
 from bus import Bus
 from cas import Cas
 from glissement import Source, souris
-from notifications import Service
 
 
 def taper(texte):
@@ -57,6 +57,18 @@ class Terminal(Cas):
                 return fichier.read()
         self.attendre_le_fichier(application, nom)
         attendre(lambda: lu() == voulu, quoi=f"{voulu!r} dans {nom} (vu : {lu()!r})")
+
+    def copier_un_mot(self, application, copier):
+        """Celui d’un terminal qui en est plein, choisi d’un double clic, puis copié de cette façon."""
+        taper("clear; yes mot-copie-du-terminal | head -45; touch ecrit\n")
+        self.attendre_le_fichier(application, "ecrit")
+
+        def essai():
+            souris("mousemove", 110, 400, "click", "--repeat", 2, "--delay", 60, 1)
+            copier()
+            return ecran.presse_papiers() == "mot-copie-du-terminal"
+
+        attendre(essai, quoi="le mot copié", pas=0.5)
 
 
 class Depot(Terminal):
@@ -116,16 +128,7 @@ class Edition(Terminal):
 
     def test_copier_prend_la_selection_du_terminal_et_coller_y_ecrit(self):
         application = self.ouvrir()
-        taper("clear; yes mot-copie-du-terminal | head -45; touch ecrit\n")
-        self.attendre_le_fichier(application, "ecrit")
-        souris("mousemove", 110, 400)
-
-        def copier():
-            souris("click", "--repeat", 2, "--delay", 60, 1)
-            touches("ctrl+shift+c")
-            return ecran.presse_papiers() == "mot-copie-du-terminal"
-
-        attendre(copier, quoi="le mot copié")
+        self.copier_un_mot(application, lambda: touches("ctrl+shift+c"))
         taper("stty -icanon; cat > recu\n")
         self.attendre_le_fichier(application, "recu")
         touches("ctrl+shift+v")
@@ -137,7 +140,7 @@ class Edition(Terminal):
 class Notifications(Terminal):
     def test_un_terminal_qui_sonne_dans_l_ombre_previent_une_fois_et_un_clic_l_ouvre(self):
         bus = Bus(self)
-        service = Service(self, bus)
+        service = ServiceDeNotifications(self, bus)
         application = self.ouvrir(variables=bus.variables)
         # En lecture seule : ce que l’on taperait dans le premier en croyant être au second n’y changerait rien.
         taper("readonly QUI=premier; until [ -e qui-second ]; do sleep .1; done; printf '\\a'; sleep 1; printf '\\a'; touch sonne\n")
@@ -164,7 +167,7 @@ class Regard(Terminal):
 
     def test_ni_un_menu_ni_une_boite_ne_font_un_terminal_qui_attend(self):
         bus = Bus(self)
-        service = Service(self, bus)
+        service = ServiceDeNotifications(self, bus)
         application = self.ouvrir(variables=bus.variables)
         pid = application.processus.pid
         taper("for n in 1 2 3; do until [ -e va-$n ]; do sleep .1; done; printf '\\a\\033[4'$((2 - n % 2))'m\\033[2J'; done; touch parti\n")

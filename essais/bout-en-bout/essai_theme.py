@@ -6,7 +6,8 @@ import subprocess
 
 import contraste
 import ecran
-from application import SERVEUR, SOMBRE as FOND_D_ATTENTE, attendre, attendre_le_clavier, couleur, la_fenetre, touches
+from application import SERVEUR, SOMBRE as FOND_D_ATTENTE, attendre, attendre_le_clavier, couleur, la_fenetre
+from bureau import Service
 from cas import Cas
 
 CLAIR, SOMBRE = "#F0E68C", "#402060"
@@ -23,11 +24,7 @@ class Theme(Cas):
         with open(os.path.join(dossier, "gtk-4.0/settings.ini"), "w") as fichier:
             fichier.write("[Settings]\n" + reglages)
         application.variables["XDG_CONFIG_HOME"] = dossier
-        portail = subprocess.Popen(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "portail.py"), str(preference)],
-                                   env={**os.environ, **application.bus.variables}, stdin=subprocess.PIPE,
-                                   stdout=subprocess.PIPE, text=True)
-        self.addCleanup(portail.communicate)
-        self.assertEqual(portail.stdout.readline(), "pret\n")
+        portail = Service(self, application.bus, "portail", preference=preference)
         application.lancer().attendre("page-affichee")
         return application, portail
 
@@ -35,14 +32,14 @@ class Theme(Cas):
         application, portail = self.ouvrir_avec_un_portail(0, "gtk-application-prefer-dark-theme=1\n")
         attendre(lambda: couleur(680, 450) == SOMBRE, quoi="la page sombre")
         for preference, voulue in ((2, CLAIR), (0, SOMBRE), (2, CLAIR), (1, SOMBRE)):
-            print(preference, file=portail.stdin, flush=True)
+            portail.ordonner(preference=preference)
             attendre(lambda: couleur(680, 450) == voulue, quoi=f"la page {voulue} pour {preference}")
         application.quitter()
 
     def test_la_page_suit_la_preference_du_bureau(self):
         application, portail = self.ouvrir_avec_un_portail(1)
         attendre(lambda: couleur(680, 450) == SOMBRE, quoi="la page sombre")
-        print(2, file=portail.stdin, flush=True)
+        portail.ordonner(preference=2)
         attendre(lambda: couleur(680, 450) == CLAIR, quoi="la page claire")
         application.quitter()
 
@@ -81,8 +78,8 @@ class Menus(Cas):
 
     def se_lit(self, quoi, rectangle, seuil=LISIBLE):
         # Peint un peu après s’être annoncé.
-        attendre(lambda: contraste.contraste(*rectangle) >= seuil,
-                 quoi=lambda: f"« {quoi} » lisible (contraste : {contraste.contraste(*rectangle):.2f})")
+        attendre(lambda: contraste.du_texte(*rectangle) >= seuil,
+                 quoi=lambda: f"« {quoi} » lisible (contraste : {contraste.du_texte(*rectangle):.2f})")
 
     def les_articles_se_lisent(self, application, fenetre):
         actifs = ecran.articles(application.processus.pid)

@@ -1,5 +1,6 @@
 """Lance les essais de ce dossier et dit en une ligne ce qu’il en est."""
 
+import fnmatch
 import os
 import sys
 import unittest
@@ -13,18 +14,24 @@ class Compte(unittest.TextTestResult):
         self.reussis += 1
 
 
-def aplatir(suite):
-    for essai in suite:
-        yield from aplatir(essai) if isinstance(essai, unittest.TestSuite) else [essai]
+def est_voulu(essai):
+    """Un filtre nomme une partie d’un essai, avec des « * » si l’on veut ; « -filtre » l’écarte."""
+    voulus = [filtre for filtre in sys.argv[1:] if not filtre.startswith("-")]
+    ecartes = [filtre[1:] for filtre in sys.argv[1:] if filtre.startswith("-")]
+    return (not voulus or repond_a(essai, voulus)) and not repond_a(essai, ecartes)
 
 
-chargeur = unittest.TestLoader()
-voulus = [filtre for filtre in sys.argv[1:] if not filtre.startswith("-")]
-ecartes = [filtre[1:] for filtre in sys.argv[1:] if filtre.startswith("-")]
-if voulus:
-    chargeur.testNamePatterns = [f"*{filtre}*" for filtre in voulus]
-suite = unittest.TestSuite(essai for essai in aplatir(chargeur.discover(".", pattern=os.environ.get("KELTROVE_ESSAIS", "essai_*.py")))
-                           if not any(ecarte in essai.id() for ecarte in ecartes))
+def repond_a(essai, filtres):
+    return any(fnmatch.fnmatchcase(essai.id(), f"*{filtre}*") for filtre in filtres)
+
+
+def retenir(suite):
+    """La même, réduite à ce que l’on veut : une suite peut avoir sa façon de jouer ses essais."""
+    retenus = [retenir(essai) if isinstance(essai, unittest.TestSuite) else essai for essai in suite]
+    return type(suite)([essai for essai in retenus if isinstance(essai, unittest.TestSuite) or est_voulu(essai)])
+
+
+suite = retenir(unittest.TestLoader().discover(".", pattern=os.environ.get("KELTROVE_ESSAIS", "essai_*.py")))
 resultat = unittest.TextTestRunner(verbosity=2, resultclass=Compte).run(suite)
 rates = len(resultat.failures) + len(resultat.errors)
 sys.stderr.flush()

@@ -4,17 +4,11 @@ import os
 import subprocess
 import threading
 
-from application import attendre
+from application import attendre, la_fenetre
 
 
 def souris(*gestes):
     subprocess.run(["xdotool", *map(str, gestes)], check=True)
-
-
-def _fenetre_visible(pid):
-    trouvees = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], capture_output=True,
-                              text=True).stdout.split()
-    return trouvees[0] if trouvees else None
 
 
 class Source:
@@ -26,8 +20,7 @@ class Source:
         self.lignes = []
         self.lecture = threading.Thread(target=self.lire, daemon=True)
         self.lecture.start()
-        attendre(lambda: _fenetre_visible(self.processus.pid), quoi="la fenêtre d’où tirer")
-        self.fenetre = _fenetre_visible(self.processus.pid)
+        self.fenetre = la_fenetre(self)
         souris("windowmove", "--sync", self.fenetre, 1100, 60, "windowactivate", "--sync", self.fenetre)
 
     def lire(self):

@@ -5,9 +5,9 @@ import subprocess
 import threading
 import unittest
 
-from application import MARQUE, Application, attendre, port_libre, touches
+from application import MARQUE, Application, active, attendre, port_libre, touches
+from bureau import ServiceDeNotifications
 from bus import Bus
-from notifications import Service
 
 RACINE = os.environ["KELTROVE_RACINE"]
 MAISON = os.path.join(RACINE, "home/ana")
@@ -36,7 +36,7 @@ class Paquet(unittest.TestCase):
         self.bus = Bus(self, adresse=f"unix:path={session}/bus")
         for chemin in (session, os.path.join(session, "bus")):
             os.chown(chemin, numero, numero)
-        self.service = Service(self, self.bus)
+        self.service = ServiceDeNotifications(self, self.bus)
         os.makedirs(os.path.join(MAISON, ".zelcor"), exist_ok=True)
         os.chown(os.path.join(MAISON, ".zelcor"), numero, numero)
         self.application = Installee()
@@ -52,9 +52,6 @@ class Paquet(unittest.TestCase):
         (seule,) = trouvees.stdout.split()
         return seule
 
-    def active(self):
-        return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True).stdout.strip()
-
     def test_elle_ouvre_un_vrai_terminal_et_previent(self):
         self.application.lancer().attendre("page-contenu")
         keltrove = self.fenetre()
@@ -65,7 +62,7 @@ class Paquet(unittest.TestCase):
         autre = subprocess.Popen(["xmessage", "-geometry", "900x600+0+0", "devant"])
         self.addCleanup(autre.wait)
         self.addCleanup(autre.kill)
-        attendre(lambda: self.active() not in ("", keltrove), quoi="une autre fenêtre au clavier")
+        attendre(lambda: active() not in ("", keltrove), quoi="une autre fenêtre au clavier")
         open(os.path.join(MAISON, "sonner"), "w").close()
         self.service.attendre_les_appels(1)
         self.assertEqual(self.application.quitter(), 0)

@@ -10,11 +10,11 @@ import subprocess
 import threading
 from collections.abc import Callable
 
+import ecran
 from application import commande, port_libre
-from banc_de_fautes import CADRE, CADRE_ECRIT
+from banc_de_fautes import CADRE, CADRE_ECRIT, guetter
 from bus import Bus
 from compositeur import SANS_ECRAN, Compositeur
-from partage import guetter
 
 
 def sans_suite(_banc):
@@ -125,7 +125,7 @@ def epuiser_les_descripteurs(banc):
     pid = banc.application.processus.pid
     banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
     # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs.
-    guetter(lambda: banc.ecran().textes(), quoi="la fenêtre")
+    guetter(lambda: ecran.textes(pid), quoi="la fenêtre")
     guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
     tenus = set.intersection(*[set(os.listdir(f"/proc/{pid}/fd")) for _ in range(20)])  # les autres ne font que passer
     premier_libre = next(i for i in itertools.count() if str(i) not in tenus)

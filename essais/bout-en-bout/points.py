@@ -1,4 +1,4 @@
-"""Les points de l’écran, lus d’un coup."""
+"""Les points de l’écran, lus d’un coup, et le contraste de deux d’entre eux."""
 
 import subprocess
 
