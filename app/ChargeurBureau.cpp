@@ -18,8 +18,7 @@ std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& ex
     if (entree == nullptr) {
       const char* raison = ::dlerror();
       return std::unexpected(
-          "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne "
-          "convient pas (" +
+          "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne convient pas (" +
           std::string(raison != nullptr ? raison : chemin) + "). Réinstallez l’application.");
     }
     return reinterpret_cast<LancerLeBureau>(entree);

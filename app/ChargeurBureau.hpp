@@ -1,5 +1,4 @@
-// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement quand on en a
-// besoin.
+// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement à l’ouvrir.
 //
 // Lié directement, il coûterait à chaque vérification d’inventaire des dizaines de millisecondes, et
 // l’obligerait à trouver une bibliothèque de bureau sur la machine.
@@ -12,8 +11,9 @@
 
 namespace keltrove::app {
 
-// La fonction d’entrée du module, cherché à côté de l’exécutable puis dans « ../lib/keltrove ».
-// En cas d’échec : une phrase pour l’utilisateur.
+// La fonction d’entrée du module, cherché à côté de l’exécutable puis dans « ../lib/keltrove ». En cas
+// d’échec (aucun module, une bibliothèque absente, un module sans notre entrée) : une phrase pour
+// l’utilisateur. Le module n’est jamais déchargé. Une fois, sur le fil principal.
 std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& executable);
 
 } // namespace keltrove::app

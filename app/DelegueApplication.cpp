@@ -161,8 +161,7 @@ void DelegueApplication::quandLeServeurNeRepondPlus() {
   fenetre_->ecran().montrerProbleme(
       "Le serveur de keltrove ne répond plus",
       "La page est toujours affichée, mais plus rien ne lui parle : le serveur s’est arrêté ou a été coupé. "
-      "Les "
-      "terminaux qui étaient ouverts sont fermés ; leur liste, elle, a été notée et reviendra.",
+      "Les terminaux qui étaient ouverts sont fermés ; leur liste, elle, a été notée et reviendra.",
       "Cliquez sur « Réessayer » : je le rallume et je rouvre la page.", moteur_->lignesJournal().texte());
 }
 

@@ -1,7 +1,9 @@
 // DelegueApplication : la vie de l’application, de son lancement à sa fin.
 //
 // Il montre la fenêtre, démarre le serveur ou s’y rattache, ouvre la page ou explique l’échec, surveille, et
-// au moment de quitter laisse au serveur le temps de noter sa liste. Fil principal seulement.
+// au moment de quitter laisse au serveur le temps de noter sa liste. C’est lui qui note au journal les étapes
+// du démarrage et de la fermeture. Tout échec finit à l’écran, en une phrase ; aucun ne l’arrête. Fil
+// principal seulement ; ce qui bloque va à sa file de quatre fils ou à celle du moteur.
 #pragma once
 
 #include "app/Surveillance.hpp"
@@ -37,18 +39,19 @@ public:
   // Une fois, dès que le système laisse créer une fenêtre.
   void applicationDidFinishLaunching();
 
-  // L’utilisateur relance l’application, qui tourne déjà : elle revient devant, ou se rouvrira une fois
-  // fermée.
+  // L’utilisateur relance l’application, qui tourne déjà : elle revient devant ou, si elle se
+  // ferme, se rouvrira.
   void quandOnNousRelance();
   // À lire quand tout est fini.
   bool aRouvrir() const { return aRouvrir_; }
 
-  // À chaque demande de fermeture : menu, fenêtre fermée, signal, fin de session. Une seconde demande pendant
-  // l’attente ne relance rien.
+  // À chaque demande de fermeture : menu, fenêtre fermée, signal, fin de session. N’attend pas. « Plus tard »
+  // quand un serveur que nous avons allumé doit finir : douze secondes au plus, l’écran le disant. Une
+  // seconde demande pendant l’attente ne relance rien.
   ReponseFermeture applicationShouldTerminate();
 
-  // L’écran a disparu, et la boucle d’événements avec lui : attend ici la fin du serveur que nous avons
-  // allumé. Au retour, il ne reste qu’à partir.
+  // L’écran a disparu, et la boucle d’événements avec lui : attend ici, douze secondes au plus, la fin du
+  // serveur que nous avons allumé. Rien n’est dessiné. Au retour, il ne reste qu’à partir.
   void partirSansEcran();
 
 private:

@@ -1,4 +1,5 @@
-// ModeExecution : ce que la ligne de commande demande, et rien d’autre.
+// ModeExecution : ce que la ligne de commande demande, et rien d’autre. Rien n’est vérifié : un dossier
+// absent se saura en l’ouvrant. Sans état.
 #pragma once
 
 #include <optional>
@@ -8,9 +9,11 @@
 
 namespace keltrove::app {
 
+// Ouvrir la fenêtre : sans argument, ou devant un argument que l’on ne connaît pas.
 struct ModeBureau {
   bool operator==(const ModeBureau&) const = default;
 };
+// « verifier-inventaire ». Un chemin qui manque est vide.
 struct ModeVerification {
   std::string dossier;
   std::string cheminCle;

@@ -1,7 +1,9 @@
 // Surveillance : un regard toutes les six secondes sur le serveur en service.
 //
-// Trois échecs de suite y mettent fin ; un seul succès remet le compte à zéro. La vérification bloque et se
-// fait donc en arrière-plan ; son résultat revient sur le fil principal, où vit tout le reste.
+// Trois échecs de suite y mettent fin ; un seul succès remet le compte à zéro. La vérification bloque et
+// se fait donc en arrière-plan ; son résultat revient sur le fil principal, où vit tout le reste. Un
+// regard que le système refuse, faute de fil, compte pour un échec ; un résultat qui revient après
+// l’arrêt ne compte pas.
 #pragma once
 
 #include "socle/BoucleEvenements.hpp"
@@ -19,9 +21,10 @@ public:
   Surveillance(std::shared_ptr<socle::BoucleEvenements> boucle, socle::FileDeTravail arrierePlan,
                std::function<bool()> verifier, std::function<void()> quandPerdu);
 
-  // Repart de zéro ; le premier regard a lieu six secondes plus tard.
+  // Repart de zéro, même active ; le premier regard a lieu six secondes plus tard.
   void demarrer();
   void arreter();
+  // Jusqu’à l’arrêt, ou jusqu’à la perte.
   bool active() const;
   int echecsDaffilee() const;
 

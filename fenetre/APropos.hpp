@@ -1,4 +1,6 @@
 // APropos : ce que l’application dit d’elle-même, et le journal qu’un utilisateur peut envoyer.
+//
+// Les textes de la boîte « À propos » ; chaque bureau dessine la sienne. Utilisable depuis tout fil.
 #pragma once
 
 #include "socle/Journal.hpp"

@@ -1,4 +1,7 @@
-// Apparence : les mesures et les couleurs que tous les bureaux partagent. Longueurs en points.
+// Apparence : les mesures et les couleurs que tous les bureaux partagent. Rien d’autre qu’elles : un bureau
+// qui a besoin d’une couleur de plus l’ajoute ici, s’il n’est pas seul à s’en servir.
+//
+// Longueurs et tailles de texte en points ; composantes d’une couleur de 0 à 1, en sRGB.
 #pragma once
 
 namespace keltrove::fenetre::Apparence {

@@ -1,4 +1,5 @@
-// ArticlesDeMenu : de quoi une barre de menus est faite, quel que soit le bureau qui la dessine. Sans état.
+// ArticlesDeMenu : de quoi une barre de menus est faite, quel que soit le bureau qui la dessine. Des valeurs,
+// sans état ; la table elle-même est dans Menus.
 #pragma once
 
 #include <optional>
@@ -36,6 +37,8 @@ enum class Cible { premierRepondeur, fenetrePrincipale };
 // Son nom, tel qu’écrit ci-dessus.
 const char* nomDe(Action action);
 
+// Au sens de macOS. Un bureau sans touche Commande choisit la sienne : GTK prend Ctrl+Maj, qui laisse
+// Ctrl+lettre à l’interpréteur.
 struct Modificateurs {
   bool maj = false;
   bool option = false;
@@ -54,6 +57,7 @@ struct Separateur {
   bool operator==(const Separateur&) const = default;
 };
 
+// Une action que le bureau ne sait pas faire se montre grisée.
 struct Article {
   std::string titre;
   std::optional<Raccourci> raccourci;

@@ -19,7 +19,8 @@ struct Ouverture {
   bool operator==(const Ouverture&) const = default;
 };
 
-// Comme on l’a laissée ; la taille d’origine, au centre, si rien n’est retenu ou rien de montrable.
+// Comme on l’a laissée ; la taille d’origine, au centre, si rien n’est retenu ou rien de montrable : plus
+// petit que le minimum de la fenêtre, ou plus grand que ce qu’un système de fenêtres sait tenir.
 Ouverture ouverture(const std::optional<Cadre>& retenu);
 
 } // namespace keltrove::fenetre

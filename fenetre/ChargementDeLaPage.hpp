@@ -1,9 +1,10 @@
-// ChargementDeLaPage : la page demandée à la vue, seule à savoir laquelle, depuis quand, et si elle compte
-// encore.
+// ChargementDeLaPage : la page demandée à la vue. Elle seule sait laquelle, depuis quand, et si
+// elle compte encore.
 //
-// Un chargement finit, rate, ou passe soixante secondes sans rien recevoir. Abandonné, il n’a plus rien à
-// dire : ni son délai, ni sa fin, ni son échec, même tardifs. Une page que personne n’a demandée, parce
-// qu’elle s’est rechargée elle-même, compte aussi. Fil principal seulement.
+// Trois états : toute page compte ; celle qui se charge ne compte plus, mais la suivante oui ; aucune ne
+// compte. Un chargement finit, rate, ou passe soixante secondes sans rien recevoir. Abandonné, il n’a plus
+// rien à dire : ni son délai, ni sa fin, ni son échec, même tardifs. Une page que personne n’a demandée,
+// parce qu’elle s’est rechargée elle-même, compte aussi. Fil principal seulement.
 #pragma once
 
 #include "fenetre/VueFenetre.hpp"
@@ -17,6 +18,8 @@ namespace keltrove::fenetre {
 
 class ChargementDeLaPage {
 public:
+  // Une page qui compte est là ou rate, qu’on l’ait demandée ou non ; affichée, elle peut encore rater, si le
+  // programme qui la dessine meurt. `raison` est une phrase pour l’utilisateur, ou le texte du système.
   struct Issues {
     std::function<void()> quandElleEstLa;
     std::function<void(const std::string& raison)> quandElleRate;
@@ -25,7 +28,7 @@ public:
   // La vue et la boucle lui survivent.
   ChargementDeLaPage(VueFenetre& vue, socle::BoucleEvenements& boucle, Issues issues);
 
-  // Remplace ce qui se chargeait.
+  // Remplace ce qui se chargeait. Peut rater pendant l’appel même : l’issue vient alors avant son retour.
   void charger(int port);
   // Arrête ce qui se charge. La page suivante comptera, même demandée par elle-même.
   void abandonner();
@@ -37,7 +40,7 @@ public:
   // « http://hôte:port », vide avant toute page.
   std::string origine() const;
 
-  // Ce que rapporte la vue.
+  // Ce que rapporte la vue. Avancer repousse le délai ; une annulation n’est pas un échec.
   void commencer();
   void avancer();
   void finir();

@@ -2,7 +2,7 @@
 //
 // Deux visages : l’attente (titre, phrase, roue) et le problème (titre, phrase, conseil, « Réessayer »,
 // détail à déplier). L’écran calcule une valeur, EtatEcran, et la remet à sa vue ; la vue la dessine et ne
-// décide rien. Fil principal seulement.
+// décide rien. Chaque changement redessine, fût-ce la même valeur. Fil principal seulement.
 #pragma once
 
 #include "moteur/ErreurServeur.hpp"
@@ -13,7 +13,8 @@
 
 namespace keltrove::fenetre {
 
-// Tout ce que la vue doit montrer. Un texte vide n’occupe aucune place.
+// Tout ce que la vue doit montrer. Un texte vide n’occupe aucune place. Le détail vient d’un serveur : il
+// peut compter quelques mégaoctets.
 struct EtatEcran {
   bool visible = true;
   bool roue = false;
@@ -28,18 +29,20 @@ struct EtatEcran {
   std::string detail;
   bool operator==(const EtatEcran&) const = default;
 
-  // Qui reçoit le clavier quand l’état change, à moins qu’un autre élément que l’écran montre encore ne
-  // l’ait.
+  // Qui reçoit le clavier quand l’état change, à moins qu’un autre élément que l’écran
+  // montre encore ne l’ait.
   enum class Clavier { page, ecran, reessayer };
   Clavier clavier() const;
 };
 
 class EcranAttente {
 public:
+  // À poser par qui le crée ; vides, rien ne se dessine ni ne se réessaie.
   std::function<void(const EtatEcran&)> quandOnDessine;
   std::function<void()> quandOnReessaie;
 
   void montrerAttente(const std::string& titre, const std::string& phrase);
+  // Le détail se déplie sur demande ; un détail vide n’a pas de bouton.
   void montrerProbleme(const std::string& titre, const std::string& phrase, const std::string& conseil,
                        const std::optional<std::string>& detail);
   void montrerErreur(const moteur::ErreurServeur& erreur);

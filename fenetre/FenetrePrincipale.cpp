@@ -48,8 +48,8 @@ void FenetrePrincipale::ramener() {
 void FenetrePrincipale::montrerLaPage() {
   ecran_.cacher();
   Journal::etape("page-affichee", {{"port", std::int64_t{chargement_.port().value_or(0)}}});
-  // Ce que la page croit d’elle-même : qu’on ne la regarde pas, qu’aucun lecteur ne tourne et qu’il la
-  // verrait.
+  // Ce que la page croit d’elle-même : qu’on ne la regarde pas, qu’aucun lecteur ne tourne
+  // et qu’il la verrait.
   if (regardIci_) direALaPage(PourLaPage::regard(regardIci_));
   if (lecteur_ != LecteurDEcran{}) direALaPage(annonceALaPage(lecteur_));
   sondesPrevues_.push_back(boucle_.apres(delaiAvantLaSonde, [this] {

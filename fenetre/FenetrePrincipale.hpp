@@ -1,7 +1,8 @@
 // FenetrePrincipale : le contrôleur de la fenêtre unique.
 //
 // Il tient l’écran d’attente, le bandeau, le pont de notifications et le chargement de la page, et rend les
-// demandes d’essai à qui l’a créé. Fil principal seulement.
+// demandes d’essai à qui l’a créé. Il observe sa vue : tout ce qui arrive à la fenêtre native passe par lui.
+// Il ne démarre ni n’arrête aucun serveur. Fil principal seulement.
 #pragma once
 
 #include "fenetre/Bureau.hpp"
@@ -28,16 +29,19 @@ public:
 
   // Bouton « Réessayer » et action de menu mènent au même appel.
   std::function<void()> quandOnDemandeUnEssai;
-  // Une page vient de remplacer l’écran d’attente, qu’on l’ait demandée ou qu’elle se soit rechargée
-  // elle-même.
+  // Une page vient de remplacer l’écran d’attente, qu’on l’ait demandée ou qu’elle se soit
+  // rechargée elle-même.
   std::function<void()> quandLaPageEstLa;
 
   // Selon les modes : rien en mode essai, derrière en mode discret, devant sinon.
   void afficher();
   // L’application et sa fenêtre devant les autres.
   void ramener();
+  // L’écran d’attente reste jusqu’à ce que la page soit là ; ratée, il l’explique et propose de réessayer.
   void chargerLaPage(int port) { chargement_.charger(port); }
+  // Un texte bref au bas de la fenêtre. Il remplace celui qui s’y montrait, et son délai.
   void afficherBandeau(const std::string& texte, double secondes);
+  // Un nouvel essai entier, serveur compris : la page seule ne se recharge jamais d’ici.
   void rechargerVraiment();
 
   // À la fermeture : plus rien de ce qui arrive à la page ne change l’écran ni le journal.

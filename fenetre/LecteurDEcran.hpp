@@ -1,4 +1,5 @@
-// LecteurDEcran : le lecteur d’écran du bureau, et ce que la page doit en savoir.
+// LecteurDEcran : le lecteur d’écran du bureau, et ce que la page doit en savoir. Sans état :
+// utilisable depuis tout fil.
 #pragma once
 
 #include "pont/MessageDeLaPage.hpp"
@@ -20,8 +21,8 @@ std::string annonceALaPage(const LecteurDEcran& lecteur);
 // Le canal des textes que la page veut faire lire aussitôt.
 inline constexpr const char* canalDuLecteur = "keltroveLecteur";
 
-// Le texte à lire, d’un message de ce canal : bref, car un lecteur ne se laisse pas couper ; rien si le
-// message n’est pas un texte.
+// Le texte à lire, d’un message de ce canal, ramené à quatre mille caractères (une page de terminal,
+// largement) : un lecteur ne se laisse pas couper. Rien si le message n’est pas un texte, ou s’il est vide.
 std::optional<std::string> texteALire(const pont::MessageDeLaPage& message);
 
 } // namespace keltrove::fenetre

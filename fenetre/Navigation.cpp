@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::string_view protocole = "http://";
 
-// L’hôte et le port, tels qu’écrits ; rien d’une adresse qui n’est pas en HTTP, ou qui porte un nom
-// d’utilisateur.
+// L’hôte et le port, tels qu’écrits ; rien d’une adresse qui n’est pas en HTTP, ou qui porte un
+// nom d’utilisateur.
 std::string_view autoriteDe(std::string_view adresse) {
   if (!adresse.starts_with(protocole)) return {};
   adresse.remove_prefix(protocole.size());

@@ -16,8 +16,10 @@ enum class Destination {
 };
 
 // Ce que la page ouvre chez elle reste ici ; le Web et le courrier vont au navigateur ; le reste (fichiers,
-// autres protocoles) n’a rien à faire dans une page. `origine` est celle de la page servie, «
-// http://hôte:port », et `adresse` est sous sa forme canonique (WHATWG URL).
+// autres protocoles) n’a rien à faire dans une page. `origine` est celle de la page servie,
+// `http://hôte:port`, vide tant qu’il n’y en a pas ; `adresse` est sous sa forme canonique (WHATWG URL).
+// Tous les noms de cette machine (localhost, 127.0.0.1, [::1]) mènent à la même page ; une adresse illisible
+// ne mène nulle part.
 Destination destinationDe(std::string_view adresse, std::string_view origine);
 
 // Une fenêtre de plus n’est jamais la nôtre, même pour une adresse de la page.
@@ -35,6 +37,7 @@ public:
   // La boucle lui survit.
   explicit LiensSortants(socle::BoucleEvenements& boucle) : boucle_(boucle) {}
 
+  // Faux : le lien se perd, sans un mot. Vrai le compte parmi les derniers.
   bool laisserPartir(Geste geste);
 
 private:

@@ -17,8 +17,8 @@ std::int64_t lireEntier(std::string_view texte) {
 
 const std::string expressionDeSonde =
     "document.title + '|' + document.querySelectorAll('*').length + '|' + "
-    "(document.querySelector('meta[name=keltrove-jeton]')?.content === '__JETON__' ? 'jeton-non-rempli' : "
-    "'jeton-rempli')";
+    "(document.querySelector('meta[name=keltrove-jeton]')?.content === '__JETON__' ? "
+    "'jeton-non-rempli' : 'jeton-rempli')";
 
 socle::Journal::Details lireSonde(std::string_view reponse) {
   const auto morceaux = socle::decouper(reponse, '|', socle::MorceauxVides::ecartes);

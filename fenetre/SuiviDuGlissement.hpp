@@ -1,8 +1,9 @@
 // SuiviDuGlissement : un glissement au-dessus de la page, dont on n’apprend ce qu’il porte qu’après son
 // entrée, et parfois après son dépôt.
 //
-// Le bureau rapporte dans l’ordre où tout lui vient ; un départ peut suivre le dépôt, ou manquer. Fil
-// principal seulement.
+// Le bureau rapporte dans l’ordre où tout lui vient ; un départ peut suivre le dépôt, ou manquer. Un survol
+// commencé dans la page y finit toujours, et un dépôt est toujours conclu : une source qui attend sans fin
+// figerait le programme d’où il vient. Fil principal seulement.
 #pragma once
 
 #include "fenetre/VueWebDepot.hpp"
@@ -26,14 +27,15 @@ class SuiviDuGlissement {
 public:
   struct Effets {
     VueWebDepot::AppelDeLaPage appelerLaPage;
-    std::function<void()> rendreALaVueWeb;
-    std::function<void(bool remis)> conclure; // le dépôt, une fois
-    std::function<void(std::size_t)> ecarterDesIllisibles;
+    std::function<void()> rendreALaVueWeb;                 // il ne porte pas de fichiers, et la survole déjà
+    std::function<void(bool remis)> conclure;              // le dépôt, une fois ; remis : la page l’a reçu
+    std::function<void(std::size_t)> ecarterDesIllisibles; // en dire le nombre à l’utilisateur
   };
   explicit SuiviDuGlissement(Effets effets);
 
   // Un glissement de plus, dont rien n’est encore su.
   void commencer();
+  // Ce qu’il porte, une fois par glissement ; rien du tout en fait celui de la vue web.
   void apprendre(Portes portes);
   // Faux dès qu’il est à la vue web.
   bool estANous() const { return contenu_ != Contenu::autre; }

@@ -1,7 +1,8 @@
 // VueFenetre : la fenêtre native et sa vue web, vues du comportement ; ObservateurDeLaVue, l’inverse.
 //
 // Chaque bureau en écrit une, aussi mince que possible : elle dessine les valeurs qu’on lui donne et rapporte
-// ce qui arrive. Fil principal seulement.
+// ce qui arrive. Aucune opération n’attend ni ne signale d’échec de dessin : un échec de chargement revient
+// par l’observateur, parfois pendant l’appel. Fil principal seulement.
 #pragma once
 
 #include "fenetre/ArticlesDeMenu.hpp"
@@ -25,6 +26,8 @@ struct EtatBandeau {
   bool operator==(const EtatBandeau&) const = default;
 };
 
+// Pourquoi une navigation n’aboutit pas, parfois longtemps après avoir fini : le programme qui dessine la
+// page peut mourir sous une page affichée.
 enum class CauseDEchec {
   chargement,
   annulation, // remplacée par une autre ou arrêtée à notre demande
@@ -48,7 +51,8 @@ struct DemandeDAdresse {
 // Ce que la vue rapporte, dès qu’elle existe ; plus rien une fois sa destruction commencée.
 class ObservateurDeLaVue {
 public:
-  // Une navigation ratée n’est jamais rapportée comme finie.
+  // Une navigation ratée n’est jamais rapportée comme finie. Avancer : il vient encore
+  // quelque chose de la page.
   virtual void quandNavigationCommence() = 0;
   virtual void quandNavigationAvance() = 0;
   virtual void quandNavigationFinie() = 0;
@@ -58,6 +62,7 @@ public:
   virtual void quandOnBasculeLeDetail() = 0;
   virtual void quandOnRecharge() = 0;
 
+  // Sur l’un des canaux que la vue a ouverts à la page : celui du pont et celui du lecteur.
   virtual void quandLaPageEcrit(const std::string& canal, const pont::MessageDeLaPage& message) = 0;
   // Faux : la vue n’en fait rien, l’observateur s’en est chargé.
   virtual bool laPageVeutOuvrir(const DemandeDAdresse& demande) = 0;
@@ -78,6 +83,7 @@ class VueFenetre {
 public:
   virtual ~VueFenetre() = default;
 
+  // La valeur entière à chaque fois. Sous un écran visible, la page ne reçoit ni touche, ni focus, ni dépôt.
   virtual void dessiner(const EtatEcran& etat) = 0;
   virtual void dessiner(const EtatBandeau& etat) = 0;
 
@@ -95,8 +101,10 @@ public:
   // serveur. Remplace le chargement en cours. L’observateur de la vue tient lui-même le délai de soixante
   // secondes : la vue peut avoir le sien, jamais plus court.
   virtual void charger(const std::string& adresse) = 0;
+  // L’observateur en reçoit une annulation, ou rien s’il n’y avait rien à arrêter.
   virtual void arreterLeChargement() = 0;
   // Évalue une expression dans la page ; rend sa valeur si c’est un texte, rien sinon ou en cas d’erreur.
+  // `fini` vient une fois, tout de suite s’il n’y a encore aucune page, et peut venir après qui l’a demandé.
   virtual void evaluer(const std::string& expression,
                        std::function<void(std::optional<std::string>)> fini) = 0;
 

@@ -2,7 +2,9 @@
 //
 // Un glissement qui porte des fichiers est pris à la vue web et remis à la page en chemins ; tout autre
 // glissement est laissé à la vue web. Le bureau rapporte ce qui arrive au-dessus de sa vue et obéit à la
-// réponse. Rien n’échoue : une page qui ne définit pas ces fonctions ne voit rien. Fil principal seulement.
+// réponse ; les sept opérations ont le nom et l’ordre qu’AppKit donne aux siennes. La page apprend le survol
+// par keltroveSurvolChemins et le dépôt par keltroveDeposerChemins. Rien n’échoue : une page qui ne définit
+// pas ces fonctions ne voit rien. Fil principal seulement.
 #pragma once
 
 #include <functional>
@@ -19,7 +21,8 @@ struct Point {
   double y = 0;
 };
 
-// La vue au moment du glissement.
+// La vue au moment du glissement. Le zoom est celui de la page ; l’agrandissement, celui que le bureau
+// donne à son texte.
 struct MesuresDeLaVue {
   double hauteur = 0;
   bool origineEnHaut = true;
@@ -28,8 +31,8 @@ struct MesuresDeLaVue {
 };
 
 struct Glissement {
-  std::vector<std::string>
-      chemins; // fichiers locaux seulement, absolus, en UTF-8, dans l’ordre du glissement
+  // Fichiers locaux seulement, absolus, en UTF-8, dans l’ordre du glissement.
+  std::vector<std::string> chemins;
   Point point; // dans la vue, en pixels logiques
   MesuresDeLaVue vue;
 };

@@ -11,10 +11,12 @@
 
 namespace keltrove::moteur {
 
-// La sortie de « pgrep -P <pid> » : un numéro de processus par ligne.
+// La sortie de « pgrep -P <pid> » : un numéro de processus par ligne. L’ordre des lignes est gardé.
 std::vector<pid_t> lirePgrep(std::string_view sortie);
 
-// La sortie de « lsof -nP -a -p <pid> -iTCP -sTCP:LISTEN » : les ports distincts, dans l’ordre d’apparition.
+// La sortie de « lsof -nP -a -p <pid> -iTCP -sTCP:LISTEN » : les ports distincts, dans l’ordre
+// d’apparition. La première ligne, celle des titres, ne compte pas ; le port d’une ligne suit le dernier
+// « : » de son adresse.
 std::vector<int> lireLsof(std::string_view sortie);
 
 } // namespace keltrove::moteur

@@ -123,8 +123,8 @@ Identite identifier(pid_t pid) {
 bool enVie(const Identite& identite) {
   if (::kill(identite.pid, 0) != 0) return false;
   const auto fiche = lireFiche(identite.pid);
-  // Illisible faute de descripteur, et non faute de processus : mieux vaut attendre encore que conclure à sa
-  // fin.
+  // Illisible faute de descripteur, et non faute de processus : mieux vaut attendre encore que
+  // conclure à sa fin.
   if (!fiche) return ::kill(identite.pid, 0) == 0;
   return fiche->etat != 'Z' && fiche->naissance == identite.naissance;
 }

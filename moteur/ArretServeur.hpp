@@ -2,7 +2,8 @@
 //
 // SIGTERM seulement, une fois par processus : au serveur, que l’on reconnaît au port qu’il écoute parmi les
 // descendants de ce que nous avons lancé, puis au lanceur. Un serveur qui n’écoute pas encore se reconnaît au
-// groupe de son lanceur, que les terminaux, eux, ont quitté. Utilisable depuis tout fil.
+// groupe de son lanceur, que les terminaux, eux, ont quitté. Jamais SIGKILL : un serveur qui n’en finit pas
+// range peut-être encore sa liste. Construire et attendre() peuvent se faire sur deux fils.
 #pragma once
 
 #include "moteur/ArbreProcessus.hpp"
@@ -23,11 +24,12 @@ public:
   static constexpr const char* tropLong =
       "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.";
 
-  // Signale les serveurs dans cet ordre, celui où ils ont été lancés. Le dernier est celui en service : la
-  // phrase parle de lui seul. La liste n’est pas vide.
+  // Signale aussitôt les serveurs, dans cet ordre, celui où ils ont été lancés. Le dernier est celui en
+  // service : la phrase parle de lui seul. La liste n’est pas vide. N’attend pas.
   ArretServeur(const std::vector<ServeurLance>& serveurs, std::shared_ptr<socle::Horloge> horloge);
 
-  // Bloque jusqu’à leur fin à tous, 12 secondes au plus, et rend une phrase pour le journal.
+  // Bloque jusqu’à leur fin à tous, 12 secondes au plus, et rend une phrase pour le journal : fermé, retrouvé
+  // nulle part, ou encore en train de finir. Jamais sur un fil qui dessine.
   std::string attendre() const;
 
 private:

@@ -1,8 +1,8 @@
 // Emplacements : où se trouvent node, le code du serveur, et la commande exacte qui le démarre.
 //
 // Rien n’est gardé en mémoire : chaque appel regarde à nouveau, si bien qu’un fichier installé pendant que
-// l’application tourne est trouvé à l’essai suivant. Tout échec du système de fichiers compte comme « absent
-// ». Utilisable depuis tout fil.
+// l’application tourne est trouvé à l’essai suivant. Ce que le système de fichiers ne sait pas lire compte
+// pour absent. Rien n’est exécuté. Utilisable depuis tout fil.
 #pragma once
 
 #include <optional>
@@ -27,11 +27,14 @@ public:
   explicit Emplacements(std::optional<std::string> ressources,
                         std::vector<std::string> nodes = nodesDuSysteme);
 
+  // Le script qui vérifie une copie installée avant de lancer son serveur ; il passe avant tout le reste.
   std::optional<std::string> porteDuLotB() const;
   std::optional<std::string> node() const;
   std::optional<std::string> serveur() const;
+  // Ce script s’il est là ; sinon node et le code du serveur ; rien s’il manque l’un des deux.
   std::optional<CommandeDemarrage> commandeDeDemarrage() const;
 
+  // Tous les candidats, dans l’ordre de la recherche : l’écran d’un échec les montre.
   std::vector<std::string> cheminsEssayesPourNode() const;
   std::vector<std::string> cheminsEssayesPourLeServeur() const;
 

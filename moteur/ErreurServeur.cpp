@@ -44,8 +44,7 @@ std::string explication(const ErreurServeur& erreur) {
           },
           [](const MortAuDemarrage&) -> string {
             return "Le serveur a démarré puis s’est arrêté tout de suite. Ce qu’il a écrit avant de partir "
-                   "est en "
-                   "dessous : c’est là que se trouve la vraie raison.";
+                   "est en dessous : c’est là que se trouve la vraie raison.";
           },
           [](const PasDeReponse& e) -> string {
             return fmt::format(
@@ -55,8 +54,7 @@ std::string explication(const ErreurServeur& erreur) {
           },
           [](const PerduEnRoute&) -> string {
             return "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient "
-                   "ouverts "
-                   "sont fermés ; leur liste, elle, a été notée et reviendra au prochain démarrage.";
+                   "ouverts sont fermés ; leur liste, elle, a été notée et reviendra au prochain démarrage.";
           },
           [](const NodeIntrouvable&) -> string {
             return "keltrove a besoin du programme « Node » pour fonctionner, et il n’est nulle part sur cet "

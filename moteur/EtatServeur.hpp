@@ -5,7 +5,8 @@
 //    └────────┼──┴────────┴──► Rattache
 //             └────────────────────┘
 //
-// Chaque essai porte un numéro, qui croît : une nouvelle d’un essai dépassé se reconnaît au sien.
+// Chaque essai porte un numéro, qui croît : une nouvelle d’un essai dépassé se reconnaît au sien. Rien ici ne
+// prend de verrou : MoteurServeur garde la valeur sous le sien.
 #pragma once
 
 #include "socle/Processus.hpp"

@@ -16,8 +16,8 @@ constexpr std::size_t chiffresDUnMot = 8;
 constexpr std::size_t octetsDUnMot = 4;
 constexpr std::size_t tailleMaximale = std::size_t{64} << 20; // quelques centaines de milliers de prises
 
-// Le noyau écrit chaque mot de l’adresse comme un nombre de la machine : en mémoire, il est dans l’ordre du
-// réseau.
+// Le noyau écrit chaque mot de l’adresse comme un nombre de la machine : en mémoire, il est dans
+// l’ordre du réseau.
 std::optional<AdresseIP> lireAdresse(std::string_view texte) {
   AdresseIP adresse{};
   if (texte.size() != chiffresDUnMot && texte.size() != 4 * chiffresDUnMot) return std::nullopt;

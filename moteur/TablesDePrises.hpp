@@ -1,6 +1,6 @@
 // TablesDePrises : les prises TCP à l’écoute, telles que les tables du noyau Linux les donnent.
 //
-// Utilisable depuis tout fil.
+// La lecture est la même partout ; seul Linux en a les fichiers. Utilisable depuis tout fil.
 #pragma once
 
 #include <array>
@@ -26,7 +26,8 @@ struct PriseALEcoute {
   bool operator==(const PriseALEcoute&) const = default;
 };
 
-// Une table, IPv4 ou IPv6. Les lignes illisibles sont écartées.
+// Une table, IPv4 ou IPv6, telle que /proc/net/tcp ou tcp6 l’écrit (proc(5)). Les lignes illisibles et les
+// prises qui n’écoutent pas sont écartées.
 std::vector<PriseALEcoute> lireTableDePrises(std::string_view texte);
 
 // Les deux tables de ce dossier, « tcp » puis « tcp6 ». Rien si l’une ne peut pas être lue ; un noyau sans

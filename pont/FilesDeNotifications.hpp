@@ -2,8 +2,9 @@
 //
 // Une page bavarde n’inonde pas le service : un seul envoi à la fois par terminal ; tant qu’il dure, les
 // suivants attendent et seul le plus récent part. Les notifications sans terminal, qui ne se remplacent
-// jamais, partent l’une après l’autre et n’attendent qu’à quelques-unes. Ce que le service montre encore est
-// retenu, pour l’y remplacer et savoir où mène un clic. Fil principal seulement.
+// jamais, partent l’une après l’autre et n’attendent qu’à seize : au-delà, la plus ancienne se perd. Ce que
+// le service montre encore est retenu, pour l’y remplacer et savoir où mène un clic ; à 256, la plus ancienne
+// est oubliée. Fil principal seulement.
 #pragma once
 
 #include "pont/CentreNotifications.hpp"
@@ -25,20 +26,23 @@ public:
     Remise remise;
     Numero numero = 0;
   };
-  // Envoie au service ; `remplace` est le numéro à remplacer, 0 si aucun. `fini` est appelé une fois, plus
-  // tard.
+  // Envoie au service ; `remplace` est le numéro à remplacer, 0 si aucun. `fini` est appelé
+  // une fois, plus tard.
   using Envoi =
       std::function<void(const Notification&, Numero remplace, std::function<void(const Issue&)> fini)>;
 
   explicit FilesDeNotifications(Envoi envoyer) : envoyer_(std::move(envoyer)) {}
 
-  // Sans délégué, ce qui vient pendant que l’application est devant compte pour posé sans être montré.
+  // Sans délégué, ce qui vient pendant que l’application est devant compte pour posé sans être montré. `fini`
+  // ne vient pas pour une notification qui s’est perdue dans la file.
   void ajouter(const Notification& notification, bool applicationDevant,
                std::function<void(const Remise&)> fini);
 
+  // Le délégué vit jusqu’à ce que l’on en nomme un autre, ou aucun.
   void deleguerA(DelegueDuCentre* delegue) { delegue_ = delegue; }
   // Un clic sur ce numéro mènerait-il quelque part ?
   bool meneQuelquePart(Numero numero) const;
+  // Sans effet sur un numéro que l’on ne connaît pas.
   void cliquer(Numero numero) const;
 
   // Le service ne montre plus cette notification.

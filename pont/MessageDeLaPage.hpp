@@ -1,6 +1,7 @@
 // MessageDeLaPage : ce que la page a écrit à l’application, une fois lu.
 //
-// Chaque bureau le tire de ce que sa vue web lui donne. Sans état : utilisable depuis tout fil.
+// Chaque bureau le tire de ce que sa vue web lui donne. La page n’est pas crue pour autant : un cadre
+// d’ailleurs peut écrire lui aussi, et rien dans la valeur ne le dit. Sans état : utilisable depuis tout fil.
 #pragma once
 
 #include <map>
@@ -10,6 +11,7 @@
 
 namespace keltrove::pont {
 
+// Ni un texte ni un objet, ou pas de JSON.
 struct Illisible {
   bool operator==(const Illisible&) const = default;
 };
@@ -19,6 +21,7 @@ struct ObjetDeLaPage {
   std::string forme;                         // l’objet entier, écrit pour qui met au point
   bool operator==(const ObjetDeLaPage&) const = default;
 
+  // Rien si ce membre manque ou n’est pas un texte.
   std::optional<std::string> texte(const std::string& nom) const;
 };
 // Un texte seul est son propre message.

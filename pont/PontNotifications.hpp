@@ -28,6 +28,8 @@ public:
   PontNotifications& operator=(const PontNotifications&) = delete;
   ~PontNotifications();
 
+  // Toutes trois posées par qui le crée ; vides, elles ne font rien.
+  //
   // Exécute une ligne dans la page ; vide tant qu’il n’y a pas de vue. Résultat et erreurs sont ignorés.
   std::function<void(const std::string& ligne)> vue;
   // Met l’application et sa fenêtre devant les autres.
@@ -38,12 +40,17 @@ public:
   // La dernière réponse connue. Rien ne la lit : poser une notification ne la consulte pas.
   bool permissionAccordee() const { return permissionAccordee_; }
 
+  // Un message de la page. Un autre canal, une action inconnue, un message illisible : sans effet. Titre et
+  // corps sont ramenés à 80 et 200 caractères perçus.
   void userContentController(std::string_view canal, const MessageDeLaPage& message);
   // Au lancement, une fois. C’est ici seulement que le pont devient le délégué du centre.
   void demanderLaPermissionUneSeuleFois();
+  // Redit à la page l’état de la permission : « accorde », « refuse », « attente » ou « absent ».
   void redireLEtat();
+  // Celle du même terminal est remplacée. Textes tels quels : à l’appelant de les avoir bornés.
   void poser(const std::optional<std::string>& terminal, const std::string& titre, const std::string& corps);
   void ouvrirLesReglagesDeNotification();
+  // Plus tard, par la boucle ; se perd sans vue.
   void executerDansLaPage(const std::string& ligne);
 
 private:

@@ -1,4 +1,6 @@
-// Descripteur : un descripteur de fichier et son propriétaire, qui le ferme. Négatif, il n’en est pas un.
+// Descripteur : un descripteur de fichier et son propriétaire, qui le ferme.
+//
+// Négatif, il n’en est pas un : ce que rend une ouverture refusée se confie donc tel quel.
 #pragma once
 
 #include <utility>
@@ -21,9 +23,10 @@ public:
   }
   ~Descripteur() { fermer(); }
 
+  // Prêté : reste à nous de le fermer.
   int numero() const { return numero_; }
   explicit operator bool() const { return numero_ >= 0; }
-  // Faux si le système refuse : des écritures peuvent alors être perdues.
+  // Faux si le système refuse : des écritures peuvent alors être perdues. Une seconde fois, ne fait rien.
   bool fermer() { return numero_ < 0 || ::close(std::exchange(numero_, -1)) == 0; }
 
 private:

@@ -14,12 +14,15 @@ namespace keltrove::socle {
 class Environnement {
 public:
   Environnement() = default;
-  // `variables` : un tableau de « NOM=valeur » terminé par un pointeur nul, tel que `environ`.
-  // Si un nom revient, sa première valeur compte, comme pour getenv ; une entrée sans « = » est écartée.
+  // `variables` : un tableau de « NOM=valeur » terminé par un pointeur nul, tel que `environ`. Si un nom
+  // revient, sa première valeur compte, comme pour getenv ; une entrée sans « = » est écartée.
   explicit Environnement(const char* const* variables);
 
+  // Rien si la variable est absente ; une variable vide ne l’est pas.
   std::optional<std::string> lire(std::string_view nom) const;
+  // Remplace ou ajoute, dans cette copie seulement : le processus n’en sait rien.
   void definir(std::string_view nom, std::string_view valeur);
+  // Des « NOM=valeur », chaque nom une fois, dans l’ordre de leur venue.
   const std::vector<std::string>& entrees() const { return entrees_; }
 
 private:

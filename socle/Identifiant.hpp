@@ -5,7 +5,8 @@
 
 namespace keltrove::socle {
 
-// Un UUID de version 4 (RFC 4122), en trente-six caractères majuscules. Utilisable depuis tout fil.
+// Un UUID de version 4 (RFC 4122), en trente-six caractères majuscules. Il sert à nommer, non à prouver quoi
+// que ce soit : ce n’est pas un secret. Utilisable depuis tout fil.
 std::string identifiantAuHasard();
 
 } // namespace keltrove::socle

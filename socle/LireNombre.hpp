@@ -1,6 +1,8 @@
 // LireNombre : un entier écrit en chiffres, et rien d’autre.
 //
-// Rien si le texte contient le moindre caractère de plus, ou si sa valeur ne tient pas dans `Nombre`.
+// Rien si le texte est vide, s’il contient le moindre caractère de plus (blanc, « + », « 0x »…), ou si sa
+// valeur ne tient pas dans `Nombre`. Un signe moins n’est lu que pour un type signé. Sans état : ni la langue
+// du processus ni le fil n’y changent rien.
 #pragma once
 
 #include <charconv>

@@ -2,7 +2,8 @@
 //
 // Un texte est une suite d’octets ; aucune opération ne suppose qu’il est en UTF-8 valide, sauf mention.
 // Les classes de caractères sont celles d’Unicode (utf8proc), jamais celles de la langue du processus.
-// Sans état : utilisable depuis tout fil.
+// Les `string_view` rendus sont des vues sur le texte reçu, et ne lui survivent pas. Sans état :
+// utilisable depuis tout fil.
 #pragma once
 
 #include <cstddef>
@@ -29,13 +30,15 @@ std::string_view rognerEspaces(std::string_view texte);
 // davantage. Doit être en UTF-8.
 std::string_view premiersCaracteres(std::string_view texte, std::size_t nombre);
 
-// Découpe à chaque séparateur ; les morceaux vides sont gardés ou non.
+// Découpe à chaque séparateur ; les morceaux vides sont gardés ou non. Gardés, il y a toujours un morceau de
+// plus que de séparateurs.
 enum class MorceauxVides { gardes, ecartes };
 std::vector<std::string> decouper(std::string_view texte, char separateur, MorceauxVides vides);
 
 // Ce que le système dit d’une de ses erreurs, dans la langue du processus.
 std::string texteDuSysteme(std::errc erreur);
 
+// L’inverse : le lien entre deux morceaux, jamais au bout.
 std::string joindre(const std::vector<std::string>& morceaux, std::string_view lien);
 
 } // namespace keltrove::socle

@@ -7,8 +7,9 @@
 
 namespace keltrove::verification {
 
-// Les octets, ou rien : seuls l’alphabet ordinaire et son bourrage sont admis, ni blanc ni fin de ligne. Un
-// texte vide donne zéro octet.
+// Les octets, ou rien : seuls l’alphabet ordinaire et son bourrage sont admis, ni blanc, ni fin de
+// ligne, ni l’alphabet des adresses (« - » et « _ »). Un texte vide donne zéro octet. Sans état :
+// utilisable depuis tout fil.
 std::optional<std::string> decoderBase64(std::string_view texte);
 
 } // namespace keltrove::verification

@@ -1,4 +1,7 @@
 // Empreintes : l’empreinte SHA-256 (FIPS 180-4) des fichiers d’un dossier.
+//
+// Le calcul et la place de lecture servent d’un fichier à l’autre : un objet par fil. Un dossier qui ne
+// s’ouvre pas rend chaque fichier illisible.
 #pragma once
 
 #include "socle/Descripteur.hpp"
@@ -22,7 +25,8 @@ public:
   Empreintes& operator=(const Empreintes&) = delete;
   ~Empreintes();
 
-  // Soixante-quatre chiffres hexadécimaux minuscules. Rien si ce n’est pas un fichier ordinaire, s’il ne peut
+  // `chemin` part du dossier, et peut dépasser la longueur que le système permet d’un trait. Rend
+  // soixante-quatre chiffres hexadécimaux minuscules. Rien si ce n’est pas un fichier ordinaire, s’il ne peut
   // être lu, s’il ne tient pas en mémoire ou s’il change de taille pendant la lecture. Les liens sont suivis.
   std::optional<std::string> calculer(const std::string& chemin);
 

@@ -1,4 +1,6 @@
 // ListeFichiers : tous les fichiers d’un dossier de code, tels qu’un inventaire doit les nommer.
+//
+// Seuls les noms sont lus : aucun fichier n’est ouvert, et rien n’attend. Utilisable depuis tout fil.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +12,8 @@
 
 namespace keltrove::verification {
 
-// Les noms que l’on n’inventorie ni ne parcourt, où qu’ils soient.
+// Les noms que l’on n’inventorie ni ne parcourt, où qu’ils soient. Ce qu’ils contiennent n’est donc pas
+// vérifié : les modules de Node, en particulier, ne le sont pas.
 const std::set<std::string, std::less<>>& horsInventaire();
 
 // Jusqu’où l’on suit un arbre, pour répondre toujours, et sans épuiser la mémoire. Le nombre de ses dossiers
@@ -23,7 +26,7 @@ struct Mesure {
 
 enum class Refus {
   illisible, // un dossier ne s’ouvre pas, change pendant la lecture, ou un lien y ramène de l’intérieur
-  demesure,
+  demesure,  // l’une des bornes ci-dessus
 };
 
 // Les chemins relatifs de tout ce qui n’est pas un dossier, sans ordre. Les liens sont suivis, et leurs

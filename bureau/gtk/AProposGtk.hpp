@@ -1,5 +1,8 @@
 // AProposGtk : la petite fenêtre « À propos », avec le journal de ce lancement à copier. Celle de GTK
-// suivrait la langue du système, non la nôtre.
+// suivrait la langue du système, non la nôtre. Les textes sont ceux de fenetre::APropos.
+//
+// Échap et « Fermer » la cachent ; elle se remontre par present(), et relit alors le journal. Fil
+// principal seulement.
 #pragma once
 
 #include "bureau/gtk/MenuDeTexte.hpp"
@@ -17,6 +20,7 @@ namespace keltrove::bureau {
 
 class AProposGtk final : public Gtk::Window {
 public:
+  // La parente lui survit.
   explicit AProposGtk(Gtk::Window& parente);
 
 private:

@@ -26,6 +26,7 @@ public:
     std::function<void()> quitter;
     std::function<void(Gtk::Window&)> boiteOuverte; // une fois chacune
   };
+  // Pose les actions sur la fenêtre, sous les noms de Menus::nomDe. Toutes trois lui survivent.
   ActionsGtk(Gtk::ApplicationWindow& fenetre, MenusGtk& menus, VueWeb& vueWeb, Effets effets);
 
 private:

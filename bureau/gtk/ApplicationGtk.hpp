@@ -1,7 +1,8 @@
 // ApplicationGtk : l’application GTK, ses signaux et la poignée de main de la fermeture.
 //
 // Une seule par session : la relancer ramène sa fenêtre devant. Les modes essai et discret, et une session
-// sans bus, font exception.
+// sans bus, font exception. SIGTERM, SIGINT et SIGHUP prennent le chemin ordinaire de la fermeture, sauf ceux
+// que l’application a reçus ignorés. Fil principal seulement.
 #pragma once
 
 #include "app/DelegueApplication.hpp"
@@ -21,7 +22,8 @@ public:
                  std::shared_ptr<socle::BoucleEvenements> boucle, socle::Environnement environnement);
   ~ApplicationGtk() override;
 
-  // À appeler avant run(), une fois la boîte à outils prête.
+  // À appeler avant run(), une fois la boîte à outils prête. Si celle qui tient le nom ne répond pas,
+  // celle-ci se passe de nom, et ouvre sa propre fenêtre.
   void sInscrire();
   // Après run() : quelqu’un nous a relancés pendant la fermeture, et attend une fenêtre.
   bool aRouvrir() const { return delegue_.aRouvrir(); }

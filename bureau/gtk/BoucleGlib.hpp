@@ -1,4 +1,8 @@
 // BoucleGlib : la boucle d’événements du comportement, sur le contexte principal de GLib.
+//
+// Le contrat est celui de socle::BoucleEvenements. Les durées sont tenues à la milliseconde,
+// arrondies au-dessus ; au-delà de quarante-neuf jours, un rendez-vous ne vient jamais. Une tâche
+// postée passe avant le dessin.
 #pragma once
 
 #include "socle/BoucleEvenements.hpp"

@@ -1,4 +1,7 @@
-// DeGLib : ce que GLib nous donne à rendre, tenu jusque-là.
+// DeGLib : ce que GLib nous donne à rendre, tenu jusque-là. Nul, il n’y a rien à rendre.
+//
+// Seulement ce dont nous sommes propriétaires (« transfer full » dans les documents de GLib) : ce qui
+// est prêté n’y va pas.
 #pragma once
 
 #include <memory>

@@ -169,8 +169,8 @@ void DepotGtk::conclure(bool remis) {
   gdk_drop_finish(courant_, remis ? GDK_ACTION_COPY : GdkDragAction{});
 }
 
-// Sans bouger encore, la source ne saurait pas que l’on n’en veut plus, et attendrait sans fin la suite du
-// dépôt.
+// Sans bouger encore, la source ne saurait pas que l’on n’en veut plus, et attendrait sans fin
+// la suite du dépôt.
 void DepotGtk::couvrir(bool couverte) {
   if (couverte && suivi_.survole()) gdk_drop_status(courant_, GdkDragAction{}, GdkDragAction{});
   suivi_.couvrir(couverte);

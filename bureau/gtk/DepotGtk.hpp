@@ -2,7 +2,8 @@
 //
 // Une cible à nous, posée sur la vue, prend tout ce qui pourrait être des fichiers ; celle de WebKit garde le
 // reste. Ce qu’un glissement porte ne se sait qu’après l’avoir lu : s’il n’en est pas, notre cible répète à
-// WebKit tout ce qu’elle reçoit.
+// WebKit tout ce qu’elle reçoit. La règle est dans fenetre::SuiviDuGlissement ; ici, seulement ce que GTK en
+// dit et attend en retour. Fil principal seulement.
 #pragma once
 
 #include "bureau/gtk/VueWeb.hpp"
@@ -19,7 +20,8 @@ namespace keltrove::bureau {
 
 class DepotGtk {
 public:
-  // `ecarterDesIllisibles` reçoit combien de fichiers d’un dépôt ont un nom que la page ne peut lire.
+  // La vue lui survit. `ecarterDesIllisibles` reçoit combien de fichiers d’un dépôt ont un nom que la
+  // page ne peut lire.
   DepotGtk(VueWeb& vueWeb, std::function<void(std::size_t)> ecarterDesIllisibles);
   DepotGtk(const DepotGtk&) = delete;
   DepotGtk& operator=(const DepotGtk&) = delete;

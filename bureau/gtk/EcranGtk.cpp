@@ -81,8 +81,8 @@ void EcranGtk::construireLeDetail() {
   cadreDetail_.set_overflow(Gtk::Overflow::HIDDEN);
 }
 
-// Entrée presse « Réessayer » où que soit le clavier sur cet écran ; la barre d’espace presse le bouton
-// choisi.
+// Entrée presse « Réessayer » où que soit le clavier sur cet écran ; la barre d’espace
+// presse le bouton choisi.
 void EcranGtk::lierEntree() {
   const auto touches = Gtk::EventControllerKey::create();
   touches->set_propagation_phase(Gtk::PropagationPhase::CAPTURE);

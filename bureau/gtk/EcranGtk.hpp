@@ -1,4 +1,7 @@
 // EcranGtk : la vue de l’écran d’attente. Elle dessine un EtatEcran et rapporte les deux boutons.
+//
+// Tout texte se montre : ce qui n’est pas en UTF-8 y est remplacé. Trop haut pour la fenêtre, il défile. Fil
+// principal seulement.
 #pragma once
 
 #include "bureau/gtk/MenuDeTexte.hpp"
@@ -19,6 +22,7 @@ public:
   // L’observateur survit à l’écran.
   explicit EcranGtk(fenetre::ObservateurDeLaVue& observateur);
 
+  // Ne prend le clavier que si l’utilisateur n’est pas déjà dans le détail ou sur son bouton.
   void dessiner(const fenetre::EtatEcran& etat);
 
 private:

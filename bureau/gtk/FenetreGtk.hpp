@@ -1,4 +1,7 @@
 // FenetreGtk : la fenêtre native. Sous les menus, de bas en haut : la page, l’écran d’attente, le bandeau.
+//
+// Le contrat est celui de fenetre::VueFenetre. Elle assemble et transmet ; chaque partie a son fichier. Fil
+// principal seulement.
 #pragma once
 
 #include "bureau/gtk/ActionsGtk.hpp"
@@ -20,11 +23,11 @@ namespace keltrove::bureau {
 
 class FenetreGtk final : public Gtk::ApplicationWindow, public fenetre::VueFenetre {
 public:
-  // La fenêtre ne se ferme jamais seule : `fermer` porte la question à l’application. L’observateur lui
-  // survit.
+  // La fenêtre ne se ferme jamais seule : `fermer` porte la question à l’application. L’observateur vit plus
+  // longtemps qu’elle.
   FenetreGtk(fenetre::ObservateurDeLaVue& observateur, std::function<void()> fermer);
 
-  // Une fenêtre que personne n’a vue ne retient rien.
+  // Pour la prochaine fois, et si elle est agrandie. Une fenêtre que personne n’a vue ne retient rien.
   void retenirLaTaille() const;
 
   // Le droit de prendre le clavier au prochain mettreDevant, que le bureau refuserait sinon.

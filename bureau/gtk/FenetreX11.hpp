@@ -1,4 +1,4 @@
-// FenetreX11 : ce que seul X11 laisse dire d’une fenêtre.
+// FenetreX11 : ce que seul X11 laisse dire d’une fenêtre. Fil principal seulement.
 #pragma once
 
 #include <cstdint>

@@ -13,9 +13,9 @@ namespace keltrove::bureau {
 // liens et les images de la page se disent aussi listes d’adresses.
 bool pourraitPorterDesFichiers(GdkDrop* glissement);
 
-// Lit la liste d’adresses et en rend ce qui compte, dans l’ordre ; rien si elle est illisible ou démesurée.
-// Un fichier d’une autre machine n’est qu’une adresse. `fini` vient plus tard, sur le fil principal, une
-// fois.
+// Lit la liste d’adresses et en rend ce qui compte, dans l’ordre ; rien si elle est illisible ou dépasse
+// seize mébioctets. Un fichier d’une autre machine n’est qu’une adresse. `fini` vient plus tard, sur le fil
+// principal, une fois ; jamais si la source se tait.
 void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> fini);
 
 // Sa source vit-elle encore ? X seul l’ignore quand elle meurt en route.

@@ -1,7 +1,7 @@
 // LecteurDuBureau : dit si un lecteur d’écran tourne sur ce bureau, d’abord puis à chaque changement.
 //
-// Deux sources, dont l’une suffit : l’état du service d’accessibilité, et le réglage de GNOME. Fil principal
-// seulement ; n’attend jamais.
+// Deux sources, dont l’une suffit : l’état du service d’accessibilité, et le réglage de GNOME. Sans bus ni
+// réglage, aucun lecteur ne tourne. Fil principal seulement ; n’attend jamais.
 #pragma once
 
 #include <functional>
@@ -13,6 +13,7 @@ namespace keltrove::bureau {
 
 class LecteurDuBureau {
 public:
+  // `quandOnLeSait` ne vient jamais pendant la construction, et peut redire la même chose.
   explicit LecteurDuBureau(std::function<void(bool tourne)> quandOnLeSait);
   LecteurDuBureau(const LecteurDuBureau&) = delete;
   LecteurDuBureau& operator=(const LecteurDuBureau&) = delete;

@@ -1,5 +1,6 @@
 // MenuDeTexte : le menu contextuel d’un texte que l’on ne fait que lire. Celui de GTK suivrait la langue du
-// système, et proposerait de quoi modifier.
+// système, et proposerait de quoi modifier. Le bouton droit, la touche Menu et Maj+F10 l’ouvrent. Fil
+// principal seulement.
 #pragma once
 
 #include <gtkmm/popovermenu.h>

@@ -1,7 +1,8 @@
 // MenusGtk : la barre de menus de GTK et ses raccourcis, traduits de la table.
 //
 // Command devient Ctrl+Maj, comme dans les terminaux : Ctrl+lettre appartient à l’interpréteur affiché dans
-// la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 ouvre le premier menu.
+// la page. Ni Alt+lettre ni F10 ne sont pris ; Ctrl+Maj+F10 ouvre le premier menu. Les actions elles-mêmes
+// sont dans ActionsGtk. Fil principal seulement.
 #pragma once
 
 #include "fenetre/ArticlesDeMenu.hpp"
@@ -21,11 +22,13 @@ public:
   explicit MenusGtk(Gtk::Window& fenetre);
 
   Gtk::Widget& barre() { return barre_; }
+  // Une fois ; les menus de la table sont lus ici, non gardés.
   void poser(const std::vector<fenetre::Menus::Menu>& menus, Gtk::Application& application);
 
   // Ce qui avait le clavier avant que la barre ne le prenne ; nul si rien ne l’avait.
   Gtk::Widget* dernierFocus() const { return dernierFocus_; }
 
+  // Passer d’un menu à son voisin en ouvre un sans que les menus se soient fermés.
   std::function<void()> quandUnMenuSOuvre;
   std::function<void()> quandLesMenusSeFerment;
 

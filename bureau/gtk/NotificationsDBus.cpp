@@ -210,8 +210,8 @@ void NotificationsDBus::notifier(const Notification& notification, Files::Numero
   g_variant_builder_init(&indices, G_VARIANT_TYPE("a{sv}"));
   g_variant_builder_add(&indices, "{sv}", "desktop-entry", g_variant_new_string(KELTROVE_IDENTIFIANT));
   g_variant_builder_add(&indices, "{sv}", "sound-name", g_variant_new_string(son));
-  // Sans savoir ce que le service comprend, mieux vaut montrer une esperluette de trop qu’interpréter la
-  // page.
+  // Sans savoir ce que le service comprend, mieux vaut montrer une esperluette de trop
+  // qu’interpréter la page.
   const auto corps = enTexteSimple(notification.corps, balisage_ != Balisage::ignore);
   appelerLeService("Notify",
                    g_variant_new("(susssasa{sv}i)", fenetre::Apparence::nomDeLApplication, remplace,

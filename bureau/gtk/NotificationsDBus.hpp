@@ -1,8 +1,8 @@
 // NotificationsDBus : les notifications du bureau Linux, par org.freedesktop.Notifications.
 //
 // Rien n’attend : chaque appel est asynchrone et borné en temps. Le service peut arriver, partir ou
-// redémarrer pendant que nous tournons ; sans bus ni service, l’autorisation est « absente » et rien n’est
-// montré.
+// redémarrer pendant que nous tournons ; sans bus ni service, l’autorisation est « absente » et rien ne se
+// montre. Une notification dont il ne dit rien en dix secondes compte pour refusée. Fil principal seulement.
 #pragma once
 
 #include "pont/CentreNotifications.hpp"
@@ -26,6 +26,7 @@ public:
   NotificationsDBus& operator=(const NotificationsDBus&) = delete;
   ~NotificationsDBus() override;
 
+  // À poser avant la première notification.
   std::function<bool()> applicationDevant;
   // Le droit de prendre le clavier que le service joint à un clic, juste avant lui.
   std::function<void(const std::string& jeton)> quandUnJetonArrive;

@@ -10,7 +10,8 @@ struct Prete {
 };
 
 // La boîte à outils est initialisée au retour ; sinon, la phrase dit à l’utilisateur ce qui manque. À appeler
-// une fois, avant tout fil : ce qu’elle règle passe par l’environnement du processus.
+// une fois, avant tout fil : ce qu’elle règle passe par l’environnement du processus. Qui a besoin de
+// l’environnement de l’utilisateur en prend donc copie avant elle.
 std::expected<Prete, const char*> preparerLaBoiteAOutils();
 
 } // namespace keltrove::bureau

@@ -1,5 +1,5 @@
 // Retenu : ce que l’application retient d’une fois sur l’autre, en fichiers de clés. Un disque plein ne coûte
-// que cet oubli.
+// que cet oubli, et rien ne le signale. Quelques lectures et écritures brèves ; fil principal seulement.
 #pragma once
 
 #include "fenetre/Cadre.hpp"

@@ -1,7 +1,7 @@
 // Roue : l’indicateur d’attente.
 //
 // Celui de GTK est une image vectorielle : l’afficher charge toute une bibliothèque de dessin, au moment même
-// où l’application doit s’ouvrir vite.
+// où l’application doit s’ouvrir vite. Fil principal seulement.
 #pragma once
 
 #include <gtkmm/drawingarea.h>
@@ -12,7 +12,8 @@ class Roue final : public Gtk::DrawingArea {
 public:
   Roue();
 
-  // Ne tourne, et ne coûte, que tant qu’on le demande.
+  // Ne tourne, et ne coûte, que tant qu’on le demande ; jamais pour qui a demandé à son bureau
+  // que rien ne bouge.
   void tourner(bool demande);
 
 private:

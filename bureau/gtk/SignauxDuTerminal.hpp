@@ -1,5 +1,5 @@
-// SignauxDuTerminal : Ctrl+C dans le terminal de lancement s’adresse à l’application, pas aux programmes de
-// WebKit.
+// SignauxDuTerminal : Ctrl+C dans le terminal de lancement s’adresse à l’application, pas aux
+// programmes de WebKit.
 //
 // Ils sont pourtant dans son groupe, donc atteints aussi ; et si l’un d’eux meurt pendant qu’il le lance,
 // WebKit arrête l’application entière. Ils héritent de ce qu’elle retient : un fil à part, seul, reçoit ces

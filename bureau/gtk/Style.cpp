@@ -80,8 +80,8 @@ std::string reglesDuDetail() {
                fond(Ecran::ascenseur) + "border: none; min-width: 6px; border-radius: 6px;");
 }
 
-// GTK estompe trop, pour être lus, le titre du menu ouvert, les touches d’un article et ceux qui sont sans
-// effet.
+// GTK estompe trop, pour être lus, le titre du menu ouvert, les touches d’un article et ceux
+// qui sont sans effet.
 std::string reglesDesArticles() {
   return regle("window.keltrove menubar > item:selected", "color: inherit") +
          regle("popover.menu modelbutton accelerator", "color: alpha(currentColor, 0.8)") +

@@ -6,6 +6,7 @@
 
 namespace keltrove::bureau {
 
+// Pour toute l’application : ses règles portent sur les classes que nos éléments se donnent.
 Glib::ustring feuilleDeStyle();
 
 // Vrai si le thème du système est sombre : s’il écrit en clair, dans cette fenêtre.

@@ -1,7 +1,7 @@
 // TexteReplie : un texte centré qui se replie à une largeur fixe.
 //
 // Centrée, une étiquette GTK prend la largeur qui tient dans la hauteur qu’on lui donne, et ne se replie donc
-// pas : celle-ci annonce toujours la même largeur.
+// pas : celle-ci annonce toujours la même largeur. Fil principal seulement.
 #pragma once
 
 #include <gtkmm/label.h>
@@ -11,9 +11,11 @@ namespace keltrove::bureau {
 
 class TexteReplie final : public Gtk::Widget {
 public:
+  // La largeur, en points ; la classe, celle de la feuille de style.
   TexteReplie(int largeur, const Glib::ustring& classe);
   ~TexteReplie() override;
 
+  // Vide, il ne tient aucune place.
   void ecrire(const Glib::ustring& texte);
 
 private:

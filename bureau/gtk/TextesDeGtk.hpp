@@ -1,4 +1,7 @@
 // TextesDeGtk : ce que GTK écrirait dans la langue du système, ou nommerait du nom de ses classes.
+//
+// Ces fonctions entrent dans des éléments que GTK ne montre pas : une version qui les range autrement garde
+// seulement ses propres textes. Fil principal seulement.
 #pragma once
 
 #include <map>

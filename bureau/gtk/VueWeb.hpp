@@ -1,6 +1,11 @@
 // VueWeb : la vue WebKit, réduite à ce que la fenêtre en attend.
 //
-// WebKit n’a pas d’interface C++ : c’est ici que l’on parle à la sienne.
+// WebKit n’a pas d’interface C++ : c’est ici que l’on parle à la sienne, et que l’on sait ce qu’elle a de
+// particulier. Ailleurs, ActionsGtk lui emprunte les noms de ses commandes, AProposGtk sa version, et
+// DepotGtk et CurseurDeTexte s’adressent à ce que GTK voit d’elle.
+//
+// La page tourne dans d’autres processus, que WebKit lance pour elle : tout ce qu’on lui demande est
+// asynchrone, et sa mort n’est qu’un échec de navigation. Fil principal seulement.
 #pragma once
 
 #include "fenetre/Apparence.hpp"
@@ -26,6 +31,7 @@ public:
 
   Gtk::Widget& widget() { return *widget_; }
 
+  // Comme celles de fenetre::VueFenetre.
   void charger(const std::string& adresse);
   void arreterLeChargement();
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini);

@@ -1,5 +1,5 @@
-// AutreCompte : un serveur tenu par un autre compte de la machine, dans un processus à lui. Demande d’être
-// administrateur.
+// AutreCompte : un serveur tenu par un autre compte de la machine, dans un processus à lui. Demande
+// d’être administrateur.
 #pragma once
 
 #include <string>

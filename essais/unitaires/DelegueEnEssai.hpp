@@ -1,5 +1,5 @@
-// DelegueEnEssai : le délégué avec un vrai moteur, de vrais serveurs, une fenêtre sans écran et un temps
-// virtuel.
+// DelegueEnEssai : le délégué avec un vrai moteur, de vrais serveurs, une fenêtre sans écran
+// et un temps virtuel.
 #pragma once
 
 #include "BoucleVirtuelle.hpp"

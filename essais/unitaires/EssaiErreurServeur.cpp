@@ -32,19 +32,18 @@ TEST(ErreurServeur, LeLancementImpossibleCiteLeSystemeMemeMuet) {
 TEST(ErreurServeur, LAbsenceDeReponseDitLesSecondesEtLePort) {
   const PasDeReponse erreur{7777, 40, ""};
   EXPECT_EQ(explication(erreur), "Le serveur a été lancé, il n’a pas planté, mais au bout de 40 secondes il "
-                                 "ne répond toujours pas sur le "
-                                 "port 7777. Ce qu’il a écrit jusque-là est en dessous.");
+                                 "ne répond toujours pas sur le port 7777. Ce qu’il a écrit jusque-là est "
+                                 "en dessous.");
   EXPECT_EQ(journal(erreur), std::nullopt);
 }
 
 TEST(ErreurServeur, LesAutresExplicationsSontDesTextesFixes) {
   EXPECT_EQ(explication(MortAuDemarrage{"x"}), "Le serveur a démarré puis s’est arrêté tout de suite. Ce "
-                                               "qu’il a écrit avant de partir est en dessous : "
-                                               "c’est là que se trouve la vraie raison.");
+                                               "qu’il a écrit avant de partir est en dessous : c’est là "
+                                               "que se trouve la vraie raison.");
   EXPECT_EQ(explication(PerduEnRoute{"x"}),
             "Le serveur de keltrove tournait, et il vient de s’arrêter. Les terminaux qui étaient ouverts "
-            "sont fermés "
-            "; leur liste, elle, a été notée et reviendra au prochain démarrage.");
+            "sont fermés ; leur liste, elle, a été notée et reviendra au prochain démarrage.");
   EXPECT_EQ(
       explication(NodeIntrouvable{}),
       "keltrove a besoin du programme « Node » pour fonctionner, et il n’est nulle part sur cet ordinateur. "

@@ -155,9 +155,9 @@ TEST_F(EssaiMoteur, LaMarqueNEstRienSiLeServeurRepond) {
 
 TEST_F(EssaiMoteur, UnLanceurQuiFinitAlorsQuUnServeurANousRepondEstUnRattachement) {
   // Le serveur ne se dit nôtre qu’une fois son lanceur parti.
-  poser("const lanceur = process.ppid; http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? "
-        "'' : "
-        "'keltrove-jeton')).listen(PORT, '127.0.0.1', () => fs.writeFileSync('pret', ''));");
+  poser("const lanceur = process.ppid; "
+        "http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? '' : 'keltrove-jeton'))"
+        ".listen(PORT, '127.0.0.1', () => fs.writeFileSync('pret', ''));");
   poserLaPorte("cd keltrove; node serveur.mjs & while [ ! -e pret ]; do :; done");
   EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
   EXPECT_FALSE(moteur->nousLavonsAllume());
