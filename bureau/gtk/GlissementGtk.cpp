@@ -97,6 +97,8 @@ void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> f
       new Suite(std::move(fini)));
 }
 
+// GTK 4.18 déconseille tout ce qui nomme X11, sans rien offrir à la place.
+G_GNUC_BEGIN_IGNORE_DEPRECATIONS
 bool aEncoreSaSource(GdkDrop* glissement) {
 #ifdef GDK_WINDOWING_X11
   auto* ecran = gdk_drop_get_display(glissement);
@@ -106,6 +108,7 @@ bool aEncoreSaSource(GdkDrop* glissement) {
 #endif
   return true;
 }
+G_GNUC_END_IGNORE_DEPRECATIONS
 
 fenetre::MesuresDeLaVue mesurer(GtkWidget* vue, double zoom) {
   // WebKit agrandit la page comme le bureau agrandit son texte, sans le compter dans son zoom.

@@ -17,13 +17,14 @@
 using namespace keltrove;
 
 extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
+  const auto ressources = socle::dossierDesRessources(appel.executable);
   moteur::MoteurServeur::Contexte contexte{
       .boucle = std::make_shared<bureau::BoucleGlib>(),
       .horloge = std::make_shared<socle::HorlogeSysteme>(),
-      .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
+      .emplacements = moteur::Emplacements(ressources),
       .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
   };
-  const auto preparation = bureau::preparerLaBoiteAOutils();
+  const auto preparation = bureau::preparerLaBoiteAOutils(ressources);
   if (!preparation) {
     socle::direSurLaSortieDErreur(std::string(preparation.error()) + '\n');
     return EXIT_FAILURE;

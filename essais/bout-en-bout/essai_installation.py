@@ -14,7 +14,8 @@ import ecran
 from application import CONSTRUCTION, SERVEUR, la_fenetre
 from cas import Cas
 
-COMPLETIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../paquet/completions")
+PAQUET = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../paquet")
+COMPLETIONS = os.path.join(PAQUET, "completions")
 
 
 class CopieInstallee(Cas):
@@ -95,6 +96,18 @@ class CopieInstallee(Cas):
         self.assertEqual(application.quitter(), 0)
 
 
+def icones_de_la_fenetre(fenetre):
+    """Ce que montre une barre des tâches : pour chaque taille, les points, rangée après rangée."""
+    dites = subprocess.run(["xprop", "-id", str(fenetre), "-notype", "32c", "_NET_WM_ICON"], capture_output=True, text=True).stdout
+    nombres = [int(nombre) for nombre in dites.partition("=")[2].split(",")]
+    icones = {}
+    while nombres:
+        largeur, hauteur = nombres[:2]
+        icones[largeur] = nombres[2:2 + largeur * hauteur]
+        del nombres[:2 + largeur * hauteur]
+    return icones
+
+
 class ArbreConstruit(Cas):
     def test_par_un_lien_il_trouve_son_module_et_son_serveur(self):
         application = self.application(code=SERVEUR + "servir();")
@@ -104,6 +117,20 @@ class ArbreConstruit(Cas):
         application.executable = os.path.join(ailleurs, "mon keltrove")
         application.lancer().attendre("page-affichee")
         self.assertEqual(application.quitter(), 0)
+
+
+    def test_sa_fenetre_porte_son_icone(self):
+        application = self.application()
+        application.executable = os.path.join(CONSTRUCTION, "keltrove")
+        application.lancer().attendre("page-affichee")
+        icones = icones_de_la_fenetre(la_fenetre(application))
+        self.assertEqual(application.quitter(), 0)
+        self.assertLessEqual({16, 48, 128}, set(icones))
+        for taille in (16, 48, 128):
+            voulue = subprocess.run(["convert", os.path.join(PAQUET, "icones", f"{taille}.png"), "-depth", "8", "bgra:-"],
+                                    capture_output=True, check=True).stdout
+            milieu = 4 * (taille // 2 * taille + taille // 2)
+            self.assertEqual(icones[taille][taille // 2 * taille + taille // 2].to_bytes(4, "little"), voulue[milieu:milieu + 4])
 
 
 class Completions(unittest.TestCase):
