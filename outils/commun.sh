@@ -80,16 +80,11 @@ ouvrir_un_ecran_virtuel() {
   rm -f "$tube"
 }
 
+# Au retour, ils ne sont plus là : qui nous a lancés peut démonter ce qu’ils tenaient.
 fermer_l_ecran_virtuel() {
-  [ -z "${pid_gestionnaire:-}" ] || kill "$pid_gestionnaire" 2>/dev/null || true
-  [ -z "${pid_ecran:-}" ] || kill "$pid_ecran" 2>/dev/null || true
-}
-
-# attendre_l_etape <fichier> <étape> <pid> : lit le journal au fil de l’eau jusqu’à cette étape.
-attendre_l_etape() {
-  local ligne
-  while IFS= read -r ligne; do
-    case $ligne in "  [keltrove] $2 "*) return 0 ;; esac
-  done < <(timeout 120 tail -n +1 -f --pid="$3" "$1" 2>/dev/null)
-  return 1
+  local pid
+  for pid in ${pid_gestionnaire:-} ${pid_ecran:-}; do
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
 }

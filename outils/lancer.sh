@@ -42,13 +42,22 @@ if [ -z "$image" ]; then
   exit "${etat:-0}"
 fi
 
-journal=$(mktemp)
-"$racine/build/release/keltrove" 2>"$journal" &
+# Les processus de la page tiennent aussi ce tube : il finit quand le dernier d’entre eux n’est plus là.
+exec {journal}< <(exec "$racine/build/release/keltrove" 2>&1 >/dev/null)
 application=$!
-trap 'kill -TERM "$application" 2>/dev/null || true; wait "$application" || true; fermer_l_ecran_virtuel; rm -f "$journal"' EXIT
-attendre_l_etape "$journal" page-contenu "$application" || {
-  cat "$journal" >&2
-  abandonner "La page n’est pas venue : le journal de l’application est juste au-dessus."
+fermer() {
+  kill -TERM "$application" 2>/dev/null || true
+  timeout 30 cat <&"$journal" >/dev/null || true
+  fermer_l_ecran_virtuel
 }
+trap fermer EXIT
+lignes=""
+until [[ $lignes == *"[keltrove] page-contenu "* ]]; do
+  IFS= read -r -t 120 -u "$journal" ligne || {
+    printf '%s' "$lignes" >&2
+    abandonner "La page n’est pas venue : le journal de l’application est juste au-dessus."
+  }
+  lignes+=$ligne$'\n'
+done
 import -window root "$image" || abandonner "L’image n’a pas pu être écrite : $image"
 dire "Image écrite : $image"
