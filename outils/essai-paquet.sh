@@ -32,8 +32,10 @@ faire_une_debian_neuve() {
   debootstrap --variant=minbase "$1" "$neuve" "$depot" >/dev/null || abandonner "La Debian neuve n’a pas pu se faire."
   cp /etc/resolv.conf /etc/hosts "$neuve/etc/"
   # Les dépôts d’ici, à sa version ; la clé que l’un nommerait porte un autre nom là-bas.
-  [ ! -f /etc/apt/sources.list.d/debian.sources ] ||
+  if [ -f /etc/apt/sources.list.d/debian.sources ]; then
+    rm -f "$neuve/etc/apt/sources.list"
     sed "s/$ici/$1/g; /^Signed-By/d" /etc/apt/sources.list.d/debian.sources >"$neuve/etc/apt/sources.list.d/debian.sources"
+  fi
   grep -lE 'Acquire|Proxy' /etc/apt/apt.conf.d/* 2>/dev/null | xargs -r cp -t "$neuve/etc/apt/apt.conf.d/"
   local point
   for point in proc sys dev; do mount --bind "/$point" "$neuve/$point"; done

@@ -59,7 +59,7 @@ class ServiceDeNotifications(Service):
 class Ouvreur:
     """L’application par laquelle ce bureau ouvre ces types de fichiers ou d’adresses : elle note ce qu’on lui donne."""
 
-    def __init__(self, cas, *types):
+    def __init__(self, cas, *types, forme="{programme} {donne}"):
         dossier = tempfile.TemporaryDirectory()
         cas.addCleanup(dossier.cleanup)
         self.note = os.path.join(dossier.name, "note")
@@ -68,10 +68,11 @@ class Ouvreur:
         os.mkdir(applications)
         donne = "%u" if any(sorte.startswith("x-scheme-handler/") for sorte in types) else "%f"
         # Ce que l’application s’est réglé pour elle n’a pas à venir jusque-là.
-        ecrire(programme, f"#!/bin/sh\necho \"$1${{GSK_RENDERER:+ sous $GSK_RENDERER}}\" >> '{self.note}'\n")
+        ecrire(programme, f"#!/bin/sh\necho \"$*${{GSK_RENDERER:+ sous $GSK_RENDERER}}\" >> '{self.note}'\n")
         os.chmod(programme, 0o755)
         ecrire(os.path.join(applications, "ouvreur.desktop"),
-               f"[Desktop Entry]\nType=Application\nName=Ouvreur\nExec={programme} {donne}\nMimeType={';'.join(types)};\n")
+               "[Desktop Entry]\nType=Application\nName=Ouvreur\n"
+               f"Exec={forme.format(programme=programme, donne=donne)}\nMimeType={';'.join(types)};\n")
         ecrire(os.path.join(applications, "mimeapps.list"),
                "[Default Applications]\n" + "".join(f"{sorte}=ouvreur.desktop\n" for sorte in types))
 

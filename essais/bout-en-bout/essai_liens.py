@@ -36,9 +36,9 @@ DU_NAVIGATEUR = [f"x-scheme-handler/{sorte}" for sorte in ("http", "https", "mai
 
 
 class Liens(Cas):
-    def ouvrir(self, types=DU_NAVIGATEUR):
+    def ouvrir(self, types=DU_NAVIGATEUR, **lancement):
         application = self.application(code=PAGE)
-        self.navigateur = Ouvreur(self, *types)
+        self.navigateur = Ouvreur(self, *types, **lancement)
         application.variables.update(self.navigateur.variables)
         application.lancer().attendre("page-affichee")
         attendre_la_note(application, "prete")
@@ -60,6 +60,17 @@ class Liens(Cas):
         self.assertEqual(couleur(680, 500), VERT)
         self.assertEqual(application.etapes().count("page-affichee"), 1)
         application.quitter()
+
+    def test_un_navigateur_flatpak_ou_snap_les_recoit_tels_quels(self):
+        flatpak = "run --branch=stable --command=navigateur --file-forwarding fr.exemple.Navigateur @@u {donne} @@"
+        indice = "BAMF_DESKTOP_FILE_HINT=/var/lib/snapd/desktop/applications/navigateur.desktop"
+        for forme, recu in (("{programme} " + flatpak, flatpak), (f"env {indice} {{programme}} {{donne}}", "{donne}")):
+            with self.subTest(forme=forme):
+                application = self.ouvrir(forme=forme)
+                touches("a")
+                voulu = recu.format(donne="https://exemple.fr/a?b=c&d")
+                attendre(lambda: self.navigateur.notes() == [voulu], quoi=lambda: f"{voulu} (vu : {self.navigateur.notes()})")
+                application.quitter()
 
     def test_une_page_qui_en_ouvre_en_boucle_n_ouvre_rien_sans_geste_et_peu_sur_un_seul(self):
         application = self.ouvrir()

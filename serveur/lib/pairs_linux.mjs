@@ -14,7 +14,7 @@ const MENENT_ICI = [enHexa('127.0.0.1'), enHexa('0.0.0.0'), IPV6_LOCALE, '0'.rep
 export const PHRASES = {
   autre: 'Cette page appartient à un autre compte de cette machine.',
   inconnu: 'Impossible de savoir quel compte demande cette page.',
-  bac: 'Cette page ne s’ouvre pas depuis un bac à sable.',
+  bac: 'Cette page ne s’ouvre pas depuis un bac à sable, comme un navigateur installé par flatpak ou snap : prenez-en un que le système a installé.',
 };
 
 // Ouvertes une fois pour toutes : sans descripteur libre, la porte doit encore savoir à qui elle a affaire.
