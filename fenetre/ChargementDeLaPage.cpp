@@ -7,8 +7,6 @@
 namespace keltrove::fenetre {
 namespace {
 
-constexpr double delaiSansRienRecevoir = 60.0;
-
 std::string raisonDe(const EchecDeNavigation& echec) {
   switch (echec.cause) {
   case CauseDEchec::lancementRefuse:

@@ -18,6 +18,8 @@ namespace keltrove::fenetre {
 
 class ChargementDeLaPage {
 public:
+  static constexpr double delaiSansRienRecevoir = 60; // secondes
+
   // Une page qui compte est là ou rate, qu’on l’ait demandée ou non ; affichée, elle peut encore rater, si le
   // programme qui la dessine meurt. `raison` est une phrase pour l’utilisateur, ou le texte du système.
   struct Issues {

@@ -19,6 +19,9 @@ paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblew
 paquets_bancs=(xfce4-terminal chromium libxtst6 libxdamage1 xdotool python3)
 paquets_paquet=(dpkg-dev file lintian desktop-file-utils appstream man-db zsh)
 paquets_portabilite=(clang-19 clang-tidy-19 clang-format-19 gcovr libclang-rt-19-dev libc++-19-dev libc++abi-19-dev)
+# Pour le bureau macOS, construit et essayé ici contre GNUstep.
+paquets_cocoa=(clang-19 libclang-rt-19-dev libobjc-12-dev libblocksruntime-dev libgnustep-base-dev libgnustep-gui-dev
+  gnustep-back0.29-cairo gnustep-back-common gnustep-gui-runtime fonts-dejavu-core python3)
 
 est_installe() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 

@@ -1,5 +1,6 @@
 #include "socle/Texte.hpp"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -84,6 +85,24 @@ std::string enUTF8(std::string_view octets) {
     const auto lu = premier(octets);
     texte += lu.point < 0 ? std::string_view("\ufffd") : octets.substr(0, lu.octets);
     octets.remove_prefix(lu.octets);
+  }
+  return texte;
+}
+
+std::string enUTF8(std::u16string_view unites) {
+  constexpr std::int32_t remplacement = 0xFFFD;
+  const auto estHaute = [](char16_t unite) { return (unite & 0xFC00) == 0xD800; };
+  const auto estBasse = [](char16_t unite) { return (unite & 0xFC00) == 0xDC00; };
+  std::string texte;
+  for (std::size_t i = 0; i < unites.size(); ++i) {
+    std::int32_t point = unites[i];
+    if (estHaute(unites[i]) && i + 1 < unites.size() && estBasse(unites[i + 1]))
+      point = 0x10000 + ((point - 0xD800) << 10) + (unites[++i] - 0xDC00);
+    else if (estHaute(unites[i]) || estBasse(unites[i]))
+      point = remplacement;
+    std::array<utf8proc_uint8_t, 4> octets{};
+    const auto nombre = utf8proc_encode_char(point, octets.data());
+    texte.append(octets.begin(), octets.begin() + nombre);
   }
   return texte;
 }

@@ -18,6 +18,8 @@ bool estUTF8(std::string_view octets);
 
 // Les mêmes octets s’ils sont en UTF-8 ; sinon, chaque octet fautif devient U+FFFD.
 std::string enUTF8(std::string_view octets);
+// De l’UTF-16 de la machine ; une moitié de caractère seule devient U+FFFD.
+std::string enUTF8(std::u16string_view unites);
 
 // Retire des deux bouts les blancs et les fins de ligne : catégories Z*, U+0009 à U+000D, U+0085.
 std::string_view rogner(std::string_view texte);

@@ -16,6 +16,16 @@ TEST(Texte, LUTF8SeReconnaitEtSesContrefaconsNon) {
   EXPECT_TRUE(estUTF8(std::string_view("a\0b", 3)));
 }
 
+TEST(Texte, LUTF16SeTraduitEtUneMoitieSeuleEstRemplacee) {
+  EXPECT_EQ(enUTF8(u""), "");
+  EXPECT_EQ(enUTF8(u"aé€😀"), "aé€😀");
+  EXPECT_EQ(enUTF8(std::u16string_view(u"a\0b", 3)), std::string("a\0b", 3));
+  EXPECT_EQ(enUTF8(std::u16string{u'a', 0xD83D}), "a\xEF\xBF\xBD");
+  EXPECT_EQ(enUTF8(std::u16string{0xDE00, u'b'}), "\xEF\xBF\xBD"
+                                                  "b");
+  EXPECT_EQ(enUTF8(std::u16string{0xD83D, 0xD83D, 0xDE00}), "\xEF\xBF\xBD😀");
+}
+
 TEST(Texte, RognerRetireBlancsEtFinsDeLigneUnicodeDesDeuxBouts) {
   EXPECT_EQ(rogner(" \t\r\n\v\f abc  \n"), "abc");
   EXPECT_EQ(rogner("\u00A0\u2003\u2028\u2029\u0085\u3000abc\u3000\u0085\u2028"), "abc");

@@ -1,0 +1,92 @@
+#include "bureau/cocoa/ApplicationCocoa.hpp"
+
+#include "bureau/cocoa/FenetreCocoa.hpp"
+#include "bureau/cocoa/Textes.hpp"
+#include "socle/Reglages.hpp"
+
+#include <utility>
+
+@implementation DelegueApplication {
+  keltrove::app::DelegueApplication* _delegue;
+}
+
+- (instancetype)initAvecDelegue:(keltrove::app::DelegueApplication*)delegue {
+  if ((self = [super init])) _delegue = delegue;
+  return self;
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+  // La fermeture passe toujours par nous, qui devons arrêter le serveur.
+  [NSProcessInfo.processInfo disableSuddenTermination];
+  _delegue->applicationDidFinishLaunching();
+}
+
+- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
+  return YES;
+}
+
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
+  const bool maintenant =
+      _delegue->applicationShouldTerminate() == keltrove::app::ReponseFermeture::maintenant;
+  return maintenant ? NSTerminateNow : NSTerminateLater;
+}
+
+@end
+
+namespace keltrove::bureau {
+namespace {
+
+NSApplication* creerLApplication() {
+  NSApplication* application = NSApplication.sharedApplication;
+  [application setActivationPolicy:socle::Reglages::accessoire() ? NSApplicationActivationPolicyAccessory
+                                                                 : NSApplicationActivationPolicyRegular];
+  return application;
+}
+
+} // namespace
+
+ApplicationCocoa::ApplicationCocoa(std::shared_ptr<moteur::MoteurServeur> moteur,
+                                   std::shared_ptr<socle::BoucleEvenements> boucle)
+    : application_(creerLApplication()), boucle_(boucle), notifications_(boucle),
+      delegue_(std::move(moteur), std::move(boucle), *this),
+      delegueDAppKit_([[DelegueApplication alloc] initAvecDelegue:&delegue_]) {
+  application_.delegate = delegueDAppKit_;
+}
+
+void ApplicationCocoa::faireTourner() {
+  [application_ run];
+}
+
+std::unique_ptr<fenetre::VueFenetre>
+ApplicationCocoa::creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) {
+  return std::make_unique<FenetreCocoa>(observateur);
+}
+
+void ApplicationCocoa::activerLApplication() {
+  [application_ activateIgnoringOtherApps:YES];
+}
+
+void ApplicationCocoa::ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) {
+  NSURL* url = [NSURL URLWithString:enNSString(adresse)];
+  if (url == nil) {
+    boucle_->poster(std::move(rate));
+    return;
+  }
+  const auto boucle = boucle_;
+  [NSWorkspace.sharedWorkspace openURL:url
+                         configuration:[NSWorkspaceOpenConfiguration configuration]
+                     completionHandler:^(NSRunningApplication*, NSError* erreur) {
+                       if (erreur != nil) boucle->poster(rate);
+                     }];
+}
+
+void ApplicationCocoa::demanderLaFermeture() {
+  [application_ terminate:nil];
+}
+
+void ApplicationCocoa::partir() {
+  // Une réponse donnée pendant la question même se perdrait.
+  boucle_->poster([application = application_] { [application replyToApplicationShouldTerminate:YES]; });
+}
+
+} // namespace keltrove::bureau

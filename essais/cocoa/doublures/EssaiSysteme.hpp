@@ -1,0 +1,18 @@
+// EssaiSysteme : ce que l’application demande au reste du système, noté. Fil principal seulement.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace essais {
+
+struct SystemeNote {
+  std::vector<std::string> adressesOuvertes;
+  bool rienNOuvre = false;           // aucune application ne sait ouvrir d’adresse
+  std::vector<std::string> annonces; // lues au lecteur d’écran
+  int activations = 0;
+  int pleinsEcrans = 0;
+};
+SystemeNote& systemeNote();
+
+} // namespace essais

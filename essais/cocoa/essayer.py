@@ -1,0 +1,154 @@
+"""Joue chaque scénario dans son processus, avec sa maison et son serveur, puis regarde ce qu’il laisse derrière lui."""
+
+import concurrent.futures
+import ctypes
+import json
+import os
+import pathlib
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+from cas import CAS, Cas
+
+CONSTRUCTION = pathlib.Path(os.environ["KELTROVE_CONSTRUCTION"])
+DOSSIER = CONSTRUCTION / "essais" / "cocoa"
+PATIENCE = 150  # secondes ; un scénario abandonne de lui-même bien avant
+A_LA_FOIS = 3
+VENUES_QUAND_ELLES_PEUVENT = {"sante", "page-contenu"}
+PR_SET_CHILD_SUBREAPER = 36
+
+CONFIGURATION = """GNUSTEP_USER_DIR_LIBRARY={maison}/GNUstep
+GNUSTEP_USER_DEFAULTS_DIR={reglages}
+"""
+
+
+def port_libre():
+    with socket.socket() as prise:
+        prise.bind(("127.0.0.1", 0))
+        return prise.getsockname()[1]
+
+
+def repond(port):
+    with socket.socket() as prise:
+        return prise.connect_ex(("127.0.0.1", port)) == 0
+
+
+class Essai:
+    def __init__(self, nom, cas):
+        self.nom, self.cas = nom, cas
+        self.racine = pathlib.Path(tempfile.mkdtemp(prefix="keltrove cocoa é "))
+        self.port = port_libre()
+
+    def preparer(self):
+        maison = self.racine / "maison"
+        (maison / ".zelcor").mkdir(parents=True)
+        (maison / ".zelcor" / "keltrove.json").write_text(json.dumps({"port": self.port}))
+        application = self.racine / "application"
+        application.mkdir()
+        if self.cas.serveur == "vrai":
+            (application / "ressources").symlink_to(CONSTRUCTION / "ressources")
+        elif self.cas.serveur:
+            code = application / "ressources" / "keltrove"
+            code.mkdir(parents=True)
+            (code / "serveur.mjs").write_text(self.cas.serveur.replace("%PORT%", str(self.port)))
+        reglages = maison / "reglages"
+        if self.cas.reglages_illisibles:
+            reglages.write_text("un fichier, là où il faut un dossier")
+        (self.racine / "GNUstep.conf").write_text(CONFIGURATION.format(maison=maison, reglages=reglages))
+
+    def environnement(self):
+        return {
+            **{nom: valeur for nom, valeur in os.environ.items() if not nom.startswith("KELTROVE_")},
+            "HOME": str(self.racine / "maison"),
+            "GNUSTEP_CONFIG_FILE": str(self.racine / "GNUstep.conf"),
+            "KELTROVE_EXECUTABLE_D_ESSAI": str(self.racine / "application" / "Keltrove"),
+            "KELTROVE_SCENARIO": self.nom,
+            "KELTROVE_PORT_D_ESSAI": str(self.port),
+            **self.cas.environnement,
+        }
+
+    def jouer(self, voisin):
+        programme = DOSSIER / "scenarios" if self.cas.nu else DOSSIER / "Keltrove.app" / "Keltrove"
+        for tour in range(self.cas.lancements):
+            fini = subprocess.run([programme], capture_output=True, text=True, errors="replace", timeout=PATIENCE,
+                                  stdin=subprocess.DEVNULL,
+                                  env={**self.environnement(), "KELTROVE_LANCEMENT": str(tour)})
+            yield from self.juger(fini, voisin)
+
+    def juger(self, fini, voisin):
+        lignes = [ligne for ligne in fini.stderr.splitlines() if ligne]
+        etapes = [ligne.split()[1] for ligne in lignes if ligne.startswith("  [keltrove] ")]
+        etapes = [etape for etape in etapes if etape not in VENUES_QUAND_ELLES_PEUVENT]
+        bruit = [ligne for ligne in lignes if not ligne.startswith("  [keltrove] ")]
+        if fini.returncode != 0:
+            yield f"état {fini.returncode}"
+        if bruit:
+            yield "dit sur la sortie d’erreur :\n    " + "\n    ".join(bruit[:60])
+        if etapes[len(etapes) - len(self.cas.fin):] != self.cas.fin:
+            yield f"finit par {etapes}, non par {self.cas.fin}"
+        if voisin and not repond(self.port):
+            yield "le serveur auquel on s’est rattaché ne répond plus"
+        if not voisin and repond(self.port):
+            yield "le serveur répond encore"
+
+    def essayer(self):
+        voisin = None
+        self.preparer()
+        try:
+            if self.cas.voisin:
+                voisin = subprocess.Popen(["node", CONSTRUCTION / "ressources" / "keltrove" / "serveur.mjs"],
+                                          env=self.environnement(), stdout=subprocess.DEVNULL,
+                                          stderr=subprocess.DEVNULL, start_new_session=True)
+                while not repond(self.port):
+                    time.sleep(0.01)
+            return list(self.jouer(voisin))
+        except subprocess.TimeoutExpired as trop_long:
+            return [f"ne finit pas : {(trop_long.stderr or b'').decode(errors='replace')}"]
+        finally:
+            if voisin:
+                os.killpg(voisin.pid, signal.SIGKILL)
+                voisin.wait()
+            shutil.rmtree(self.racine, ignore_errors=True)
+
+
+def finir_les_orphelins():
+    """Un scénario raté laisse le serveur que l’application avait allumé ; il nous revient, et nous l’arrêtons."""
+    enfants = pathlib.Path(f"/proc/{os.getpid()}/task/{os.getpid()}/children").read_text().split()
+    for enfant in map(int, enfants):
+        os.kill(enfant, signal.SIGKILL)
+        os.waitpid(enfant, 0)
+
+
+def essayer(nom):
+    debut = time.monotonic()
+    fautes = Essai(nom, CAS.get(nom, Cas())).essayer()
+    print(f"{'ÉCHEC ' if fautes else 'réussi'} {nom} ({time.monotonic() - debut:.1f} s)", flush=True)
+    for faute in fautes:
+        print(f"  {faute}", flush=True)
+    return not fautes
+
+
+def principal():
+    ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+    noms = subprocess.run([DOSSIER / "scenarios"], capture_output=True, text=True, check=True).stdout.split()
+    inconnus = CAS.keys() - set(noms)
+    if inconnus:
+        sys.exit(f"Aucun scénario de ce nom : {inconnus}")
+    filtres = [filtre.lower() for filtre in sys.argv[1:]]
+    choisis = [nom for nom in noms if not filtres or any(filtre in nom.lower() for filtre in filtres)]
+    # Les plus longs d’abord.
+    choisis.sort(key=lambda nom: -CAS.get(nom, Cas()).duree)
+    with concurrent.futures.ThreadPoolExecutor(A_LA_FOIS) as ensemble:
+        reussis = sum(ensemble.map(essayer, choisis))
+    finir_les_orphelins()
+    print(f"{reussis} scénarios réussis sur {len(choisis)}")
+    sys.exit(0 if choisis and reussis == len(choisis) else 1)
+
+
+if __name__ == "__main__":
+    principal()

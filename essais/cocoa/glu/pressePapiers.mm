@@ -1,0 +1,40 @@
+// Lire et écrire des objets dans un presse-papiers, sur les types que GNUstep 0.29 connaît.
+
+#import <AppKit/AppKit.h>
+
+NSString* const NSPasteboardTypeFileURL = @"public.file-url";
+NSString* const NSPasteboardURLReadingFileURLsOnlyKey = @"NSPasteboardURLReadingFileURLsOnlyKey";
+
+@implementation NSPasteboard (Manquant)
+- (NSArray*)readObjectsForClasses:(NSArray*)classes options:(NSDictionary*)options {
+  NSMutableArray* lus = [NSMutableArray array];
+  if (![classes containsObject:[NSURL class]]) return lus;
+  if ([self.types containsObject:NSFilenamesPboardType]) {
+    for (NSString* chemin in [self propertyListForType:NSFilenamesPboardType])
+      [lus addObject:[NSURL fileURLWithPath:chemin]];
+    return lus;
+  }
+  NSURL* adresse = [self.types containsObject:NSURLPboardType] ? [NSURL URLFromPasteboard:self] : nil;
+  const BOOL fichiersSeulement = [options[NSPasteboardURLReadingFileURLsOnlyKey] boolValue];
+  if (adresse && (adresse.isFileURL || !fichiersSeulement)) [lus addObject:adresse];
+  return lus;
+}
+
+- (BOOL)writeObjects:(NSArray*)objets {
+  NSMutableArray* chemins = [NSMutableArray array];
+  for (id objet in objets)
+    if ([objet isKindOfClass:[NSURL class]] && [objet isFileURL]) [chemins addObject:[objet path]];
+  if (chemins.count > 0) {
+    [self declareTypes:@[ NSFilenamesPboardType ] owner:nil];
+    return [self setPropertyList:chemins forType:NSFilenamesPboardType];
+  }
+  id premier = objets.firstObject;
+  if ([premier isKindOfClass:[NSURL class]]) {
+    [self declareTypes:@[ NSURLPboardType ] owner:nil];
+    [premier writeToPasteboard:self];
+    return YES;
+  }
+  [self declareTypes:@[ NSStringPboardType ] owner:nil];
+  return [self setString:premier forType:NSStringPboardType];
+}
+@end
