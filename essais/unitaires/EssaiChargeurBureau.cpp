@@ -21,8 +21,7 @@ TEST(EssaiChargeurBureau, UnModuleIllisibleDonneSaRaison) {
   const auto lancer = chargerLeBureau(maison.chemin("bin/keltrove"));
   ASSERT_FALSE(lancer);
   EXPECT_TRUE(lancer.error().starts_with(
-      "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou "
-      "ne convient pas (" +
+      "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne convient pas (" +
       maison.chemin("bin/")))
       << lancer.error();
   EXPECT_TRUE(lancer.error().ends_with("). Réinstallez l’application.")) << lancer.error();
