@@ -23,9 +23,11 @@ public:
 
   // Repart de zéro, même active ; le premier regard a lieu six secondes plus tard.
   void demarrer();
+  // Aucun `quandPerdu` ne vient plus, même d’un regard en cours.
   void arreter();
   // Jusqu’à l’arrêt, ou jusqu’à la perte.
   bool active() const;
+  // Ceux de la surveillance en cours, ou de la dernière.
   int echecsDaffilee() const;
 
 private:

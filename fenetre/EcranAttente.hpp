@@ -41,11 +41,14 @@ public:
   std::function<void(const EtatEcran&)> quandOnDessine;
   std::function<void()> quandOnReessaie;
 
+  // Le visage d’attente, sans bouton ; un détail déplié se referme.
   void montrerAttente(const std::string& titre, const std::string& phrase);
   // Le détail se déplie sur demande ; un détail vide n’a pas de bouton.
   void montrerProbleme(const std::string& titre, const std::string& phrase, const std::string& conseil,
                        const std::optional<std::string>& detail);
+  // De même, avec les textes de l’erreur et ce que le serveur a écrit.
   void montrerErreur(const moteur::ErreurServeur& erreur);
+  // La page se voit ; les textes restent tels qu’ils étaient.
   void cacher();
 
   // Les boutons.

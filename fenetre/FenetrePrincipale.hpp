@@ -47,6 +47,7 @@ public:
   // À la fermeture : plus rien de ce qui arrive à la page ne change l’écran ni le journal.
   void ignorerLaPage();
 
+  // Ses parties, pour qui l’a créée ; elles vivent autant qu’elle.
   VueFenetre& vue() { return *vue_; }
   ChargementDeLaPage& chargement() { return chargement_; }
   EcranAttente& ecran() { return ecran_; }

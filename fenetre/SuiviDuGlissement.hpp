@@ -40,6 +40,8 @@ public:
   // Faux dès qu’il est à la vue web.
   bool estANous() const { return contenu_ != Contenu::autre; }
 
+  // Ce que le bureau en voit, dans l’ordre où cela lui vient. Un mouvement avant que l’on sache ce qu’il
+  // porte n’est que retenu ; un dépôt alors attend, et se conclut à apprendre().
   void entrer(const Point& point, const MesuresDeLaVue& vue);
   void bouger(const Point& point, const MesuresDeLaVue& vue);
   void sortir();
@@ -49,6 +51,7 @@ public:
   // L’écran d’attente couvre la page, qui ne reçoit plus rien.
   void couvrir(bool couverte);
 
+  // Il est au-dessus de la vue, quoi qu’il porte.
   bool survole() const { return dessus_; }
 
 private:

@@ -58,6 +58,7 @@ public:
   virtual void quandNavigationFinie() = 0;
   virtual void quandNavigationRatee(const EchecDeNavigation& echec) = 0;
 
+  // Les boutons de l’écran d’attente, et l’article « Recharger la page ».
   virtual void quandOnReessaie() = 0;
   virtual void quandOnBasculeLeDetail() = 0;
   virtual void quandOnRecharge() = 0;

@@ -42,7 +42,8 @@ Point pointDansLaPage(const Point& point, const MesuresDeLaVue& vue);
 
 class VueWebDepot {
 public:
-  // À exécuter dans chaque page du cadre principal, avant tout autre script.
+  // À exécuter dans chaque page du cadre principal, avant tout autre script : la page y apprend qu’elle
+  // recevra des chemins (serveur/page/depot.js).
   static constexpr const char* scriptDOuverture =
       "window.keltroveApp = Object.freeze({ depotChemins: true });";
 
@@ -57,18 +58,23 @@ public:
 
   explicit VueWebDepot(AppelDeLaPage appelerLaPage);
 
+  // Un glissement entre, et dit s’il porte des fichiers : les suivantes s’en souviennent. Entrer
+  // de nouveau le redit.
   Reponse draggingEntered(const Glissement& glissement);
   Reponse draggingUpdated(const Glissement& glissement);
   Reponse draggingExited();
   // La fin du glissement, ici ou ailleurs ; la vue web n’en est jamais prévenue.
   void draggingEnded();
+  // Lâché : le prend-on ?
   Reponse prepareForDragOperation() const;
   // Rien : à la vue web de faire. Sinon, vrai si des chemins ont été remis.
   std::optional<bool> performDragOperation(const Glissement& glissement);
+  // Remis ou non, il n’y a plus de glissement.
   Reponse concludeDragOperation();
   // Un dépôt d’adresses que la vue web ne verra pas : la page le reçoit comme elle l’aurait reçu d’elle.
   void deposerDesAdresses(const std::string& adresses, const Glissement& glissement);
 
+  // Des fichiers survolent la page, et elle le sait.
   bool glisserDeFichiers() const { return glisserDeFichiers_; }
 
 private:

@@ -26,6 +26,7 @@ struct Identite {
   pid_t pid = -1;
   std::uint64_t naissance = 0; // unité propre au système ; ne sert qu’à la comparaison
 };
+// Un processus déjà fini garde la naissance 0, et enVie() dira qu’il ne vit plus.
 Identite identifier(pid_t pid);
 
 // Vrai tant que ce processus-là existe et n’est pas un zombie. Dans le doute (le système ne le montre plus,

@@ -19,6 +19,7 @@ namespace keltrove::moteur {
 
 class ArretServeur {
 public:
+  // Les phrases que MoteurServeur rend lui-même, faute de serveur à arrêter ou de fil pour l’attendre.
   static constexpr const char* rienAArreter =
       "Le serveur de keltrove continue de tourner : ce n’est pas cette application qui l’a allumé.";
   static constexpr const char* tropLong =

@@ -29,6 +29,7 @@ public:
 
   // Le script qui vérifie une copie installée avant de lancer son serveur ; il passe avant tout le reste.
   std::optional<std::string> porteDuLotB() const;
+  // Le premier des candidats ci-dessous qui soit exécutable, ou qui existe ; rien s’il n’y en a aucun.
   std::optional<std::string> node() const;
   std::optional<std::string> serveur() const;
   // Ce script s’il est là ; sinon node et le code du serveur ; rien s’il manque l’un des deux.

@@ -15,7 +15,7 @@ namespace keltrove::moteur {
 
 class LignesServeur {
 public:
-  static constexpr std::size_t maximum = 60;
+  static constexpr std::size_t maximum = 60; // morceaux
 
   // Un bloc qui n’est pas de l’UTF-8 valide en entier est ignoré. Les blocs ne sont pas recollés : une ligne
   // lue en deux fois compte pour deux.

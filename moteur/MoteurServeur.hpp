@@ -73,6 +73,7 @@ public:
   bool cEstBienKeltrove(int port) const { return moteur::cEstBienKeltrove(port); }
   std::optional<Sante> sante(int port) const { return moteur::sante(port); }
 
+  // Ce que le serveur lancé a écrit ; rien d’un serveur auquel on s’est rattaché.
   std::optional<std::string> messageDeMiseAJour() const { return lignes_->messageDeMiseAJour(); }
   const LignesServeur& lignesJournal() const { return *lignes_; }
 

@@ -18,6 +18,7 @@ enum class Tenant {
   inconnu,               // ce système ne le dit pas
 };
 
+// Ce que le système en dit à cet instant ; un autre peut prendre le port aussitôt après.
 Tenant tenantDuPort(int port);
 
 // La même réponse, tirée des prises à l’écoute ; `nous` est notre compte. Une prise que localhost n’atteint

@@ -42,6 +42,7 @@ using Remise = std::variant<Posee, Refusee, CentreAbsent>;
 // remet à plus tard ce qui touche à la fenêtre.
 class DelegueDuCentre {
 public:
+  // `terminal` est celui de la notification cliquée.
   virtual void quandOnClique(const std::optional<std::string>& terminal) = 0;
 
 protected:

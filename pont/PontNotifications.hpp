@@ -19,7 +19,8 @@ namespace keltrove::pont {
 
 class PontNotifications final : DelegueDuCentre {
 public:
-  // Le nom sous lequel la page écrit : window.webkit.messageHandlers.keltroveNotifications.
+  // Le nom sous lequel la page écrit, `window.webkit.messageHandlers.keltroveNotifications`
+  // (serveur/page/notifications.js).
   static constexpr const char* nomDuCanal = "keltroveNotifications";
 
   // Le centre et la boucle survivent au pont.
@@ -49,6 +50,7 @@ public:
   void redireLEtat();
   // Celle du même terminal est remplacée. Textes tels quels : à l’appelant de les avoir bornés.
   void poser(const std::optional<std::string>& terminal, const std::string& titre, const std::string& corps);
+  // Ceux du système, là où il en a.
   void ouvrirLesReglagesDeNotification();
   // Plus tard, par la boucle ; se perd sans vue.
   void executerDansLaPage(const std::string& ligne);

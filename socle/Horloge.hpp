@@ -10,6 +10,7 @@ namespace keltrove::socle {
 class Horloge {
 public:
   virtual ~Horloge() = default;
+  // En secondes ; seule la différence de deux dates a un sens.
   virtual double maintenant() const = 0;
   // Endort le fil appelant cette durée au moins ; jamais le fil principal.
   virtual void dormir(double secondes) = 0;

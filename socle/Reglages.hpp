@@ -12,6 +12,7 @@
 
 namespace keltrove::socle::Reglages {
 
+// Le même que celui du serveur (serveur/lib/reglages.mjs) : ils doivent se trouver sans se parler.
 inline constexpr int portParDefaut = 7777;
 
 // HOME si elle est présente et non vide ; sinon le dossier personnel que le système connaît ; sinon « / ».

@@ -20,6 +20,7 @@ namespace keltrove::verification {
 
 class Empreintes {
 public:
+  // Tient le dossier ouvert : le renommer pendant le calcul n’y change rien.
   explicit Empreintes(const std::string& dossier);
   Empreintes(const Empreintes&) = delete;
   Empreintes& operator=(const Empreintes&) = delete;

@@ -10,6 +10,7 @@
 
 namespace keltrove::verification {
 
+// Sur place.
 void trierSelonLOrdreCanonique(std::vector<std::string>& textes);
 
 // Le premier d’une liste qui n’est pas vide.

@@ -21,6 +21,7 @@ class MenusGtk {
 public:
   explicit MenusGtk(Gtk::Window& fenetre);
 
+  // À placer en haut de la fenêtre ; vide jusqu’à poser().
   Gtk::Widget& barre() { return barre_; }
   // Une fois ; les menus de la table sont lus ici, non gardés.
   void poser(const std::vector<fenetre::Menus::Menu>& menus, Gtk::Application& application);

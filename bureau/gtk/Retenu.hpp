@@ -12,6 +12,7 @@ namespace keltrove::bureau {
 // Un cadre par nom, dans $XDG_STATE_HOME/keltrove ; tel qu’écrit, même immontrable. Rien si le fichier manque
 // ou ne se lit pas. La place à l’écran n’en fait pas partie : une fenêtre GTK ne choisit pas la sienne.
 std::optional<fenetre::Cadre> lireLeCadre(const std::string& nom);
+// Remplace ce qui l’était sous ce nom.
 void retenirLeCadre(const std::string& nom, const fenetre::Cadre& cadre);
 
 // Lève un drapeau, pour toujours, dans $XDG_CONFIG_HOME/keltrove/preferences.

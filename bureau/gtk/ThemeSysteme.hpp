@@ -11,6 +11,7 @@ namespace keltrove::bureau {
 
 class ThemeSysteme {
 public:
+  // Le portail répond plus tard : le thème peut changer une fois la fenêtre montrée.
   ThemeSysteme();
   ThemeSysteme(const ThemeSysteme&) = delete;
   ThemeSysteme& operator=(const ThemeSysteme&) = delete;

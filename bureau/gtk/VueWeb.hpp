@@ -29,6 +29,7 @@ public:
   VueWeb& operator=(const VueWeb&) = delete;
   ~VueWeb();
 
+  // Il vit autant que la vue, et peut se placer où l’on veut.
   Gtk::Widget& widget() { return *widget_; }
 
   // Comme celles de fenetre::VueFenetre.
@@ -37,11 +38,14 @@ public:
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini);
   // Exécute le corps d’une fonction dont les arguments sont nommés ; résultat et erreurs sont ignorés.
   void appeler(const char* corps, const nlohmann::json& arguments);
+  // Ce que l’on voit tant que la page n’a rien peint.
   void peindreLeFond(const fenetre::Apparence::Couleur& couleur);
 
   // Une commande d’édition de WebKit, sur ce qui a le clavier dans la page.
   void editer(const char* commande);
+  // La page le dit plus tard ; faux si elle n’en sait rien.
   void siLEditionPeut(const char* commande, std::function<void(bool)> fini);
+  // Un, quand la page n’est ni grossie ni réduite.
   double zoom() const { return webkit_web_view_get_zoom_level(vue_); }
 
 private:
