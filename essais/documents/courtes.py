@@ -27,19 +27,17 @@ def courir(*mots, **options):
 
 
 def des_essais_unitaires():
-    """Chaque filtre trouve des essais, et ils passent."""
+    """Chaque filtre trouve des essais ; ceux que l’on lance sans ctest, qui nous lance, passent."""
     for ligne in LIGNES:
         for _, _, mots in commandes(ligne):
             if mots[0] == "ctest":
-                passe = courir("ctest", "--test-dir", CONSTRUCTION, "-R", mots[mots.index("-R") + 1], "--no-tests=error")
+                passe = courir("ctest", "--test-dir", CONSTRUCTION, "-N", "-R", mots[mots.index("-R") + 1])
             elif mots[0].endswith("/essais_unitaires"):
-                passe = courir(CONSTRUCTION / "essais/unitaires/essais_unitaires", *mots[1:], "--gtest_fail_fast")
-                if "0 tests from 0 test suites" in passe.stdout:
-                    yield f"« {ligne} » ne trouve aucun essai"
+                passe = courir(CONSTRUCTION / "essais/unitaires/essais_unitaires", *mots[1:])
             else:
                 continue
-            if passe.returncode != 0:
-                yield f"« {ligne} » échoue :\n{passe.stdout[-2000:]}"
+            if passe.returncode != 0 or re.search(r"Total Tests: 0$|^Running 0 tests|0 tests from 0", passe.stdout, re.M):
+                yield f"« {ligne} » échoue, ou ne trouve aucun essai :\n{passe.stdout[-2000:]}"
 
 
 def la_signature(dossier):

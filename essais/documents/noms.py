@@ -10,8 +10,9 @@ FONCTION = re.compile(r"(\w+)(?:::|\.)(\w+)(?:\(\))?")
 
 
 def porte(mot):
-    """Un mot du code : il y figure tel quel."""
-    return any(mot in texte for texte in SOURCES.values())
+    """Un mot du code : il y figure en entier."""
+    entier = re.compile(rf"(?<![\w-]){re.escape(mot)}(?![\w-])")
+    return any(mot in texte and entier.search(texte) for texte in SOURCES.values())
 
 
 def faute(nom):
