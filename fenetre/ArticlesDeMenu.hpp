@@ -9,7 +9,9 @@
 
 namespace keltrove::fenetre::Menus {
 
-// Les actions portent le nom que la plate-forme d’origine leur donne (« undo » pour « undo: »).
+// Les actions portent le nom que la plate-forme d’origine leur donne (« undo » pour « undo: ») : un
+// bureau AppKit les envoie telles quelles, un autre en fait des actions du même nom. Seule
+// « rechargerVraiment » est à nous.
 enum class Action {
   orderFrontStandardAboutPanel,
   hide,
@@ -47,6 +49,7 @@ struct Modificateurs {
   bool operator==(const Modificateurs&) const = default;
 };
 
+// Une touche de lettre ; la majuscule est dans les modificateurs.
 struct Raccourci {
   char lettre; // minuscule
   Modificateurs modificateurs{};
@@ -70,6 +73,7 @@ struct Article {
 // façon, et celui où ils ajoutent les fenêtres ouvertes.
 enum class Role { ordinaire, application, fenetres };
 
+// Les articles, de haut en bas ; ni séparateur au bout, ni sous-menu.
 struct Menu {
   std::string titre; // vide pour celui de l’application
   std::vector<std::variant<Article, Separateur>> articles;

@@ -25,7 +25,8 @@ public:
   // Avec ce que l’utilisateur a choisi pour elle, sans attendre. `rate` vient plus tard si
   // rien ne sait l’ouvrir.
   virtual void ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) = 0;
-  // Prend le chemin de la fermeture, comme l’article « Quitter ».
+  // Prend le chemin de la fermeture, comme l’article « Quitter » : la question au délégué, et
+  // l’attente s’il le faut.
   virtual void demanderLaFermeture() = 0;
   // La réponse définitive à une fermeture remise à plus tard : la boucle d’événements s’arrête, le
   // processus se termine.

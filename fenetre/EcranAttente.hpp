@@ -16,14 +16,14 @@ namespace keltrove::fenetre {
 // Tout ce que la vue doit montrer. Un texte vide n’occupe aucune place. Le détail vient d’un serveur : il
 // peut compter quelques mégaoctets.
 struct EtatEcran {
-  bool visible = true;
-  bool roue = false;
+  bool visible = true; // sinon l’écran s’efface, et la page reçoit de nouveau la frappe
+  bool roue = false;   // l’on attend
   std::string titre;
   std::string phrase;
   std::string conseil;
   bool boutonReessayer = false; // la touche Entrée le presse, où que soit le clavier sur l’écran
   std::string titreDuBoutonReessayer = "Réessayer";
-  bool boutonDetail = false;
+  bool boutonDetail = false; // déplie le cadre, ou le replie
   std::string titreDuBoutonDetail = "Voir le détail";
   bool cadreDetail = false;
   std::string detail;

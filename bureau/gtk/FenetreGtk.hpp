@@ -30,7 +30,8 @@ public:
   // Pour la prochaine fois, et si elle est agrandie. Une fenêtre que personne n’a vue ne retient rien.
   void retenirLaTaille() const;
 
-  // Le droit de prendre le clavier au prochain mettreDevant, que le bureau refuserait sinon.
+  // Le droit de prendre le clavier au prochain mettreDevant, que le bureau refuserait sinon. Il vient d’une
+  // notification cliquée, et ne sert qu’une fois.
   void recevoirLeJeton(const std::string& jeton);
 
   void dessiner(const fenetre::EtatEcran& etat) override;

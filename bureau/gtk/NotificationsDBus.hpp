@@ -28,7 +28,7 @@ public:
 
   // À poser avant la première notification.
   std::function<bool()> applicationDevant;
-  // Le droit de prendre le clavier que le service joint à un clic, juste avant lui.
+  // Le droit de prendre le clavier que le service joint à un clic, juste avant lui ; tous ne le font pas.
   std::function<void(const std::string& jeton)> quandUnJetonArrive;
 
   void lireLesReglages(std::function<void(pont::Autorisation)> fini) override;

@@ -9,7 +9,8 @@ namespace keltrove::bureau {
 // Pour toute l’application : ses règles portent sur les classes que nos éléments se donnent.
 Glib::ustring feuilleDeStyle();
 
-// Vrai si le thème du système est sombre : s’il écrit en clair, dans cette fenêtre.
+// Vrai si le thème du système est sombre : s’il écrit en clair, dans cette fenêtre. Le nom d’un thème ne
+// le dit pas toujours.
 bool themeSombre(Gtk::Widget& fenetre);
 
 } // namespace keltrove::bureau

@@ -14,7 +14,8 @@ namespace keltrove::bureau {
 // Le nom que dit un lecteur d’écran.
 void nommer(Gtk::Widget& element, const Glib::ustring& nom);
 
-// Les barres de défilement que GTK a mises dans cet élément.
+// Les barres de défilement que GTK a mises dans cet élément ; celles qu’il y mettra plus
+// tard n’ont pas de nom.
 void nommerLesAscenseurs(Gtk::Widget& racine);
 
 // De même, et les enveloppes dont GTK entoure les articles d’un menu.

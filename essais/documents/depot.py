@@ -21,7 +21,7 @@ def _suivre():
 
 FICHIERS = sorted(_suivre())
 # Ce que les documents décrivent : tout, sauf eux, les images et les listes que des outils écrivent.
-SOURCES = {nom: lire(nom) for nom in FICHIERS if nom not in DOCUMENTS and not nom.endswith((".png", ".pyc", "package-lock.json"))}
+SOURCES = {nom: lire(nom) for nom in FICHIERS if nom not in DOCUMENTS and not nom.endswith((".png", ".icns", ".pyc", "package-lock.json"))}
 
 
 def est_la(chemin):
