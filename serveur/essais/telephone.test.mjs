@@ -86,3 +86,22 @@ essai('l’historique défile du doigt', async (page) => {
   await page.evaluer('import("/terminaux.js").then(({ choisie }) => { window.choisie = choisie; })');
   await page.attendre('(({ viewportY, baseY }) => viewportY < baseY - 5)(choisie().terminal.buffer.active)');
 });
+
+// Le doigt reste posé tant que le menu n’est pas là ; levé, il le laisse ouvert.
+const presser = async (page, choix) => {
+  const { x, y } = await page.centre(choix);
+  await page.demander('Input.dispatchTouchEvent', { type: 'touchStart', touchPoints: [{ x, y }] });
+  await page.attendre('!document.querySelector(".fond-de-menu").hidden');
+  await page.demander('Input.dispatchTouchEvent', { type: 'touchEnd', touchPoints: [] });
+};
+const articles = (page) => page.evaluer('[...document.querySelectorAll(".menu button")].map(({ ariaLabel }) => ariaLabel)');
+
+essai('le doigt posé longtemps ouvre le menu du terminal, puis celui de l’onglet', async (page) => {
+  await presser(page, '.panneau:not([hidden]) .xterm-screen');
+  assert.deepEqual((await articles(page)).slice(0, 3), ['Copier', 'Coller', 'Tout sélectionner']);
+  await tenir(page, 'telephone-menu');
+  await toucher(page, '.menu button[aria-label="Nouveau terminal"]');
+  await page.attendre('document.querySelectorAll(".onglet").length === 2');
+  await presser(page, '.onglet');
+  assert.deepEqual(await articles(page), ['Renommer', 'Fermer', 'Nouveau terminal']);
+});

@@ -1,12 +1,13 @@
 import { aviser } from '/avis.js';
+import { suivreLAppuiLong } from '/doigt.js';
 import { envoyer } from '/liaison.js';
 import { lienSurvole } from '/liens.js';
 import { menuOuvert, ouvrirUnMenu } from '/menu.js';
 import { fermer, renommer } from '/rangee.js';
 import { choisie, choisir, rendreLeFocus, vues } from '/terminaux.js';
 
-// Les menus du bouton droit, de la touche Menu et de Maj+F10, que l’interpréteur ne reçoit donc pas. `gestes` : ceux de la
-// page, sous la lettre de leur raccourci.
+// Les menus du bouton droit, du doigt posé longtemps, de la touche Menu et de Maj+F10, que l’interpréteur ne reçoit donc
+// pas. `gestes` : ceux de la page, sous la lettre de leur raccourci.
 export function poserLesMenus(gestes) {
   const ouvrir = (cible, point) => {
     const sous = lire(cible);
@@ -25,6 +26,8 @@ export function poserLesMenus(gestes) {
     evenement.preventDefault();
     if (!menuOuvert() && !estAuProgramme(target, shiftKey)) ouvrir(target, { x, y });
   }, true);
+
+  suivreLAppuiLong((cible, point) => !menuOuvert() && ouvrir(cible, point));
 
   addEventListener('keydown', (evenement) => {
     const { key, ctrlKey, altKey, metaKey, shiftKey } = evenement;

@@ -15,3 +15,30 @@ export function suivreLeDoigt(panneau, terminal) {
   panneau.addEventListener('touchstart', poser, { passive: true });
   panneau.addEventListener('touchmove', glisser, { passive: true });
 }
+
+const [ASSEZ_LONG, AU_PLUS] = [500, 10];
+
+// Un doigt posé une demi-seconde sans bouger vaut le bouton droit, ce que tous les navigateurs n’en déduisent pas. Levé, il
+// n’est plus un clic, qui fermerait ce qu’il a ouvert.
+export function suivreLAppuiLong(quandOnAppuie) {
+  let attente = null;
+  let [x, y, long] = [0, 0, false];
+  const renoncer = () => clearTimeout(attente);
+  const suivre = (nom, faire, passive = true) => addEventListener(nom, faire, { capture: true, passive });
+  suivre('touchstart', ({ touches, target }) => {
+    renoncer();
+    long = false;
+    if (touches.length !== 1) return;
+    [x, y] = [touches[0].clientX, touches[0].clientY];
+    attente = setTimeout(() => {
+      long = true;
+      quandOnAppuie(target, { x, y });
+    }, ASSEZ_LONG);
+  });
+  suivre('touchmove', ({ touches: [{ clientX, clientY }] }) => Math.hypot(clientX - x, clientY - y) > AU_PLUS && renoncer());
+  suivre('touchcancel', renoncer);
+  suivre('touchend', (evenement) => {
+    renoncer();
+    if (long) evenement.preventDefault();
+  }, false);
+}
