@@ -167,7 +167,9 @@ essai('copier, tout sélectionner et coller, comme depuis un menu', async (page)
 });
 
 essai('copier sans rien de sélectionné n’interrompt pas le programme', async (page) => {
-  await lancerUneLigne(page, 'cat');
+  // Tapé avant que cat lise, le retour ne serait pas encore une fin de ligne.
+  await lancerUneLigne(page, "echo pr''et; cat");
+  await page.attendreLeTexte('/^pret$/m');
   await page.touche('Ctrl+Maj+C');
   await lancerUneLigne(page, 'toujours là');
   await page.attendreLeTexte('/toujours là *\\ntoujours là/');
