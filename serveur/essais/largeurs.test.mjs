@@ -3,6 +3,7 @@ import { execFileSync } from 'node:child_process';
 import { after, before, test } from 'node:test';
 import unicode11 from '@xterm/addon-unicode11';
 import { lireLesDernieresLignes } from '../lib/dernieresLignes.mjs';
+import { Tampon } from '../lib/Tampon.mjs';
 import { compterLesLargeurs } from '../page/largeurs.js';
 import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
 
@@ -42,4 +43,29 @@ test('bash garde la place de son curseur parmi les emoji', { skip: sansNavigateu
   await page.attendreLeTexte('/fin!/');
   assert.equal((await page.texte()).trim(), `$ echo : ${MELANGE} fin!`);
   assert.deepEqual(page.fautes, []);
+});
+
+const GROUPES = '\\r\\n🇫🇷|👨‍👩‍👧|é|';
+
+test('un programme qui le demande compte par groupes, et les autres par caractères', { skip: sansNavigateur }, async (t) => {
+  const page = await PageVue.ouvrir(t, navigateur);
+  const demander = String.raw`printf '\e[?2027$p' >/dev/tty; IFS= read -rsd y vu </dev/tty; printf 'lu %q\n' "$vu"`;
+  const colonnes = `(() => { const { terminal: { buffer: { active } } } = [...terminaux.vues.values()][0];
+    return Array.from({ length: active.length }, (_, y) => active.getLine(y)).filter((ligne) => ligne.getCell(0).getChars().startsWith('🇫'))
+      .map((ligne) => Array.from({ length: 30 }, (_, x) => x).filter((x) => ligne.getCell(x).getChars() === '|')); })()`;
+  await page.ecrire(`clear; ${demander}; printf '\\e[?2027h${GROUPES}'; ${demander}; printf '\\e[?2027l${GROUPES}\\n'; echo fini`);
+  await page.touche('Entrée');
+  await page.attendreLeTexte('/^fini$/m');
+  assert.match(await page.texte(), /2027;2\$[^]*2027;1\$/);
+  assert.deepEqual(await page.evaluer(colonnes), [[2, 5, 7], [2, 9, 11]]);
+  assert.deepEqual(page.fautes, []);
+});
+
+test('le serveur qui relit groupe de même, et une page neuve aussi', async () => {
+  const lues = await lireLesDernieresLignes('\x1b[?2027h👨‍👩‍👧|\x1b[4G!', { colonnes: 40, lignes: 5 });
+  assert.deepEqual(lues, ['👨‍👩‍👧|!']);
+  const tampon = new Tampon();
+  tampon.ajouter('\x1b[?2027h');
+  tampon.ajouter(`${'y'.repeat(100)}\n`.repeat(6000));
+  assert.ok(tampon.rejouer().startsWith('\x1b[?2027h'));
 });

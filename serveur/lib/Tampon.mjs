@@ -3,7 +3,7 @@ const MARGE = 50_000;
 
 // Les modes privés qu’un terminal connaît : tout autre numéro ne change rien à l’écran, et il y en a sans fin.
 const MODES_CONNUS = new Set([
-  1, 3, 6, 7, 9, 12, 25, 45, 47, 66, 67, 1000, 1002, 1003, 1004, 1005, 1006, 1015, 1016, 1047, 1048, 1049, 2004, 2026,
+  1, 3, 6, 7, 9, 12, 25, 45, 47, 66, 67, 1000, 1002, 1003, 1004, 1005, 1006, 1015, 1016, 1047, 1048, 1049, 2004, 2026, 2027,
 ].map(String));
 
 // Ce qu’on rejoue à une page qui s’ouvre : la fin de la sortie et, de ce qui a été oublié, les modes encore en vigueur.

@@ -5,7 +5,7 @@ import { fileURLToPath } from 'node:url';
 import { jetonJuste, raisonDuRefus } from './acces.mjs';
 
 const PAGE = fileURLToPath(new URL('../page/', import.meta.url));
-const MODULES = ['xterm', 'addon-fit', 'addon-image', 'addon-unicode11', 'addon-web-links'];
+const MODULES = ['xterm', 'addon-fit', 'addon-image', 'addon-unicode-graphemes', 'addon-unicode11', 'addon-web-links'];
 const trouverModule = createRequire(import.meta.url).resolve;
 
 // Liste fermée au démarrage : aucun chemin demandé ne devient jamais un chemin de fichier.

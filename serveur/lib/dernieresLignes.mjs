@@ -1,5 +1,6 @@
 import { setImmediate as cederLaMain } from 'node:timers/promises';
 import { bornerLesRepetitions } from '../page/bornes.js';
+import { grouperSurDemande } from '../page/graphemes.js';
 import { compterLesLargeurs } from '../page/largeurs.js';
 import { lireLesLignes } from '../page/lignes.js';
 
@@ -37,6 +38,7 @@ async function lireUnEcran(sortie, { colonnes, lignes }) {
   const terminal = new Terminal({ cols: colonnes, rows: lignes, scrollback: NOMBRE_DE_LIGNES, allowProposedApi: true });
   bornerLesRepetitions(terminal);
   compterLesLargeurs(terminal, Unicode11Addon);
+  grouperSurDemande(terminal, async () => (await import('@xterm/addon-unicode-graphemes')).default.UnicodeGraphemesAddon);
   for (let debut = 0; debut < sortie.length; debut += MORCEAU) {
     await new Promise((suite) => terminal.write(sortie.slice(debut, debut + MORCEAU), suite));
     await cederLaMain();

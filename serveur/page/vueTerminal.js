@@ -8,6 +8,7 @@ import { Commandes } from '/commandes.js';
 import { composer } from '/composition.js';
 import { suivreLeDoigt } from '/doigt.js';
 import { Envois } from '/envois.js';
+import { grouperSurDemande } from '/graphemes.js';
 import { Images } from '/images.js';
 import { compterLesLargeurs } from '/largeurs.js';
 import { envoyer } from '/liaison.js';
@@ -92,6 +93,7 @@ export class VueTerminal {
     chercherLesLiens(this.terminal);
     chercherLesChemins(this.terminal, id);
     compterLesLargeurs(this.terminal, Unicode11Addon);
+    grouperSurDemande(this.terminal, async () => (await import('/xterm/addon-unicode-graphemes.mjs')).UnicodeGraphemesAddon);
     this.#images = new Images(this.terminal);
     this.terminal.onData((texte) => this.#saisir(texte));
     // Ce qui a sonné jadis ne sonne plus.
