@@ -164,7 +164,7 @@ essai('un écho se dessine aussitôt, et une inondation une fois par image', asy
     const { Cadence } = await import('/cadence.js');
     const image = () => new Promise((suite) => requestAnimationFrame(suite));
     const dessins = [];
-    const cadence = new Cadence((debut, fin) => dessins.push([debut, fin]));
+    const cadence = new Cadence((debut, fin) => dessins.push([debut, fin]), () => false);
     const pas = [];
     cadence.refresh(3, 4, 24);
     pas.push(dessins.length);
@@ -180,4 +180,43 @@ essai('un écho se dessine aussitôt, et une inondation une fois par image', asy
     return { pas, dessins };
   })()`);
   assert.deepEqual(vu, { pas: [1, 1, 2, 3, 3], dessins: [[3, 4], [0, 49], [7, 7]] });
+});
+
+essai('une inondation ne demande plus d’images, et se redessine à son rythme', async (page) => {
+  const vu = await page.evaluer(`(async () => {
+    const { Cadence } = await import('/cadence.js');
+    const image = () => new Promise((suite) => requestAnimationFrame(suite));
+    let dessins = 0;
+    const cadence = new Cadence(() => (dessins += 1), () => true);
+    const demandes = [];
+    const { setTimeout, requestAnimationFrame: demander } = window;
+    cadence.refresh(0, 23, 24);
+    cadence.refresh(0, 23, 24);
+    window.setTimeout = (faire, delai) => demandes.push({ faire, delai });
+    try {
+      await image();
+      const pas = [dessins];
+      window.requestAnimationFrame = () => demandes.push('image');
+      cadence.refresh(0, 23, 24);
+      cadence.addRefreshCallback(() => pas.push('rappel'));
+      pas.push(dessins, demandes.length);
+      demandes[0].faire();
+      return [...pas, dessins, demandes.map(({ delai }) => delai)];
+    } finally {
+      Object.assign(window, { setTimeout, requestAnimationFrame: demander });
+    }
+  })()`);
+  assert.deepEqual(vu, [2, 2, 1, 'rappel', 3, [66, 66]]);
+});
+
+essai('ce qui défile ne redessine pas une sélection qui n’existe pas', async (page, dansLaPage) => {
+  const redessinees = await dansLaPage(`
+    let vues = 0;
+    terminal._core._selectionService.onRequestRedraw(() => (vues += 1));
+    await ecrire('une ligne\\r\\n'.repeat(500));
+    const sans = vues;
+    terminal.selectAll();
+    await ecrire('une ligne\\r\\n'.repeat(5));
+    return [sans, vues > 0];`);
+  assert.deepEqual(redessinees, [0, true]);
 });

@@ -12,11 +12,15 @@ const ATTENTE_MAXIMALE = 4 * 1024 * 1024;
 // Une couleur y tient ; un titre ou une image peut ne jamais finir.
 const SEQUENCE_COURTE = 64;
 const SEQUENCE_MAXIMALE = 4096;
-const DERNIERE_SEQUENCE = /[\x1b\x80-\x9f][^\x1b\x80-\x9f]*$/;
 const SEQUENCE_ENTIERE = /^(?:(?:\x1b\[|\x9b)[0-?]*[ -/]*[@-~]|(?:\x1b\]|\x9d)[^\x07]*\x07|\x1b[ -/]*[0-OQ-WYZ\\`-~]|[\x80-\x8f\x91-\x97\x99\x9a\x9c])/;
 
+const ouvreUneSequence = (code) => code === 0x1b || (code >= 0x80 && code <= 0x9f);
+
+// En reculant : la dernière est presque toujours tout près, et un texte peut faire un mégaoctet.
 function lireLaSequenceInachevee(texte) {
-  const derniere = DERNIERE_SEQUENCE.exec(texte)?.[0] ?? '';
+  let debut = texte.length - 1;
+  while (debut >= 0 && !ouvreUneSequence(texte.charCodeAt(debut))) debut -= 1;
+  const derniere = debut < 0 ? '' : texte.slice(debut);
   return SEQUENCE_ENTIERE.test(derniere) ? '' : derniere;
 }
 

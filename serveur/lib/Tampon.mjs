@@ -1,5 +1,5 @@
 const BORNE = 500_000;
-const MARGE = 50_000;
+const MARGE = 250_000;
 
 // Les modes privés qu’un terminal connaît : tout autre numéro ne change rien à l’écran, et il y en a sans fin.
 const MODES_CONNUS = new Set([
@@ -27,7 +27,7 @@ export class Tampon {
     this.#texte = this.#texte.slice(debut);
   }
 
-  rejouer({ caracteres = Infinity, lignes = Infinity } = {}) {
+  rejouer({ caracteres = BORNE, lignes = Infinity } = {}) {
     const fin = this.#texte.slice(this.#trouverUneCoupe(caracteres)).split('\n').slice(-lignes).join('\n');
     const modes = new Map(this.#modes);
     retenirLesModes(modes, this.#texte.slice(0, this.#texte.length - fin.length));

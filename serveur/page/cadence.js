@@ -1,38 +1,45 @@
+// En millisecondes, entre deux dessins d’une inondation : quinze par seconde suffisent à voir qu’on ne peut rien lire.
+const REPIT = 66;
+
 // Quand dessiner : tout de suite, pour que l’écho d’une touche n’attende pas l’image suivante ; mais une fois par image au
-// plus, car le reste d’une inondation passerait sans être vu. Prend la place de l’ordonnanceur du terminal.
+// plus, et moins encore sous une inondation, dont le reste passerait sans être vu. Prend la place de l’ordonnanceur du
+// terminal. `inonde` : de ce que montre le dernier dessin, plus rien n’est à l’écran.
 export class Cadence {
   #dessiner;
+  #inonde;
   #debut = Infinity;
   #fin = -1;
-  #image = null;
+  #suivant = null;
   #rappels = [];
 
-  constructor(dessiner) {
+  constructor(dessiner, inonde) {
     this.#dessiner = dessiner;
+    this.#inonde = inonde;
   }
 
   refresh(debut, fin, lignes) {
     this.#debut = Math.min(this.#debut, debut ?? 0);
     this.#fin = Math.max(this.#fin, fin ?? lignes - 1);
-    if (this.#image !== null) return;
-    this.#attendreUneImage();
+    if (this.#suivant !== null) return;
+    this.#attendre();
     this.#vider();
   }
 
   addRefreshCallback(rappel) {
     this.#rappels.push(rappel);
-    this.#attendreUneImage();
-    return this.#image;
+    this.#attendre();
+    return this.#suivant;
   }
 
-  #attendreUneImage() {
-    this.#image ??= requestAnimationFrame(() => this.#quandUneImage());
+  // Une image demandée en est une que le moteur compose et que la fenêtre recopie, même si rien n’y a changé.
+  #attendre(inondee = false) {
+    this.#suivant ??= inondee ? setTimeout(() => this.#reprendre(), REPIT) : requestAnimationFrame(() => this.#reprendre());
   }
 
-  #quandUneImage() {
-    this.#image = null;
+  #reprendre() {
+    this.#suivant = null;
     if (this.#fin >= 0) {
-      this.#attendreUneImage();
+      this.#attendre(this.#inonde());
       this.#vider();
     }
     for (const rappel of this.#rappels.splice(0)) rappel();

@@ -29,6 +29,8 @@ export class Rendu {
   #cache = false;
   #selection = null;
   #lien = null;
+  // Depuis le dernier dessin, en lignes.
+  #passees = 0;
 
   constructor(terminal) {
     this.#coeur = terminal._core;
@@ -38,15 +40,32 @@ export class Rendu {
     this.#curseur = new Curseur(this.#coeur, () => this.#redessinerLeCurseur());
     this.#coeur.screenElement.prepend(this.#toile);
     this.#abonnements = [
+      terminal.onLineFeed(() => (this.#passees += 1)),
       this.#coeur.linkifier.onShowLinkUnderline((lien) => this.#survoler(lien)),
       this.#coeur.linkifier.onHideLinkUnderline(() => this.#survoler(null)),
     ];
-    const service = this.#coeur._renderService;
-    service._renderDebouncer.dispose();
-    service._renderDebouncer = new Cadence((debut, fin) => service._renderRows(debut, fin));
+    this.#espacer(terminal);
     this.#mesurer();
+    const service = this.#coeur._renderService;
     service.setRenderer(this);
     service.handleResize(terminal.cols, terminal.rows);
+  }
+
+  // Sous une inondation, la page n’est recomposée, et la fenêtre recopiée, que pour un dessin que l’on a le temps de voir.
+  #espacer(terminal) {
+    const { _renderService: service, _selectionService: choix } = this.#coeur;
+    const inonde = () => this.#passees > 2 * terminal.rows;
+    const placerLaSaisie = this.#coeur._syncTextArea.bind(this.#coeur);
+    this.#coeur._syncTextArea = () => inonde() || placerLaSaisie();
+    // Le terminal la fait redessiner à chaque ligne qui défile, même s’il n’y en a pas.
+    const redessinerLaSelection = choix.refresh.bind(choix);
+    choix.refresh = (...suite) => (choix.hasSelection || this.#selection) && redessinerLaSelection(...suite);
+    service._renderDebouncer.dispose();
+    service._renderDebouncer = new Cadence((debut, fin) => {
+      this.#passees = 0;
+      placerLaSaisie();
+      service._renderRows(debut, fin);
+    }, inonde);
   }
 
   dispose() {
