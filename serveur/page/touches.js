@@ -17,6 +17,8 @@ const DU_NAVIGATEUR = /^(Tab|F\d+)$/;
 
 export function prendreLesTouches(terminal) {
   terminal.attachCustomKeyEventHandler((evenement) => {
+    // Celle qui a refermé une fenêtre de question : WebKit finit de la dire là où le clavier est revenu.
+    if (evenement.type === 'keypress' && evenement.key === 'Escape') return false;
     if (evenement.type !== 'keydown' || evenement.metaKey) return true;
     if (DU_NAVIGATEUR.test(evenement.code)) evenement.preventDefault();
     const texte = texteDe(evenement);
