@@ -51,8 +51,14 @@ void guetterLeCompositeur(GdkDisplay* ecran) {
   reinterpret_cast<Guet*>(source)->prise = {.fd = prise, .events = 0, .revents = 0};
   g_source_add_unix_fd(source, prise, G_IO_HUP);
   g_source_set_priority(source, INT_MIN);
-  g_source_attach(source, nullptr);
+  const guint numero = g_source_attach(source, nullptr);
   g_source_unref(source);
+  // À rang égal, la plus ancienne passe devant, et GTK 4.18 a mis la sienne au premier rang.
+  for (guint autre = 1; autre < numero; ++autre) {
+    auto* ancienne = g_main_context_find_source_by_id(nullptr, autre);
+    if (ancienne != nullptr && g_source_get_priority(ancienne) == INT_MIN)
+      g_source_set_priority(ancienne, INT_MIN + 1);
+  }
 }
 #endif
 

@@ -70,12 +70,13 @@ def degel(banc):
 
 
 def silence(banc):
-    """La surveillance dit que le serveur ne répond plus."""
+    """La surveillance dit que le serveur ne répond plus ; ou bien la page, perdue avant, qu’elle ne s’affiche pas."""
     banc.liberer()
+    perdue = {"page-ratee": "La page de keltrove ne s’affiche pas"} if banc.panne.peut_perdre_la_page else {}
+    dits = {"serveur-ne-repond-plus": "Le serveur de keltrove ne répond plus", **perdue}
     with banc.places.longue_attente():
-        banc.attendre("serveur-ne-repond-plus", 60)
-    page = ["La page de keltrove ne s’affiche pas"] if banc.panne.peut_perdre_la_page else []
-    banc.attendre_le_texte("Le serveur de keltrove ne répond plus", *page)
+        guetter(lambda: dits.keys() & set(banc.application.etapes()), 60, quoi=lambda: f"{dits} (vu : {banc.application.lignes})")
+    banc.attendre_le_texte(*dits.values())
 
 
 # La page.

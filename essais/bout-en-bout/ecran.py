@@ -19,8 +19,15 @@ PAS = 0.05  # lire un écran occupe aussi son application
 
 
 def _parcourir(objet):
+    try:
+        nombre = objet.get_child_count()
+    except GLib.Error as erreur:
+        # Celui d’une page tuée : la boîte à outils lui garde sa place jusqu’à la suivante.
+        if "was not provided by any .service files" in erreur.message:
+            return
+        raise
     yield objet
-    for i in range(objet.get_child_count()):
+    for i in range(nombre):
         enfant = objet.get_child_at_index(i)
         if enfant is not None:
             yield from _parcourir(enfant)
