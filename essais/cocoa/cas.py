@@ -5,11 +5,37 @@ import dataclasses
 ARRETE = ["arret-demande", "arret-fini"]
 LAISSE = ["quitte-sans-toucher-au-serveur"]
 
+# Un serveur qui répond, obéit aux fichiers que l’on pose à côté de lui, et dit son identité.
+OBEISSANT = """
+import fs from 'node:fs';
+import http from 'node:http';
+fs.writeFileSync('pid', String(process.pid));
+fs.rmSync('fin', { force: true });
+let gele = false;
+fs.watch('.', (_, nom) => {
+  if (nom === 'fin' && fs.existsSync('fin')) process.exit(3);
+  if (nom !== 'geler' || gele) return;
+  gele = true;
+  process.kill(process.pid, 'SIGSTOP');
+});
+http.createServer((q, r) => r.end(q.url === '/api/sante' ? '{"version":"1","carnet":{"terminaux":0}}'
+  : '<meta name="keltrove-jeton" content="x">')).listen(%PORT%, '127.0.0.1');
+"""
+BAVARD = OBEISSANT + "console.log('MESSAGE=Voici du neuf');\n"
+LENT_A_PARTIR = OBEISSANT + """
+const partir = () => fs.existsSync('adieu') && process.exit(0);
+process.on('SIGTERM', () => {
+  fs.watch('.', partir);
+  partir();
+});
+"""
+
 
 @dataclasses.dataclass
 class Cas:
     serveur: str = "vrai"  # celui qui accompagne l’application, ou un code à la place ; vide : aucun
     voisin: bool = False  # un serveur tourne déjà
+    reste: bool = False  # celui que l’application a lancé, puis rejoint à un nouvel essai, lui survit
     fin: list = dataclasses.field(default_factory=lambda: ARRETE)
     environnement: dict = dataclasses.field(default_factory=dict)
     nu: bool = False  # lancé hors de son paquet
@@ -18,4 +44,55 @@ class Cas:
     duree: int = 0  # en secondes, pour ne pas finir par lui
 
 
-CAS = {}
+def sans_serveur(**autres):
+    return Cas(serveur="", fin=LAISSE, **autres)
+
+
+def obeissant(**autres):
+    return Cas(serveur=OBEISSANT, **autres)
+
+
+def rejoint(**autres):
+    return obeissant(reste=True, fin=LAISSE, **autres)
+
+
+CAS = {
+    "unServeurQuiTourneDejaEstRejointEtLaisse": Cas(voisin=True, fin=LAISSE),
+    "enModeEssaiRienNeSeMontreEtToutSArreteSeul": Cas(
+        environnement={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "8"}, duree=8,
+        fin=["essai-quitte-tout-seul", *ARRETE]),
+    "enModeDiscretLaFenetreEstDerriereEtDitSonNumero": Cas(environnement={"KELTROVE_DISCRET": "1"}),
+    "leCadreEstRetenuDUneFoisSurLAutre": sans_serveur(lancements=2),
+    "desReglagesQueLOnNePeutEcrireNEmpechentRien": obeissant(reglages_illisibles=True),
+    "chacuneDesSeptErreursSExplique": sans_serveur(),
+    "entreePresseReessayerTantQuIlSeVoit": sans_serveur(),
+    "leDetailDUnServeurMortSeDeplieEtSeReplie": Cas(serveur="console.log('aïe « é »'); process.exit(3);"),
+    "unCodeModifieSeDit": Cas(serveur="console.log('MODIFIE=serveur.mjs'); process.exit(1);"),
+    "laMortDuServeurEnUsageSeMontreEtSeRepare": obeissant(),
+    "unServeurGeleSeDitApresTroisEchecsEtSeRetrouve": rejoint(duree=40),
+    "leMotDeMiseAJourSeMontreDansLeBandeau": Cas(serveur=BAVARD, duree=5),
+    "unSecondBandeauDureAutantQueLePremier": sans_serveur(duree=9),
+    "unePageAnnuleeNeDitRienUneRateeSExplique": rejoint(),
+    "leProgrammeDeLaPagePlanteTroisFoisDeSuite": rejoint(),
+    "laSondeNoteCeQueLaPageContient": obeissant(duree=5),
+    "unLienSOuvreAilleursSurUnGesteSeulement": obeissant(),
+    "laPageSaitSiOnLaRegardeEtQuUnLecteurTourne": obeissant(),
+    "laBarreEstCelleDeLaTable": sans_serveur(),
+    "chaqueRaccourciMeneASonAction": rejoint(),
+    "lesArticlesSeGrisentSelonQuiALeClavier": obeissant(),
+    "desFichiersPassentParLesSeptOperations": obeissant(),
+    "desFichiersQuiRepartentNeLeDisentQuUneFois": obeissant(),
+    "unTexteResteAWebKit": obeissant(),
+    "leZoomCompteEtNEstJamaisNul": obeissant(),
+    "dixMilleFichiersSeDeposentDUnCoup": obeissant(),
+    "laPermissionEstDemandeeUneFois": rejoint(),
+    "laPageApprendChacunDesEtats": obeissant(),
+    "horsDUnPaquetLeCentreEstAbsentEtNulNYTouche": obeissant(nu=True),
+    "uneNotificationSePoseEtRemplaceCelleDuMemeTerminal": obeissant(),
+    "unMessageDeNImporteQuelTypeNEmpecheRien": obeissant(),
+    "unClicRameneLaFenetreEtOuvreLeTerminal": obeissant(),
+    "lesReglagesDuSystemeSOuvrent": obeissant(),
+    "laFermetureAttendLeServeurEtNEcouteQueLui": Cas(serveur=LENT_A_PARTIR),
+    "leServeurDejaMortLaFermetureEstImmediate": obeissant(),
+    "quitterPendantUnDemarrageNeLaisseRien": obeissant(fin=[]),
+}

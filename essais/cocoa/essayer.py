@@ -1,6 +1,5 @@
 """Joue chaque scénario dans son processus, avec sa maison et son serveur, puis regarde ce qu’il laisse derrière lui."""
 
-import concurrent.futures
 import ctypes
 import json
 import os
@@ -18,13 +17,12 @@ from cas import CAS, Cas
 CONSTRUCTION = pathlib.Path(os.environ["KELTROVE_CONSTRUCTION"])
 DOSSIER = CONSTRUCTION / "essais" / "cocoa"
 PATIENCE = 150  # secondes ; un scénario abandonne de lui-même bien avant
-A_LA_FOIS = 3
 VENUES_QUAND_ELLES_PEUVENT = {"sante", "page-contenu"}
 PR_SET_CHILD_SUBREAPER = 36
 
-CONFIGURATION = """GNUSTEP_USER_DIR_LIBRARY={maison}/GNUstep
-GNUSTEP_USER_DEFAULTS_DIR={reglages}
-"""
+CONFIGURATION = "GNUSTEP_USER_DEFAULTS_DIR='{reglages}'\nGNUSTEP_USER_DIR_LIBRARY='{maison}/GNUstep'\n"
+# Ce que GNUstep dit de lui-même, quand une autre application vient de finir.
+BRUIT_DE_GNUSTEP = "No handle for event"
 
 
 def port_libre():
@@ -72,29 +70,28 @@ class Essai:
             **self.cas.environnement,
         }
 
-    def jouer(self, voisin):
+    def jouer(self):
         programme = DOSSIER / "scenarios" if self.cas.nu else DOSSIER / "Keltrove.app" / "Keltrove"
         for tour in range(self.cas.lancements):
             fini = subprocess.run([programme], capture_output=True, text=True, errors="replace", timeout=PATIENCE,
                                   stdin=subprocess.DEVNULL,
                                   env={**self.environnement(), "KELTROVE_LANCEMENT": str(tour)})
-            yield from self.juger(fini, voisin)
+            yield from self.juger(fini)
 
-    def juger(self, fini, voisin):
+    def juger(self, fini):
         lignes = [ligne for ligne in fini.stderr.splitlines() if ligne]
         etapes = [ligne.split()[1] for ligne in lignes if ligne.startswith("  [keltrove] ")]
         etapes = [etape for etape in etapes if etape not in VENUES_QUAND_ELLES_PEUVENT]
-        bruit = [ligne for ligne in lignes if not ligne.startswith("  [keltrove] ")]
+        bruit = [ligne for ligne in lignes
+                 if not ligne.startswith("  [keltrove] ") and BRUIT_DE_GNUSTEP not in ligne]
         if fini.returncode != 0:
             yield f"état {fini.returncode}"
         if bruit:
             yield "dit sur la sortie d’erreur :\n    " + "\n    ".join(bruit[:60])
         if etapes[len(etapes) - len(self.cas.fin):] != self.cas.fin:
             yield f"finit par {etapes}, non par {self.cas.fin}"
-        if voisin and not repond(self.port):
-            yield "le serveur auquel on s’est rattaché ne répond plus"
-        if not voisin and repond(self.port):
-            yield "le serveur répond encore"
+        if (self.cas.voisin or self.cas.reste) != repond(self.port):
+            yield "le serveur répond encore" if repond(self.port) else "le serveur ne répond plus"
 
     def essayer(self):
         voisin = None
@@ -106,7 +103,7 @@ class Essai:
                                           stderr=subprocess.DEVNULL, start_new_session=True)
                 while not repond(self.port):
                     time.sleep(0.01)
-            return list(self.jouer(voisin))
+            return list(self.jouer())
         except subprocess.TimeoutExpired as trop_long:
             return [f"ne finit pas : {(trop_long.stderr or b'').decode(errors='replace')}"]
         finally:
@@ -117,7 +114,7 @@ class Essai:
 
 
 def finir_les_orphelins():
-    """Un scénario raté laisse le serveur que l’application avait allumé ; il nous revient, et nous l’arrêtons."""
+    """Un serveur que son application n’arrête pas nous revient, et nous l’arrêtons."""
     enfants = pathlib.Path(f"/proc/{os.getpid()}/task/{os.getpid()}/children").read_text().split()
     for enfant in map(int, enfants):
         os.kill(enfant, signal.SIGKILL)
@@ -139,15 +136,15 @@ def principal():
     inconnus = CAS.keys() - set(noms)
     if inconnus:
         sys.exit(f"Aucun scénario de ce nom : {inconnus}")
-    filtres = [filtre.lower() for filtre in sys.argv[1:]]
+    part, parts = map(int, sys.argv[1].split("/"))
+    filtres = [filtre.lower() for filtre in sys.argv[2:]]
     choisis = [nom for nom in noms if not filtres or any(filtre in nom.lower() for filtre in filtres)]
-    # Les plus longs d’abord.
+    # Les plus longs d’abord, et répartis.
     choisis.sort(key=lambda nom: -CAS.get(nom, Cas()).duree)
-    with concurrent.futures.ThreadPoolExecutor(A_LA_FOIS) as ensemble:
-        reussis = sum(ensemble.map(essayer, choisis))
+    choisis = choisis[part::parts]
+    reussis = sum(map(essayer, choisis))
     finir_les_orphelins()
-    print(f"{reussis} scénarios réussis sur {len(choisis)}")
-    sys.exit(0 if choisis and reussis == len(choisis) else 1)
+    sys.exit(0 if reussis == len(choisis) else 1)
 
 
 if __name__ == "__main__":

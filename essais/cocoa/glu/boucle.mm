@@ -23,6 +23,19 @@ void ajouter(NSRunLoop* boucle, SEL selecteur, NSTimer* minuteur, NSString* mode
     ajouterDOrigine(boucle, selecteur, minuteur, un);
 }
 
+// La boucle qui tourne dans l’action d’un minuteur ne le tire pas de nouveau.
+void (*tirerDOrigine)(id, SEL);
+void tirer(NSTimer* minuteur, SEL selecteur) {
+  static NSMutableSet* const tires = [NSMutableSet set];
+  if ([tires containsObject:minuteur]) {
+    minuteur.fireDate = NSDate.distantFuture;
+    return;
+  }
+  [tires addObject:minuteur];
+  tirerDOrigine(minuteur, selecteur);
+  [tires removeObject:minuteur];
+}
+
 void demanderAuFilPrincipal(id objet, SEL, SEL quoi, id avec, BOOL attendre) {
   [objet performSelectorOnMainThread:quoi withObject:avec waitUntilDone:attendre modes:modesCommuns()];
 }
@@ -42,6 +55,7 @@ Fonction remplacer(Class classe, SEL selecteur, Fonction nouvelle) {
     dessinerDOrigine = remplacer([NSWindow class], @selector(displayIfNeeded), (void (*)(id, SEL))dessiner);
     ajouterDOrigine = remplacer([NSRunLoop class], @selector(addTimer:forMode:),
                                 (void (*)(id, SEL, NSTimer*, NSString*))ajouter);
+    tirerDOrigine = remplacer([NSTimer class], @selector(fire), (void (*)(id, SEL))tirer);
     remplacer([NSObject class], @selector(performSelectorOnMainThread:withObject:waitUntilDone:),
               demanderAuFilPrincipal);
   }

@@ -10,11 +10,11 @@
 #include "bureau/cocoa/FenetreCocoa.hpp"
 #include "socle/Journal.hpp"
 
-#import <AppKit/AppKit.h>
-
 #include <functional>
 #include <string>
 #include <type_traits>
+
+#import <AppKit/AppKit.h>
 
 namespace essais {
 
@@ -29,7 +29,7 @@ struct Inscription {
 
 // Sur le fil principal, et attend que ce soit fait.
 void faire(std::function<void()> tache);
-// Sur le fil principal, sans attendre.
+// Sur le fil principal, sans attendre, et d’où la boucle peut tourner de nouveau : une fermeture s’y demande.
 void demander(std::function<void()> tache);
 template <typename Fonction>
 auto lire(Fonction fonction) {
@@ -64,10 +64,22 @@ inline VueNotee& page() {
 }
 std::string texte(NSString* chaine);
 
+inline std::string titre() {
+  return texte(ecran().titre.stringValue);
+}
+
+// À côté du code du serveur, qui le regarde ; et ce qu’il y écrit.
+void poserUnFichier(const std::string& nom);
+std::string lireUnFichier(const std::string& nom);
+int port();
+
 // Une touche, telle que la fenêtre du clavier la reçoit.
 void presser(NSString* caractere, NSUInteger modificateurs = 0);
 
-// Attend que la page demandée soit là : la joue comme WebKit le ferait.
-void afficherLaPage();
+// Joue, comme WebKit le ferait, la page demandée la dernière, dès qu’il y en a `combien`.
+void afficherLaPage(std::size_t combien = 1);
+
+// Ce que l’utilisateur fait pour partir. Le processus finit ensuite.
+void quitter();
 
 } // namespace essais

@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <future>
-#include <map>
+#include <sstream>
 #include <thread>
 
 #include <unistd.h>
@@ -28,17 +30,19 @@ constexpr auto entreDeuxRegards = 10ms;
 
 } // namespace
 
-void demander(std::function<void()> tache) {
-  keltrove::bureau::BoucleCocoa().poster(std::move(tache));
-}
-
 void faire(std::function<void()> tache) {
   std::promise<void> faite;
-  demander([&] {
+  keltrove::bureau::BoucleCocoa().poster([&] {
     tache();
     faite.set_value();
   });
-  if (faite.get_future().wait_for(patience) != std::future_status::ready) echouer("le fil principal est figé");
+  if (faite.get_future().wait_for(patience) != std::future_status::ready)
+    echouer("le fil principal est figé");
+}
+
+void demander(std::function<void()> tache) {
+  static keltrove::socle::Minuteur rendezVous;
+  faire([&] { rendezVous = keltrove::bureau::BoucleCocoa().apres(0, std::move(tache)); });
 }
 
 void attendre(const std::string& quoi, std::function<bool()> vrai) {
@@ -86,26 +90,55 @@ std::string texte(NSString* chaine) {
 }
 
 void presser(NSString* caractere, NSUInteger modificateurs) {
+  // Le gestionnaire de fenêtres peut encore nous le rendre.
+  if (fenetre().isVisible) [fenetre() makeKeyWindow];
   for (NSEventType sorte : {NSKeyDown, NSKeyUp})
     [NSApp sendEvent:[NSEvent keyEventWithType:sorte
-                                      location:NSZeroPoint
-                                 modifierFlags:modificateurs
-                                     timestamp:0
-                                  windowNumber:fenetre().windowNumber
-                                       context:nil
-                                    characters:caractere
-                   charactersIgnoringModifiers:caractere
-                                     isARepeat:NO
-                                       keyCode:0]];
+                                            location:NSZeroPoint
+                                       modifierFlags:modificateurs
+                                           timestamp:0
+                                        windowNumber:fenetre().windowNumber
+                                             context:nil
+                                          characters:caractere
+                         charactersIgnoringModifiers:caractere
+                                           isARepeat:NO
+                                             keyCode:0]];
 }
 
-void afficherLaPage() {
-  attendre("une page demandée", [] { return !page().requetes.empty(); });
+void afficherLaPage(std::size_t combien) {
+  attendre("une page demandée", [combien] { return page().requetes.size() >= combien; });
+  const int dejaLa = fois("page-affichee");
   faire([] {
     commencer(vueWeb());
     avancer(vueWeb(), 0.5);
     finir(vueWeb());
   });
+  exiger(fois("page-affichee") == dejaLa + 1, "la page compte comme affichée");
+}
+
+void quitter() {
+  demander([] { presser(@"q", NSCommandKeyMask); });
+}
+
+namespace {
+std::string aCoteDuServeur(const std::string& nom) {
+  const std::string executable = std::getenv("KELTROVE_EXECUTABLE_D_ESSAI");
+  return executable.substr(0, executable.rfind('/')) + "/ressources/keltrove/" + nom;
+}
+} // namespace
+
+void poserUnFichier(const std::string& nom) {
+  std::ofstream(aCoteDuServeur(nom)) << nom;
+}
+
+std::string lireUnFichier(const std::string& nom) {
+  std::ostringstream lu;
+  lu << std::ifstream(aCoteDuServeur(nom)).rdbuf();
+  return lu.str();
+}
+
+int port() {
+  return std::stoi(std::getenv("KELTROVE_PORT_D_ESSAI"));
 }
 
 } // namespace essais
