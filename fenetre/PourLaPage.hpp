@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include <nlohmann/json_fwd.hpp>
+
 namespace keltrove::fenetre::PourLaPage {
 
 // L’utilisateur est devant l’application, ou ailleurs.
@@ -13,5 +15,13 @@ inline std::string regard(bool ici) {
 
 // Le collage qui suit est celui de la sélection, non du presse-papiers : rien d’autre ne les distingue.
 inline constexpr const char* voiciLaSelection = "dispatchEvent(new Event('collerlaselection'))";
+
+// Une vue web ne passe ni liste ni objet à une fonction : ceux-ci voyagent en un seul texte, `arguments`, que
+// la fonction de corps `fonction` reçoit sous le nom `keltroveArguments`.
+struct Appel {
+  std::string fonction;
+  std::string arguments;
+};
+Appel appel(const char* corps, const nlohmann::json& arguments);
 
 } // namespace keltrove::fenetre::PourLaPage

@@ -8,8 +8,8 @@ namespace keltrove::socle {
 
 void nommerLeFil(std::string_view nom) {
   constexpr std::size_t maximum = 15;
-  if (nom.size() > maximum) nom.remove_prefix(nom.size() - maximum);
-  ::pthread_setname_np(::pthread_self(), std::string(nom).c_str());
+  nom.remove_prefix(nom.rfind('.') + 1);
+  ::pthread_setname_np(::pthread_self(), std::string(nom.substr(0, maximum)).c_str());
 }
 
 } // namespace keltrove::socle

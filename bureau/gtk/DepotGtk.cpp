@@ -5,7 +5,7 @@
 #include <utility>
 
 #include <glibmm/main.h>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 namespace keltrove::bureau {
 

@@ -13,7 +13,6 @@
 
 #include <glibmm/main.h>
 #include <gtkmm/widget.h>
-#include <nlohmann/json.hpp>
 
 namespace keltrove::bureau {
 
@@ -47,14 +46,6 @@ WebKitWebView* creerLaVue() {
   webkit_user_script_unref(ouverture);
   return WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "settings",
                                       reglages.get(), "user-content-manager", contenus.get(), nullptr));
-}
-
-// WebKit ne passe ni liste ni objet en argument : ils voyagent en un seul texte.
-std::string deballer(const char* corps, const nlohmann::json& arguments) {
-  std::string noms;
-  for (const auto& [nom, valeur] : arguments.items())
-    noms += nom + ", ";
-  return "const { " + noms + "} = JSON.parse(keltroveArguments); " + corps;
 }
 
 std::optional<std::string> texteDe(GObject* vue, GAsyncResult* resultat) {
@@ -126,7 +117,7 @@ void VueWeb::collerAuClavier() {
   };
   ajouter("<Shift>Insert|<Shift>KP_Insert", [](GtkWidget*, GVariant*, gpointer moi) -> gboolean {
     auto* vueWeb = static_cast<VueWeb*>(moi);
-    vueWeb->appeler(fenetre::PourLaPage::voiciLaSelection, nlohmann::json::object());
+    vueWeb->executer(fenetre::PourLaPage::voiciLaSelection, "{}");
     vueWeb->editer("PasteGlobalSelection");
     return TRUE;
   });
@@ -228,10 +219,14 @@ void VueWeb::evaluer(const std::string& expression, std::function<void(std::opti
 }
 
 void VueWeb::appeler(const char* corps, const nlohmann::json& arguments) {
-  const auto fonction = deballer(corps, arguments);
+  const auto appel = fenetre::PourLaPage::appel(corps, arguments);
+  executer(appel.fonction, appel.arguments.c_str());
+}
+
+void VueWeb::executer(const std::string& fonction, const char* arguments) {
   GVariantDict valeurs;
   g_variant_dict_init(&valeurs, nullptr);
-  g_variant_dict_insert(&valeurs, "keltroveArguments", "s", arguments.dump().c_str());
+  g_variant_dict_insert(&valeurs, "keltroveArguments", "s", arguments);
   webkit_web_view_call_async_javascript_function(vue_, fonction.data(), static_cast<gssize>(fonction.size()),
                                                  g_variant_dict_end(&valeurs), nullptr, nullptr, nullptr,
                                                  nullptr, nullptr);

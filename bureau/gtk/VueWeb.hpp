@@ -51,6 +51,7 @@ public:
 private:
   template <const char* const& canal>
   void ouvrirLeCanal();
+  void executer(const std::string& fonction, const char* arguments);
   void garderLaPage();
   void collerAuClavier();
   bool permettre(WebKitPermissionRequest* demande);
