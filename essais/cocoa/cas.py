@@ -91,6 +91,7 @@ CAS = {
     "uneNotificationSePoseEtRemplaceCelleDuMemeTerminal": obeissant(),
     "unMessageDeNImporteQuelTypeNEmpecheRien": obeissant(),
     "unClicRameneLaFenetreEtOuvreLeTerminal": obeissant(),
+    "unClicApresLaFenetreFermeeRameneEncoreLApplication": Cas(serveur=LENT_A_PARTIR),
     "lesReglagesDuSystemeSOuvrent": obeissant(),
     "laFermetureAttendLeServeurEtNEcouteQueLui": Cas(serveur=LENT_A_PARTIR),
     "leServeurDejaMortLaFermetureEstImmediate": obeissant(),

@@ -139,6 +139,8 @@ def principal():
     part, parts = map(int, sys.argv[1].split("/"))
     filtres = [filtre.lower() for filtre in sys.argv[2:]]
     choisis = [nom for nom in noms if not filtres or any(filtre in nom.lower() for filtre in filtres)]
+    if not choisis:
+        sys.exit("Aucun scénario ne porte ce nom.")
     # Les plus longs d’abord, et répartis.
     choisis.sort(key=lambda nom: -CAS.get(nom, Cas()).duree)
     choisis = choisis[part::parts]

@@ -185,6 +185,22 @@ SCENARIO(unClicRameneLaFenetreEtOuvreLeTerminal) {
   quitter();
 }
 
+SCENARIO(unClicApresLaFenetreFermeeRameneEncoreLApplication) {
+  ouvrirLaPage();
+  ecrireAuPont(@{@"action" : @"notifier", @"id" : @"t1"});
+  demander([] { presser(@"w", NSCommandKeyMask); });
+  attendreLEtape("arret-demande");
+  const int activations = lire([] { return systemeNote().activations; });
+  static std::atomic<bool> su = false;
+  cliquer(dernierAjout(), ^{
+    su = true;
+  });
+  attendre("le centre le sait", [] { return su.load(); });
+  faire([&] { exiger(systemeNote().activations == activations + 1, "l’application vient devant"); });
+  exiger(fois("arret-demande") == 1, "la fermeture continue");
+  poserUnFichier("adieu");
+}
+
 SCENARIO(lesReglagesDuSystemeSOuvrent) {
   ouvrirLaPage();
   ecrireAuPont(@{@"action" : @"reglages"});
