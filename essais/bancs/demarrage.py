@@ -15,7 +15,7 @@ import time
 from mesures import arbre, memoire, pixel, port_libre, processeur
 
 KELTROVE, NUE, PASSES = sys.argv[1], sys.argv[2], int(sys.argv[3])
-SANS_GL = {"WEBKIT_DISABLE_DMABUF_RENDERER": "1", "GSK_RENDERER": "cairo", "GDK_DEBUG": "gl-disable"}
+SANS_GL = {"WEBKIT_DISABLE_DMABUF_RENDERER": "1", "GSK_RENDERER": "cairo", "GDK_DEBUG": "gl-disable", "GDK_DISABLE": "gl"}
 VERT, POINT = 0x2B8A3E, (680, 450)
 REPOS = 60
 
