@@ -1,7 +1,8 @@
-// ChargeurBureau : le bureau vit dans un module à côté de l’exécutable, chargé seulement à l’ouvrir.
+// ChargeurBureau : le bureau n’est chargé que si l’on s’en sert.
 //
-// Lié directement, il coûterait à chaque vérification d’inventaire des dizaines de millisecondes, et
-// l’obligerait à trouver une bibliothèque de bureau sur la machine.
+// Sous Linux, c’est un module à côté de l’exécutable : lié directement, il coûterait à chaque vérification
+// d’inventaire des dizaines de millisecondes, et l’obligerait à trouver une bibliothèque de bureau sur la
+// machine.
 #pragma once
 
 #include "app/ModuleBureau.hpp"
@@ -11,8 +12,8 @@
 
 namespace keltrove::app {
 
-// La fonction d’entrée du module, cherché à côté de l’exécutable puis dans « ../lib/keltrove ». En cas
-// d’échec (aucun module, une bibliothèque absente, un module sans notre entrée) : une phrase pour
+// La fonction d’entrée du bureau ; le module se cherche à côté de l’exécutable puis dans « ../lib/keltrove ».
+// En cas d’échec (aucun module, une bibliothèque absente, un module sans notre entrée) : une phrase pour
 // l’utilisateur. Le module n’est jamais déchargé. Une fois, sur le fil principal.
 std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& executable);
 

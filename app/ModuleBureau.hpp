@@ -1,7 +1,8 @@
-// ModuleBureau : ce que l’exécutable et le module du bureau se disent.
+// ModuleBureau : ce que l’exécutable et le bureau se disent.
 //
-// Rien d’autre ne passe de l’un à l’autre : chacun a sa propre copie du socle et du comportement, variables
-// globales comprises. L’étape qu’un côté noterait au journal, l’autre ne la verrait pas.
+// Rien d’autre ne passe de l’un à l’autre. Sous Linux, où le bureau est un module, chacun a sa propre copie
+// du socle et du comportement, variables globales comprises : l’étape qu’un côté noterait au journal, l’autre
+// ne la verrait pas.
 #pragma once
 
 namespace keltrove::app {
@@ -15,9 +16,8 @@ struct AppelDuBureau {
 // Rend l’état de sortie du processus.
 using LancerLeBureau = int (*)(const AppelDuBureau& appel);
 
-// Le nom, sans décoration, sous lequel le module la donne.
-inline constexpr const char* nomDeLEntree = "keltroveLancerLeBureau";
-
-inline constexpr const char* nomDuModule = "libkeltrove-bureau.so";
-
 } // namespace keltrove::app
+
+// L’entrée du bureau.
+extern "C" [[gnu::visibility("default")]] int
+keltroveLancerLeBureau(const keltrove::app::AppelDuBureau& appel);

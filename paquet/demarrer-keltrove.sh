@@ -21,7 +21,7 @@ refuser() {
   exit 1
 }
 
-verificateur=$(premier_executable "$ici/../keltrove" "$ici/../../bin/keltrove") ||
+verificateur=$(premier_executable "$ici/../keltrove" "$ici/../../bin/keltrove" "$ici/../MacOS/Keltrove") ||
   refuser 'le programme qui vérifie cette copie manque'
 raison=$("$verificateur" verifier-inventaire "$ici/keltrove" "$ici/cle-publique.pem" 2>&1) || refuser "$raison"
 

@@ -14,6 +14,8 @@ namespace keltrove::socle {
 class Environnement {
 public:
   Environnement() = default;
+  // Une copie du nôtre, à cet instant.
+  static Environnement duProcessus();
   // `variables` : un tableau de « NOM=valeur » terminé par un pointeur nul, tel que `environ`. Si un nom
   // revient, sa première valeur compte, comme pour getenv ; une entrée sans « = » est écartée.
   explicit Environnement(const char* const* variables);

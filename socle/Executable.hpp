@@ -12,8 +12,8 @@ namespace keltrove::socle {
 std::optional<std::string> cheminDeLExecutable();
 
 // Le dossier des ressources : « ressources » à côté de l’exécutable (arbre de construction, copie à part),
-// sinon « ../share/keltrove » depuis son dossier (copie installée), sinon inconnu. Un dossier que l’on n’a
-// pas le droit de voir compte pour absent.
+// sinon « ../share/keltrove » depuis son dossier (copie installée), sinon « ../Resources » (paquet de macOS),
+// sinon inconnu. Un dossier que l’on n’a pas le droit de voir compte pour absent.
 std::optional<std::string> dossierDesRessources(const std::string& executable);
 
 } // namespace keltrove::socle

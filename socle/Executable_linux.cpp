@@ -1,5 +1,4 @@
 #include "socle/Executable.hpp"
-#include "socle/Fichiers.hpp"
 
 #include <filesystem>
 #include <system_error>
@@ -11,17 +10,6 @@ std::optional<std::string> cheminDeLExecutable() {
   const auto chemin = std::filesystem::read_symlink("/proc/self/exe", erreur);
   if (erreur) return std::nullopt;
   return chemin.string();
-}
-
-std::optional<std::string> dossierDesRessources(const std::string& executable) {
-  const auto dossier = dossierDe(executable);
-  std::error_code erreur;
-  for (const auto* candidat : {"ressources", "../share/keltrove"}) {
-    auto chemin = ajouterComposant(dossier, candidat);
-    if (std::filesystem::is_directory(chemin, erreur))
-      return std::filesystem::path(chemin).lexically_normal().string();
-  }
-  return std::nullopt;
 }
 
 } // namespace keltrove::socle

@@ -37,16 +37,6 @@ namespace {
 
 constexpr std::size_t tailleDeLecture = 65536;
 
-// posix_spawn copie ce qu’on lui donne : ces tableaux ne servent que le temps de l’appel.
-std::vector<char*> tableauC(const std::vector<std::string>& textes) {
-  std::vector<char*> tableau;
-  tableau.reserve(textes.size() + 1);
-  for (const auto& texte : textes)
-    tableau.push_back(const_cast<char*>(texte.c_str()));
-  tableau.push_back(nullptr);
-  return tableau;
-}
-
 class Preparation {
 public:
   Preparation(const std::string& dossier, int ecriture) {
@@ -105,11 +95,9 @@ void ecouterLaSortie(const std::shared_ptr<Processus::Etat>& etat) {
 }
 
 void attendreLaFin(const std::shared_ptr<Processus::Etat>& etat) {
-  // WNOWAIT d’abord : tant que l’enfant n’est pas recueilli, son numéro ne peut désigner personne d’autre, et
-  // terminer() peut donc signaler sans risque sous le même verrou.
-  siginfo_t fin{};
-  while (::waitid(P_PID, static_cast<id_t>(etat->pid), &fin, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
-  }
+  // Tant que l’enfant n’est pas recueilli, son numéro ne peut désigner personne d’autre, et terminer() peut
+  // donc signaler sans risque sous le même verrou.
+  attendreSansRecueillir(etat->pid);
   std::function<void()> quandFini;
   {
     const std::lock_guard garde(etat->verrou);

@@ -10,15 +10,13 @@
 
 using namespace keltrove;
 
-extern "C" char** environ; // NOLINT : le nom que le système lui donne
-
-extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
+extern "C" int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
   @autoreleasepool {
     moteur::MoteurServeur::Contexte contexte{
         .boucle = std::make_shared<bureau::BoucleCocoa>(),
         .horloge = std::make_shared<socle::HorlogeSysteme>(),
         .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
-        .environnement = socle::Environnement(::environ),
+        .environnement = socle::Environnement::duProcessus(),
     };
     const auto boucle = contexte.boucle;
     bureau::ApplicationCocoa application(std::make_shared<moteur::MoteurServeur>(std::move(contexte)),

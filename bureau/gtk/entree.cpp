@@ -12,17 +12,16 @@
 #include <cstdlib>
 #include <string>
 
-#include <unistd.h>
-
 using namespace keltrove;
 
-extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
+extern "C" int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
   const auto ressources = socle::dossierDesRessources(appel.executable);
   moteur::MoteurServeur::Contexte contexte{
       .boucle = std::make_shared<bureau::BoucleGlib>(),
       .horloge = std::make_shared<socle::HorlogeSysteme>(),
       .emplacements = moteur::Emplacements(ressources),
-      .environnement = socle::Environnement(::environ), // avant nos propres réglages, qui ne le regardent pas
+      .environnement =
+          socle::Environnement::duProcessus(), // avant nos propres réglages, qui ne le regardent pas
   };
   const auto preparation = bureau::preparerLaBoiteAOutils(ressources);
   if (!preparation) {

@@ -82,7 +82,7 @@ protected:
       moteur::MoteurServeur::Contexte{.boucle = boucle,
                                       .horloge = std::make_shared<essais::HorlogeAcceleree>(),
                                       .emplacements = moteur::Emplacements(maison.chemin("ressources")),
-                                      .environnement = socle::Environnement(::environ)});
+                                      .environnement = socle::Environnement::duProcessus()});
   essais::BureauEnregistreur bureau;
   essais::VueEnregistreuse& vue = bureau.vue;
   essais::CentreEnregistreur& centre = bureau.centre;

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 namespace keltrove::essais {
 namespace {

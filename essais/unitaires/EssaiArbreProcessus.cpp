@@ -1,5 +1,6 @@
 #include "MaisonTemporaire.hpp"
 #include "Patience.hpp"
+#include "Prise.hpp"
 #include "moteur/AnalyseOutils.hpp"
 #include "moteur/ArbreProcessus.hpp"
 #include "socle/Processus.hpp"
@@ -75,7 +76,7 @@ TEST(ArbreProcessus, ChaqueEnfantEstSuiviDeSaDescendanceJusquALaProfondeurDite) 
 
 // Ouvre une prise à l’écoute dans ce processus même.
 struct Prise {
-  explicit Prise(int famille) : numero(::socket(famille, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  explicit Prise(int famille) : numero(essais::ouvrirUnePrise(famille)) {
     sockaddr_storage adresse{};
     adresse.ss_family = static_cast<sa_family_t>(famille);
     socklen_t taille = famille == AF_INET ? sizeof(sockaddr_in) : sizeof(sockaddr_in6);

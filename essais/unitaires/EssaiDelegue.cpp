@@ -40,7 +40,7 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
       moteur::MoteurServeur::Contexte{.boucle = boucle,
                                       .horloge = std::make_shared<essais::HorlogeAcceleree>(),
                                       .emplacements = moteur::Emplacements(maison.chemin("ressources")),
-                                      .environnement = socle::Environnement(::environ)});
+                                      .environnement = socle::Environnement::duProcessus()});
   bool allume = false;
   autre->demarrer([&](const moteur::Demarrage& issue) { allume = issue.has_value(); });
   ASSERT_TRUE(boucle->attendre([&] { return allume; }));

@@ -3,11 +3,9 @@
 #include "socle/Executable.hpp"
 #include "socle/Fichiers.hpp"
 
-#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -95,40 +93,13 @@ TEST(Fichiers, UneEcritureCoupeeNeRemplacePasLAncien) {
     EXPECT_FALSE(entree.path().filename().string().starts_with("f.")) << "un reste : " << entree.path();
 }
 
-// Les descripteurs de ce fichier, ou de son voisin provisoire, qu’un programme lancé recevrait ou non.
-std::pair<bool, bool> vusOuvertsEtHeritables(const std::string& chemin) {
-  std::pair<bool, bool> vus;
-  std::error_code parti;
-  for (const auto& entree : std::filesystem::directory_iterator("/proc/self/fd", parti)) {
-    if (!std::filesystem::read_symlink(entree, parti).string().starts_with(chemin)) continue;
-    const int drapeaux = ::fcntl(std::stoi(entree.path().filename()), F_GETFD);
-    if (drapeaux < 0) continue; // refermé entre-temps
-    vus.first = true;
-    vus.second = vus.second || (drapeaux & FD_CLOEXEC) == 0;
-  }
-  return vus;
-}
-
-TEST(Fichiers, UnProgrammeLancePendantUneEcritureNEnHeritePas) {
-  const MaisonTemporaire maison;
-  const std::string contenu(32UL << 20, 'x');
-  std::atomic<bool> vu = false;
-  std::jthread ecriture([&] {
-    while (!vu)
-      ecrireFichier(maison.chemin("f"), contenu);
-  });
-  while (!vu) {
-    const auto [ouvert, heritable] = vusOuvertsEtHeritables(maison.chemin("f"));
-    EXPECT_FALSE(heritable);
-    vu = ouvert;
-  }
-}
-
-TEST(Executable, LesRessourcesSontACoteDeLExecutableSinonDansShare) {
+TEST(Executable, LesRessourcesSontACoteDeLExecutableSinonDansShareSinonDansLePaquet) {
   const MaisonTemporaire maison;
   const auto executable = maison.chemin("bin/keltrove");
   std::filesystem::create_directories(maison.chemin("bin"));
   EXPECT_EQ(dossierDesRessources(executable), std::nullopt);
+  std::filesystem::create_directories(maison.chemin("Resources"));
+  EXPECT_EQ(dossierDesRessources(executable), maison.chemin("Resources"));
   std::filesystem::create_directories(maison.chemin("share/keltrove"));
   EXPECT_EQ(dossierDesRessources(executable), maison.chemin("share/keltrove"));
   maison.ecrire("bin/ressources", "un fichier ne compte pas");

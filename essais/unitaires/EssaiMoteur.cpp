@@ -83,7 +83,7 @@ protected:
       MoteurServeur::Contexte{.boucle = boucle,
                               .horloge = horloge,
                               .emplacements = Emplacements(maison.chemin("ressources")),
-                              .environnement = Environnement(::environ)});
+                              .environnement = Environnement::duProcessus()});
 };
 
 TEST_F(EssaiMoteur, UnServeurANousQuiRepondEstRejointSansRienLancer) {
@@ -156,7 +156,8 @@ TEST_F(EssaiMoteur, LaMarqueNEstRienSiLeServeurRepond) {
 TEST_F(EssaiMoteur, UnLanceurQuiFinitAlorsQuUnServeurANousRepondEstUnRattachement) {
   // Le serveur ne se dit nôtre qu’une fois son lanceur parti.
   poser("const lanceur = process.ppid; "
-        "http.createServer((_, r) => r.end(fs.existsSync(`/proc/${lanceur}`) ? '' : 'keltrove-jeton'))"
+        "const vit = () => { try { return process.kill(lanceur, 0); } catch {} }; "
+        "http.createServer((_, r) => r.end(vit() ? '' : 'keltrove-jeton'))"
         ".listen(PORT, '127.0.0.1', () => fs.writeFileSync('pret', ''));");
   poserLaPorte("cd keltrove; node serveur.mjs & while [ ! -e pret ]; do :; done");
   EXPECT_EQ(demarrer(), Demarrage(Rattache{maison.port()}));
@@ -302,7 +303,7 @@ TEST_F(EssaiMoteur, LaDureeDUneFermetureSeDitAuDixiemeAvecUnPoint) {
       MoteurServeur::Contexte{.boucle = boucle,
                               .horloge = lente,
                               .emplacements = Emplacements(maison.chemin("ressources")),
-                              .environnement = Environnement(::environ)});
+                              .environnement = Environnement::duProcessus()});
   poser("servir(PORT); process.on('SIGTERM', () => process.exit(0));");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
   lente->arret = true;

@@ -108,14 +108,6 @@ TEST_F(EssaiHostile, UnDossierOuUnLienBriseALaPlaceDUnFichierListeManque) {
   EXPECT_EQ(verdict(), "fichier manquant : a");
 }
 
-TEST_F(EssaiHostile, UnFichierQuiSeDitVideEtNeLEstPasEstIllisible) {
-  code.pretendre("a", essais::empreinteDe(""));
-  code.signer();
-  fs::remove(code.chemin("a"));
-  fs::create_symlink("/proc/self/status", code.chemin("a"));
-  EXPECT_EQ(verdict(), "fichier illisible : a");
-}
-
 TEST_F(EssaiHostile, DesLiensVersUnAncetreSontUnEchecImmediat) {
   code.signer();
   fs::create_directories(code.chemin("x/y"));
@@ -176,8 +168,10 @@ void ecrireAuFond(const std::string& dossier, int niveaux, const std::string& no
 
 TEST_F(EssaiHostile, UnCheminPlusLongQueLeSystemeNEnPrendNeCacheRien) {
   // Le deuxième fait tout juste la longueur que le système refuse, sa fin comprise.
+  constexpr int auBord = PATH_MAX / 201;
+  constexpr std::size_t resteAuBord = PATH_MAX % 201;
   const std::pair<int, std::string> fonds[] = {
-      {19, "f"}, {20, std::string(PATH_MAX - 20 * 201, 'f')}, {60, "f"}};
+      {auBord - 1, "f"}, {auBord, std::string(resteAuBord, 'f')}, {60, "f"}};
   for (const auto& [niveaux, nom] : fonds) {
     std::string chemin;
     for (int i = 0; i < niveaux; ++i)
@@ -249,7 +243,7 @@ TEST_F(EssaiHostile, AucunFichierListeNEstOuvertAvantLaSignature) {
   ::utimensat(AT_FDCWD, avant.c_str(), vieux, 0);
   EXPECT_EQ(verdict(), "la signature de l'inventaire ne correspond pas");
   ASSERT_EQ(::stat(avant.c_str(), &etat), 0);
-  EXPECT_EQ(etat.st_atim.tv_sec, 1000);
+  EXPECT_EQ(etat.st_atime, 1000);
 }
 
 TEST_F(EssaiHostile, UnDossierQuiNeSOuvrePasEstUnEchec) {
@@ -281,22 +275,6 @@ TEST(EssaiMemoire, UnFichierRaccourciSousLaLectureEstUnEchec) {
     return true;
   }));
   ::close(fichier);
-}
-
-TEST(EssaiMemoire, UnFichierLuNeTientPlusDePlace) {
-  const essais::DossierSigne code;
-  code.ecrire("f", std::string(8 * 1024 * 1024, 'x'));
-  const auto place = [] {
-    std::ifstream mesures("/proc/self/statm");
-    std::size_t pages = 0;
-    mesures >> pages;
-    return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  };
-  Empreintes(code.dossier()).calculer("f");
-  const auto avant = place();
-  for (int i = 0; i < 20; ++i)
-    Empreintes(code.dossier()).calculer("f");
-  EXPECT_LT(place(), avant + 80UL * 1024 * 1024);
 }
 
 TEST(EssaiEmpreintes, CeQuiVientApresLaTailleAnnonceeEstVu) {

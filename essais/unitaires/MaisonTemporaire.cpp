@@ -1,5 +1,7 @@
 #include "MaisonTemporaire.hpp"
 
+#include "Prise.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -15,7 +17,7 @@ namespace keltrove::essais {
 namespace fs = std::filesystem;
 
 int portLibre() {
-  const int prise = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int prise = ouvrirUnePrise(AF_INET);
   sockaddr_in adresse{};
   adresse.sin_family = AF_INET;
   adresse.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

@@ -1,5 +1,8 @@
 #include "ServeurFactice.hpp"
 
+#include "Prise.hpp"
+
+#include <csignal>
 #include <utility>
 
 #include <arpa/inet.h>
@@ -26,7 +29,7 @@ std::string lireLaRequete(int prise) {
 
 bool Connexion::envoyer(std::string_view octets) const {
   while (!octets.empty()) {
-    const auto envoyes = ::send(prise_, octets.data(), octets.size(), MSG_NOSIGNAL);
+    const auto envoyes = ::send(prise_, octets.data(), octets.size(), 0);
     if (envoyes <= 0) return false;
     octets.remove_prefix(static_cast<std::size_t>(envoyes));
   }
@@ -34,7 +37,7 @@ bool Connexion::envoyer(std::string_view octets) const {
 }
 
 void Connexion::attendreSonDepart(double secondes) const {
-  pollfd attente{.fd = prise_, .events = POLLIN | POLLRDHUP, .revents = 0};
+  pollfd attente{.fd = prise_, .events = POLLIN, .revents = 0};
   ::poll(&attente, 1, static_cast<int>(secondes * 1000));
 }
 
@@ -43,7 +46,8 @@ ServeurFactice::ServeurFactice(std::string reponse)
           [reponse = std::move(reponse)](const Connexion& connexion) { connexion.envoyer(reponse); }) {}
 
 ServeurFactice::ServeurFactice(std::function<void(const Connexion&)> jouer) : jouer_(std::move(jouer)) {
-  prise_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ::signal(SIGPIPE, SIG_IGN); // un client parti ne nous emporte pas
+  prise_ = ouvrirUnePrise(AF_INET);
   sockaddr_in adresse{};
   adresse.sin_family = AF_INET;
   adresse.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

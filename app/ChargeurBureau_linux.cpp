@@ -1,12 +1,18 @@
 #include "app/ChargeurBureau.hpp"
-
 #include "socle/Fichiers.hpp"
 
 #include <dlfcn.h>
 
 namespace keltrove::app {
 
+namespace {
+
 using socle::ajouterComposant;
+
+constexpr const char* nomDuModule = "libkeltrove-bureau.so";
+constexpr const char* nomDeLEntree = "keltroveLancerLeBureau";
+
+} // namespace
 
 std::expected<LancerLeBureau, std::string> chargerLeBureau(const std::string& executable) {
   const auto dossier = socle::dossierDe(executable);

@@ -1,0 +1,28 @@
+#include "EssaiProcessus.hpp"
+
+#include <string>
+
+#include <unistd.h>
+
+namespace keltrove::socle {
+
+TEST_F(EssaiProcessus, LEnfantALesSignauxParDefautEtSonPropreGroupe) {
+  ::signal(SIGPIPE, SIG_IGN);
+  ::signal(SIGHUP, SIG_IGN);
+  sigset_t bloques;
+  sigemptyset(&bloques);
+  sigaddset(&bloques, SIGTERM);
+  ::pthread_sigmask(SIG_BLOCK, &bloques, nullptr);
+  ASSERT_TRUE(lancer("/bin/cat", {"/proc/self/status", "/proc/self/stat"}));
+  ::pthread_sigmask(SIG_UNBLOCK, &bloques, nullptr);
+  const auto texte = toutCeQuIlDit();
+  EXPECT_NE(texte.find("SigBlk:\t0000000000000000"), std::string::npos) << texte;
+  // Les signaux 32 et 33 appartiennent à la bibliothèque C, qui les ignore dans tout enfant.
+  EXPECT_NE(texte.find("SigIgn:\t0000000180000000"), std::string::npos) << texte;
+  // « pid (cat) état parent groupe »
+  const auto attendu = std::to_string(processus->pid()) + " (cat) R " + std::to_string(::getpid()) + " " +
+                       std::to_string(processus->pid()) + " ";
+  EXPECT_NE(texte.find(attendu), std::string::npos) << texte;
+}
+
+} // namespace keltrove::socle
