@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # ce que lit un script qui lit celui-ci
 # Ce que les outils partagent : installer ce qui manque, construire, ouvrir un écran virtuel.
 # À lire par « . » depuis un script bash lancé avec « set -euo pipefail ».
 
@@ -18,6 +19,7 @@ paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblew
 # Pour les bancs seuls : ce à quoi l’on se compare, et de quoi le mesurer.
 paquets_bancs=(xfce4-terminal chromium libxtst6 libxdamage1 xdotool python3)
 paquets_paquet=(dpkg-dev file lintian desktop-file-utils appstream man-db zsh)
+paquets_linters=(clang-format-19 pyflakes3 shellcheck)
 paquets_portabilite=(clang-19 clang-tidy-19 clang-format-19 gcovr libclang-rt-19-dev libc++-19-dev libc++abi-19-dev)
 # Pour le bureau macOS, construit et essayé ici contre GNUstep.
 paquets_cocoa=(clang-19 libclang-rt-19-dev libobjc-12-dev libblocksruntime-dev libgnustep-base-dev libgnustep-gui-dev
@@ -54,8 +56,11 @@ construire() {
   local prereglage=$1 trace
   shift
   trace=$(mktemp)
+  mkdir -p "$racine/build"
   dire "Je construis ($prereglage)…"
-  if ! { (cd "$racine" && cmake --preset "$prereglage" "$@" && cmake --build --preset "$prereglage") >"$trace" 2>&1; }; then
+  # Deux étapes peuvent vouloir la même à la fois : la seconde la trouve faite.
+  if ! (cd "$racine" && flock 9 && cmake --preset "$prereglage" "$@" && cmake --build --preset "$prereglage") \
+    >"$trace" 2>&1 9>"$racine/build/.$prereglage.verrou"; then
     tail -n 60 "$trace" >&2
     rm -f "$trace"
     abandonner "La construction « $prereglage » a échoué : l’erreur est juste au-dessus."

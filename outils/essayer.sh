@@ -1,79 +1,63 @@
 #!/usr/bin/env bash
-# Installe ce que les essais demandent, construit et passe tous les essais.
-#   outils/essayer.sh             tout
-#   outils/essayer.sh --rapide    sans les assainisseurs ni la seconde bibliothèque standard
+# Installe ce que les essais demandent, construit, et passe tous les essais, étape par étape.
+#   outils/essayer.sh                           toutes les étapes
+#   outils/essayer.sh --rapide                  sans les assainisseurs, clang ni le paquet
+#   outils/essayer.sh unitaires bout-en-bout    celles-ci seulement, dans cet ordre
+#   outils/essayer.sh --etapes                  leur liste
 set -euo pipefail
 . "$(dirname "$0")/commun.sh"
+. "$(dirname "$0")/etapes.sh"
 
-rapide=non
-case "${1:-}" in
-  "") ;;
-  --rapide) rapide=oui ;;
-  *) abandonner "Option inconnue : $1. Essayez outils/essayer.sh, ou outils/essayer.sh --rapide" ;;
-esac
+devant=() fond=()
+for choix in "$@"; do
+  case $choix in
+    --etapes) lister_les_etapes; exit ;;
+    --rapide) devant+=("${etapes_rapides[@]}") construction_native=release ;;
+    *)
+      [[ " ${etapes[*]} " = *" $choix "* ]] || { lister_les_etapes >&2; abandonner "Je ne connais pas l’étape « $choix »."; }
+      devant+=("$choix")
+      ;;
+  esac
+done
+[ $# -gt 0 ] || devant=("${etapes_rapides[@]}" paquet) fond=("${etapes_de_fond[@]}")
 
-paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}")
-[ $rapide = oui ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}")
-installer_ce_qui_manque "${paquets[@]}"
-
-essais_unitaires() {
-  dire "Essais unitaires ($1)…"
-  ctest --test-dir "$racine/build/$1" -j"$(nproc)" --output-on-failure ||
-    abandonner "Des essais unitaires échouent ($1) : relancez « ctest --test-dir build/$1 --output-on-failure »."
-  dire "Essais unitaires ($1) : réussis."
+# passer <étape> : son état et sa durée vont dans $bilan. Une étape ratée n’empêche pas les suivantes de dire ce qu’elles ont à
+# dire. À part et attendue, et non dans une condition, où bash ne s’arrêterait plus à la première faute.
+passer() {
+  local debut=$SECONDS etat=0
+  dire "=== $1"
+  ("etape_${1//-/_}") &
+  wait $! || etat=$?
+  echo "$etat $((SECONDS - debut))" >"$bilan/$1"
+  [ $etat = 0 ] || dire "L’étape « $1 » a échoué ; seule : outils/essayer.sh $1" >&2
 }
 
-construire release -DKELTROVE_STRICT=ON -DKELTROVE_ESSAIS=ON
-essais_unitaires release
+resumer() {
+  local etape etat duree
+  dire "=== En $((SECONDS / 60)) min $((SECONDS % 60)) s :"
+  for etape in "${devant[@]}" "${fond[@]}"; do
+    etat='' duree=0
+    [ ! -e "$bilan/$etape" ] || read -r etat duree <"$bilan/$etape"
+    case $etat in 0) etat="réussie" ;; "") etat="interrompue" ;; *) etat="ÉCHOUÉE" ;; esac
+    printf '  %-13s %3d min %02d s  %s\n' "$etape" $((duree / 60)) $((duree % 60)) "$etat"
+  done
+  rm -rf "$bilan" "$trace_du_fond"
+}
 
-dire "Le comportement ne lie aucune boîte à outils…"
-liens=$(ldd "$racine/build/release/essais/unitaires/essais_unitaires" "$racine/build/release/keltrove")
-! grep -E 'gtk|gdk|webkit|libgio' <<<"$liens" ||
-  abandonner "Une bibliothèque du bureau est liée là où elle ne doit pas l’être."
+paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}" "${paquets_linters[@]}")
+[ $construction_native = release ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}")
+installer_ce_qui_manque "${paquets[@]}"
 
-dire "Essais du serveur…"
-(cd "$racine/serveur" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error && npm test) ||
-  abandonner "Des essais du serveur échouent : relancez « npm test » dans serveur/."
-
-if [ $rapide = non ]; then
-  dire "Mise en forme…"
-  (cd "$racine" && find socle moteur verification pont fenetre app bureau essais -name '*.[ch]pp' -print0 |
-    xargs -0 clang-format-19 --dry-run --Werror) ||
-    abandonner "Des fichiers ne sont pas mis en forme : « clang-format-19 -i » les corrige."
-
-  dire "Analyse statique…"
-  trace=$(mktemp)
-  run-clang-tidy-19 -quiet -j"$(nproc)" -p "$racine/build/release" \
-    "$racine/(socle|moteur|verification|pont|fenetre|app|bureau)/" >"$trace" 2>&1 ||
-    { grep -E '(error|warning):' "$trace" | sort -u >&2; abandonner "clang-tidy a trouvé à redire."; }
-  rm -f "$trace"
-
-  construire couverture
-  essais_unitaires couverture
-  dire "Lignes du comportement parcourues (au moins 95 %)…"
-  (cd "$racine" && gcovr -r . build/couverture -f '(socle|moteur|verification|pont|fenetre|app)/' -s --fail-under-line 95) ||
-    abandonner "Les essais parcourent moins de 95 % des lignes du comportement."
-
-  construire libcxx -DKELTROVE_STRICT=ON
-  construire fuzz -DKELTROVE_STRICT=ON
-  dire "Entrées cherchées au hasard, trente secondes chacune…"
-  "$racine/essais/fuzz/lancer.sh" 30
-  construire asan -DKELTROVE_STRICT=ON
-  essais_unitaires asan
-  construire tsan -DKELTROVE_BUREAU=OFF
-  essais_unitaires tsan
-
-  dire "Essais de bout en bout, sur un écran virtuel (construction assainie)…"
-  # Ceux qui mesurent la mémoire ou installent une copie n’ont de sens que pour la version livrée, juste après.
-  KELTROVE_CONSTRUCTION="$racine/build/asan" "$racine/essais/bout-en-bout/lancer.sh" \
-    -essai_endurance -serveur_bavard -CopieInstallee
-  dire "Essais de bout en bout de la version livrée…"
-  KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" \
-    essai_endurance essai_installation essai_inventaire essai_demarrage essai_vie essai_machine
-  dire "Le paquet, contrôlé par l’outil de chacune de ses parties…"
-  "$racine/outils/paquet.sh"
-  exit
-fi
-
-dire "Essais de bout en bout, sur un écran virtuel…"
-KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh"
+bilan=$(mktemp -d)
+trap resumer EXIT
+trap 'trap - INT; kill 0' INT
+derriere() {
+  renice -n 10 "$BASHPID" >/dev/null
+  for etape in "${fond[@]}"; do passer "$etape"; done
+}
+trace_du_fond=$(mktemp)
+derriere >"$trace_du_fond" 2>&1 &
+for etape in "${devant[@]}"; do passer "$etape"; done
+wait
+cat "$trace_du_fond"
+! grep -qv '^0 ' "$bilan"/*

@@ -22,12 +22,12 @@ manuel_sans_avertissement() {
 
 # Chaque titulaire nommé dans la licence d’un module livré se retrouve dans la notice.
 notices_completes() {
-  local titulaire manquants=0
+  local titulaire oublie=0
   while IFS= read -r titulaire; do
-    grep -qF -- "$titulaire" "$racine/paquet/copyright" || { dire "Oublié : $titulaire"; manquants=1; }
+    grep -qF -- "$titulaire" "$racine/paquet/copyright" || { dire "Oublié : $titulaire"; oublie=1; }
   done < <(find "$1" -iname 'LICENSE*' -exec grep -hE '^ *Copyright' {} + |
     sed -E 's/^ *Copyright( \(c\))? [0-9, –-]*(present )?//; s/ *[<(].*//' | sort -u)
-  return $manquants
+  return $oublie
 }
 
 controler_le_contenu() {

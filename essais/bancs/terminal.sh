@@ -24,7 +24,7 @@ fi
 export LANG=C.UTF-8 LC_ALL=C.UTF-8 NO_AT_BRIDGE=1
 fermer() {
   fermer_l_ecran_virtuel
-  echo $$ >"${groupe%/*}/cgroup.procs" && rmdir $groupe || true
+  if echo $$ >"${groupe%/*}/cgroup.procs"; then rmdir "$groupe" || true; fi
 } 2>/dev/null
 trap fermer EXIT
 ouvrir_un_ecran_virtuel

@@ -88,7 +88,7 @@ essai('ni lecture, ni base64 faux, ni octets qui ne sont pas du texte, ni excès
   assert.doesNotMatch(await page.evaluer('envois.join()'), /52;/);
 });
 
-essai('copier en sélectionnant : à la souris seulement, et si on le veut', async (page, emettre) => {
+essai('copier en sélectionnant : à la souris seulement, et si on le veut', async (page) => {
   await page.evaluer("window.copies = []; addEventListener('copy', (e) => copies.push(e.clipboardData.getData('text/plain')))");
   await page.ecrire('clear; echo un-mot-a-copier');
   await page.touche('Entrée');
