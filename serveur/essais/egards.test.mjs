@@ -1,18 +1,8 @@
 import assert from 'node:assert/strict';
 import { writeFileSync } from 'node:fs';
-import { after, before, test } from 'node:test';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { essaisDeLaPage } from './navigateur.mjs';
 
-let navigateur;
-
-before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
-after(() => navigateur?.fermer());
-
-const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
-  const page = await PageVue.ouvrir(t, navigateur);
-  await faire(page);
-  assert.deepEqual(page.fautes, []);
-});
+const essai = essaisDeLaPage();
 
 // KELTROVE_CAPTURES=dossier garde l’image de chaque état.
 async function photographier(page, nom) {

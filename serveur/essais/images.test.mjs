@@ -1,19 +1,9 @@
 import assert from 'node:assert/strict';
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { essaisDeLaPage } from './navigateur.mjs';
 
-let navigateur;
-
-before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
-after(() => navigateur?.fermer());
-
-const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
-  const page = await PageVue.ouvrir(t, navigateur);
-  await faire(page);
-  assert.deepEqual(page.fautes, []);
-});
+const essai = essaisDeLaPage();
 
 // Quarante points de large et douze de haut, tout rouges.
 const ROUGE = '\x1bPq"1;1;40;12#1;2;100;0;0#1!40~-#1!40~\x1b\\';

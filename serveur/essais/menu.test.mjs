@@ -1,18 +1,10 @@
 import assert from 'node:assert/strict';
-import { after, before, test } from 'node:test';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { test } from 'node:test';
+import { essaisDeLaPage } from './navigateur.mjs';
 import { Tampon } from '../lib/Tampon.mjs';
 
-let navigateur;
-before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
-after(() => navigateur?.fermer());
-
 const PRESSE_PAPIERS = "window.ouverts = []; window.open = (...a) => ouverts.push(a); navigator.clipboard.readText = async () => 'venu-du-presse-papiers';";
-const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
-  const page = await PageVue.ouvrir(t, navigateur, { avant: PRESSE_PAPIERS });
-  await faire(page, t);
-  assert.deepEqual(page.fautes, []);
-});
+const essai = essaisDeLaPage({ avant: PRESSE_PAPIERS });
 
 const OUVERT = '!document.querySelector(".fond-de-menu").hidden';
 const AU_TERMINAL = 'document.activeElement.className === "xterm-helper-textarea"';

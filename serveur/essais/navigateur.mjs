@@ -1,7 +1,9 @@
+import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
 import { existsSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { delimiter, join } from 'node:path';
+import { after, before, test } from 'node:test';
 import WebSocket from 'ws';
 import { borner, lancer, preparerMaison } from './outils.mjs';
 
@@ -184,12 +186,23 @@ export class PageVue {
   }
 }
 
+// Les essais de la page : un navigateur pour tout le fichier, une page neuve pour chacun, et aucune faute dite à la console.
+export function essaisDeLaPage(options) {
+  let navigateur;
+  before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
+  after(() => navigateur?.fermer());
+  return (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
+    const page = await PageVue.ouvrir(t, navigateur, options);
+    await faire(page, t);
+    assert.deepEqual(page.fautes, []);
+  });
+}
+
 const TOUCHES = {
   Entrée: ['Enter', 'Enter', 13], Échap: ['Escape', 'Escape', 27], Tab: ['Tab', 'Tab', 9],
   Menu: ['ContextMenu', 'ContextMenu', 93], Haut: ['ArrowUp', 'ArrowUp', 38], Bas: ['ArrowDown', 'ArrowDown', 40],
   Début: ['Home', 'Home', 36], Fin: ['End', 'End', 35],
   Gauche: ['ArrowLeft', 'ArrowLeft', 37], Droite: ['ArrowRight', 'ArrowRight', 39],
-  Haut: ['ArrowUp', 'ArrowUp', 38], Bas: ['ArrowDown', 'ArrowDown', 40], Fin: ['End', 'End', 35],
   PageSuivante: ['PageDown', 'PageDown', 34], PagePrécédente: ['PageUp', 'PageUp', 33],
   F2: ['F2', 'F2', 113], Espace: [' ', 'Space', 32], Plus: ['+', 'Equal', 187], Moins: ['_', 'Minus', 189],
 };

@@ -2,21 +2,12 @@ import assert from 'node:assert/strict';
 import headless from '@xterm/headless';
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 import { placer, reperer } from '../page/lignes.js';
 import { compiler, trouver } from '../page/motif.js';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { essaisDeLaPage } from './navigateur.mjs';
 
-let navigateur;
-
-before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
-after(() => navigateur?.fermer());
-
-const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
-  const page = await PageVue.ouvrir(t, navigateur);
-  await faire(page);
-  assert.deepEqual(page.fautes, []);
-});
+const essai = essaisDeLaPage();
 
 const lancerUneLigne = async (page, ligne) => {
   await page.ecrire(ligne);

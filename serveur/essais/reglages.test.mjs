@@ -1,17 +1,7 @@
 import assert from 'node:assert/strict';
-import { after, before, test } from 'node:test';
-import { Navigateur, PageVue, sansNavigateur } from './navigateur.mjs';
+import { essaisDeLaPage } from './navigateur.mjs';
 
-let navigateur;
-
-before(async () => sansNavigateur || (navigateur = await Navigateur.lancer()));
-after(() => navigateur?.fermer());
-
-const essai = (phrase, faire) => test(phrase, { skip: sansNavigateur }, async (t) => {
-  const page = await PageVue.ouvrir(t, navigateur);
-  await faire(page, t);
-  assert.deepEqual(page.fautes, []);
-});
+const essai = essaisDeLaPage();
 
 const GARDES = 'JSON.parse(localStorage.getItem("keltrove-reglages"))';
 const valeurs = (page) => page.evaluer('import("/reglages.js").then(({ valeurs }) => valeurs)');
