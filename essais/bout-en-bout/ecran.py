@@ -20,6 +20,7 @@ PAS = 0.05  # lire un écran occupe aussi son application
 
 def _parcourir(objet):
     try:
+        objet.get_role_name()
         nombre = objet.get_child_count()
     except GLib.Error as erreur:
         # Celui d’une page tuée : la boîte à outils lui garde sa place jusqu’à la suivante.
