@@ -15,7 +15,9 @@ from pathlib import Path
 from depot import DOCUMENTS, FICHIERS, RACINE, SOURCES, conclure, est_la, lire
 
 # Ce que le système apporte, et dont il n’y a rien d’autre à contrôler.
-DEHORS = {"apt", "echo", "keltrove", "mkdir"}
+DEHORS = {"apt", "echo", "find", "keltrove", "mkdir"}
+# De même sur un Mac.
+DEHORS |= {"brew", "codesign", "ditto", "spctl", "xcrun"}
 # Ce qui en lance un autre.
 LANCEURS = {"dbus-run-session", "export", "sudo"}
 PREREGLAGES = {sorte: {p["name"]: p for p in json.loads(lire("CMakePresets.json"))[sorte]}

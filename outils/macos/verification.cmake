@@ -1,0 +1,37 @@
+# Compile et lie pour macOS sans Mac, avec la trousse d’outils/macos/trousse.sh. Rien de ce qui en sort n’est
+# livré : la version livrée se construit sur un Mac.
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR $ENV{KELTROVE_ARCHITECTURE})
+set(trousse ${CMAKE_CURRENT_LIST_DIR}/../../build/trousse-macos)
+get_filename_component(systeme ${trousse}/systeme ABSOLUTE)
+set(CMAKE_OSX_ARCHITECTURES $ENV{KELTROVE_ARCHITECTURE} CACHE STRING "")
+set(CMAKE_OSX_DEPLOYMENT_TARGET 13.0 CACHE STRING "")
+set(CMAKE_OSX_SYSROOT ${systeme} CACHE PATH "")
+
+foreach(langue C CXX OBJCXX)
+  set(CMAKE_${langue}_COMPILER_TARGET $ENV{KELTROVE_ARCHITECTURE}-apple-macos13.0)
+  set(CMAKE_${langue}_FLAGS_INIT -Wunguarded-availability)
+endforeach()
+# Sans quoi clang prendrait les en-têtes qui l’accompagnent, qui ne savent rien des versions de macOS.
+foreach(langue CXX OBJCXX)
+  string(APPEND CMAKE_${langue}_FLAGS_INIT " -stdlib++-isystem ${systeme}/usr/include/c++/v1")
+endforeach()
+set(llvm /usr/lib/llvm-19/bin)
+set(CMAKE_C_COMPILER ${llvm}/clang)
+set(CMAKE_CXX_COMPILER ${llvm}/clang++)
+set(CMAKE_OBJCXX_COMPILER ${llvm}/clang++)
+set(CMAKE_AR ${llvm}/llvm-ar)
+set(CMAKE_RANLIB ${llvm}/llvm-ranlib)
+set(CMAKE_INSTALL_NAME_TOOL ${llvm}/llvm-install-name-tool)
+set(CMAKE_OTOOL ${llvm}/llvm-otool)
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-adhoc_codesign -Wl,-fatal_warnings -lcompilateur")
+
+set(CMAKE_FIND_ROOT_PATH ${systeme})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_PREFIX_PATH /usr)
+set(ENV{PKG_CONFIG_LIBDIR} ${systeme}/usr/lib/pkgconfig)
+# Les essais ne se lancent pas ici : rien ne les énumère à la construction.
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)
