@@ -51,7 +51,7 @@ garder_arm64() { /usr/lib/llvm-19/bin/llvm-lipo -thin arm64 MacOS/Keltrove -outp
 dire "Des fautes semées…"
 for processeur in arm64 x86_64; do
   cp "$ici/essais/temoin.mm" "$champ/"
-  compiler && lier && auditer >/dev/null || abandonner "Le témoin lui-même est refusé ($processeur)."
+  { compiler && lier && auditer >/dev/null; } || abandonner "Le témoin lui-même est refusé ($processeur)."
 done
 processeur=arm64
 
