@@ -34,6 +34,7 @@ NSMenuItem* articleDe(const std::string& action) {
 }
 
 bool permis(const std::string& action) {
+  [fenetre() makeKeyWindow]; // le gestionnaire de fenêtres peut encore nous le rendre
   NSMenuItem* article = articleDe(action);
   [article.menu update];
   return article.isEnabled;
