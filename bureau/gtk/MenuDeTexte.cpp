@@ -31,6 +31,7 @@ MenuDeTexte::MenuDeTexte(Gtk::TextView& texte) : texte_(texte), volet_(articles(
   volet_.set_parent(texte_);
   volet_.set_has_arrow(false);
   volet_.set_halign(Gtk::Align::START);
+  volet_.signal_show().connect([this] { nommerLesArticles(volet_); });
   volet_.signal_closed().connect([this] { texte_.grab_focus(); });
   nommerLeMenu(volet_, fenetre::Apparence::Noms::menuDUnTexte);
   ouvrirALaSouris();

@@ -99,6 +99,7 @@ void MenusGtk::suivreLOuverture(const std::vector<Menus::Menu>& menus) {
       // GTK n’écrit les touches d’un article qu’une fois son menu relié à l’application.
       popover->signal_show().connect([this, popover, touches = touchesDe(*menu)] {
         ecrireLesTouches(*popover, touches);
+        nommerLesArticles(*popover);
         if (quandUnMenuSOuvre) quandUnMenuSOuvre();
       });
       // L’action choisie s’exécute après la fermeture, et passer d’un menu au voisin en ferme un aussi.

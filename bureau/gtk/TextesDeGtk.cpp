@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::array ascenseurs{"GtkScrollbar", "GtkRange"};
 constexpr std::array enveloppesDeMenu{"GtkPopoverMenu", "GtkPopoverContent"};
+constexpr std::array articlesDeMenu{"GtkModelButton"};
 
 template <typename Faire>
 void parcourir(GtkWidget* element, const Faire& faire) {
@@ -59,6 +60,14 @@ void nommer(Gtk::Widget& element, const Glib::ustring& nom) {
 void nommerLesAscenseurs(Gtk::Widget& racine) {
   parcourir(racine.gobj(), [](GtkWidget* element) {
     if (estUn(element, ascenseurs)) nommer(GTK_ACCESSIBLE(element), fenetre::Apparence::Noms::defilement);
+  });
+}
+
+void nommerLesArticles(Gtk::Widget& volet) {
+  parcourir(volet.gobj(), [](GtkWidget* element) {
+    if (!estUn(element, articlesDeMenu)) return;
+    gtk_accessible_reset_relation(GTK_ACCESSIBLE(element), GTK_ACCESSIBLE_RELATION_LABELLED_BY);
+    nommer(GTK_ACCESSIBLE(element), titreDe(element).c_str());
   });
 }
 

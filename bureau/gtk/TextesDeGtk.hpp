@@ -21,6 +21,10 @@ void nommerLesAscenseurs(Gtk::Widget& racine);
 // De même, et les enveloppes dont GTK entoure les articles d’un menu.
 void nommerLeMenu(Gtk::Widget& volet, const Glib::ustring& nom);
 
+// Chaque article d’un menu, de son titre : GTK 4.18 y renvoie à un texte qu’il ne fait plus lire. À chaque
+// ouverture, car il recommence quand une touche y paraît.
+void nommerLesArticles(Gtk::Widget& volet);
+
 // Un cadre qui n’a rien à dire de plus que ce qu’il contient. À appeler avant qu’il ne se montre.
 void taire(Gtk::Widget& cadre);
 
