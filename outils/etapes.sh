@@ -13,7 +13,7 @@ lister_les_etapes() {
   linters       la mise en forme du C++, puis eslint, pyflakes et shellcheck
   unitaires     les essais unitaires de la version livrée, dont le comportement ne lie aucune boîte à outils
   serveur       les essais du serveur et de sa page
-  bout-en-bout  l’application entière, sur des écrans virtuels
+  bout-en-bout  l’application entière, sur un écran virtuel
   paquet        le paquet Debian, contrôlé par l’outil de chacune de ses parties
   assaini       les essais unitaires, adresses et comportements indéfinis surveillés
   courses       les essais unitaires, courses surveillées
@@ -74,18 +74,14 @@ etape_serveur() {
   npm test || abandonner "Des essais du serveur échouent : relancez « npm test » dans serveur/."
 }
 
+# L’une après l’autre : deux écrans à la fois feraient attendre aux fenêtres assainies plus que leurs essais ne patientent.
 etape_bout_en_bout() {
-  local trace livree etat=0
+  local etat=0
   construire_la_version_livree
   [ $construction_native = release ] || construire "$construction_native" -DKELTROVE_STRICT=ON
-  trace=$(mktemp)
-  KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" "${essais_de_la_version_livree[@]}" >"$trace" 2>&1 &
-  livree=$!
   KELTROVE_CONSTRUCTION="$racine/build/$construction_native" "$racine/essais/bout-en-bout/lancer.sh" \
     "${essais_de_la_version_livree[@]/#/-}" || etat=1
-  wait $livree || etat=1
-  cat "$trace"
-  rm -f "$trace"
+  KELTROVE_CONSTRUCTION="$racine/build/release" "$racine/essais/bout-en-bout/lancer.sh" "${essais_de_la_version_livree[@]}" || etat=1
   return $etat
 }
 
