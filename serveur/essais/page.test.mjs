@@ -216,10 +216,10 @@ essai('la taille du texte et le lecteur d’écran se règlent, et restent', asy
 essai('dix mille lignes en arrière, les couleurs, les larges et les composés', async (page) => {
   await lancerUneLigne(page, 'seq 12000; printf "\\e[38;2;1;2;3mvrai\\e[0m 日本🎉e\\u0301|\\n"');
   await page.attendreLeTexte('/^vrai/m');
-  const points = await page.evaluer(`(() => { const toile = document.querySelector('.xterm-screen canvas');
+  // Lue n’est pas dessinée : une telle sortie ne l’est que quinze fois par seconde.
+  await page.attendre(`(() => { const toile = document.querySelector('.xterm-screen canvas');
     const { data } = toile.getContext('2d').getImageData(0, 0, toile.width, toile.height);
-    return new Uint32Array(data.buffer).filter((point) => point === 0xff030201).length; })()`);
-  assert.ok(points > 0, 'aucun point de la couleur demandée');
+    return new Uint32Array(data.buffer).includes(0xff030201); })()`);
   await page.evaluer(TOUT_SELECTIONNER);
   await page.evaluer(NOTER_LA_COPIE);
   await page.touche('Ctrl+Maj+C');
