@@ -134,6 +134,9 @@ SCENARIO(unLienSOuvreAilleursSurUnGesteSeulement) {
 
 SCENARIO(laPageSaitSiOnLaRegardeEtQuUnLecteurTourne) {
   ouvrirLaPage();
+  // Qui n’est pas encore devant n’a rien à quitter.
+  faire([] { [NSApp activateIgnoringOtherApps:YES]; });
+  attendre("l’application est devant", [] { return static_cast<bool>([NSApp isActive]); });
   faire([] {
     page().evaluations.clear();
     [NSApp deactivate];
