@@ -49,7 +49,8 @@ installer_les_modules() {
 etape_linters() {
   dire "Mise en forme…"
   cd "$racine"
-  find socle moteur verification pont fenetre app bureau essais -name '*.[ch]pp' -print0 | xargs -0 clang-format-19 --dry-run --Werror ||
+  find socle moteur verification pont fenetre app bureau essais outils \( -name '*.[ch]pp' -o -name '*.mm' -o -name '*.m' -o -name '*.h' \) -print0 |
+    xargs -0 clang-format-19 --dry-run --Werror ||
     abandonner "Des fichiers ne sont pas mis en forme : « clang-format-19 -i » les corrige."
   dire "pyflakes…"
   find essais outils -name '*.py' -print0 | xargs -0 pyflakes3

@@ -2,11 +2,11 @@
 #pragma once
 #pragma clang system_header
 #include <dispatch/dispatch.h>
+#import <objc/NSObject.h>
+#import <objc/objc.h>
 #include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
-#import <objc/NSObject.h>
-#import <objc/objc.h>
 
 #define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
 #define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")

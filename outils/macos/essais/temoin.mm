@@ -16,7 +16,8 @@
                                                  defer:NO];
   [self.fenetre makeKeyAndOrderFront:nil];
   [NSTimer scheduledTimerWithTimeInterval:1 target:self selector:@selector(battre:) userInfo:nil repeats:YES];
-  WKWebView* vue = [[WKWebView alloc] initWithFrame:NSZeroRect configuration:[[WKWebViewConfiguration alloc] init]];
+  WKWebView* vue = [[WKWebView alloc] initWithFrame:NSZeroRect
+                                      configuration:[[WKWebViewConfiguration alloc] init]];
   if (@available(macOS 13.3, *)) vue.inspectable = YES;
 }
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
@@ -28,7 +29,8 @@
   id quelqu_un = self;
   [quelqu_un description];
 }
-- (void)userContentController:(WKUserContentController*)controleur didReceiveScriptMessage:(WKScriptMessage*)message {
+- (void)userContentController:(WKUserContentController*)controleur
+      didReceiveScriptMessage:(WKScriptMessage*)message {
   (void)controleur;
   NSLog(@"%@", message.body);
 }
