@@ -4,10 +4,7 @@
 #include "moteur/ArbreProcessus.hpp"
 #include "socle/Processus.hpp"
 
-#include <chrono>
 #include <csignal>
-#include <functional>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -15,6 +12,7 @@
 namespace keltrove::moteur {
 namespace {
 
+using essais::attendre;
 using essais::MaisonTemporaire;
 
 constexpr const char* pgrep = "/usr/bin/pgrep";
@@ -24,13 +22,6 @@ std::string poserUnOutil(const MaisonTemporaire& maison, const std::string& text
   maison.ecrireExecutable("outil", "#!/bin/sh\necho \"$*\" >>\"" + maison.chemin("demandes") +
                                        "\"\necho bruit >&2\nprintf '" + texte + "'\n");
   return maison.chemin("outil");
-}
-
-bool attendre(const std::function<bool()>& condition) {
-  const auto limite = std::chrono::steady_clock::now() + essais::patience;
-  while (!condition() && std::chrono::steady_clock::now() < limite)
-    std::this_thread::yield();
-  return condition();
 }
 
 TEST(ArbreParOutils, LaDescendanceSelonPgrepEstCelleQueLeSystemeDonne) {

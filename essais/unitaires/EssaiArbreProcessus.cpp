@@ -6,10 +6,7 @@
 #include "socle/Processus.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
-#include <functional>
-#include <thread>
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -21,12 +18,7 @@
 namespace keltrove::moteur {
 namespace {
 
-bool attendre(const std::function<bool()>& condition) {
-  const auto limite = std::chrono::steady_clock::now() + essais::patience;
-  while (!condition() && std::chrono::steady_clock::now() < limite)
-    std::this_thread::yield();
-  return condition();
-}
+using essais::attendre;
 
 TEST(AnalyseOutils, LsofDonneLesPortsDistinctsDansLOrdre) {
   EXPECT_EQ(lireLsof("COMMAND PID USER FD TYPE DEVICE SIZE/OFF NODE NAME\n"

@@ -4,11 +4,9 @@
 
 #include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <mutex>
-#include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -74,9 +72,7 @@ TEST_F(EssaiProcessus, LaFinSAnnonceUneFoisEtTardivementToutDeSuite) {
   EXPECT_EQ(fins, 0);
   processus->terminer();
   EXPECT_TRUE(attendreLaFin());
-  const auto limite = std::chrono::steady_clock::now() + essais::patience;
-  while (fins == 0 && std::chrono::steady_clock::now() < limite)
-    std::this_thread::yield();
+  EXPECT_TRUE(essais::attendre([&] { return fins > 0; }));
   EXPECT_EQ(fins, 1);
   processus->surveillerLaFin([&] { fins += 10; });
   EXPECT_EQ(fins, 11);
@@ -111,10 +107,7 @@ TEST_F(EssaiProcessus, LacherUnProcessusNeLeTuePas) {
   processus.reset();
   EXPECT_EQ(::kill(pid, 0), 0);
   ::kill(pid, SIGKILL);
-  const auto limite = std::chrono::steady_clock::now() + essais::patience;
-  while (::kill(pid, 0) == 0 && std::chrono::steady_clock::now() < limite)
-    std::this_thread::yield();
-  EXPECT_NE(::kill(pid, 0), 0) << "recueilli même sans propriétaire";
+  EXPECT_TRUE(essais::attendre([&] { return ::kill(pid, 0) != 0; })) << "recueilli même sans propriétaire";
 }
 
 } // namespace

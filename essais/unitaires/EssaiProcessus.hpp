@@ -5,12 +5,10 @@
 #include "socle/Processus.hpp"
 
 #include <cerrno>
-#include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <functional>
 #include <mutex>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -61,10 +59,7 @@ protected:
   }
   bool lancerLeShell(const std::string& script) { return lancer("/bin/sh", {"-c", script}); }
   bool attendreLaFin() {
-    const auto limite = std::chrono::steady_clock::now() + essais::patience;
-    while (processus->tourne() && std::chrono::steady_clock::now() < limite)
-      std::this_thread::yield();
-    return !processus->tourne();
+    return essais::attendre([&] { return !processus->tourne(); });
   }
   std::string toutCeQuIlDit() {
     EXPECT_TRUE(attendreLaFin());
