@@ -1,6 +1,7 @@
 #include "bureau/gtk/DepotGtk.hpp"
 
 #include "bureau/gtk/GlissementGtk.hpp"
+#include "bureau/gtk/X11.hpp"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #include "bureau/gtk/FenetreGtk.hpp"
 
-#include "bureau/gtk/FenetreX11.hpp"
 #include "bureau/gtk/Retenu.hpp"
 #include "bureau/gtk/Style.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
+#include "bureau/gtk/X11.hpp"
 #include "fenetre/Apparence.hpp"
 
 #include <algorithm>

@@ -6,9 +6,6 @@
 #include <giomm/inputstream.h>
 #include <glibmm/bytes.h>
 #include <glibmm/error.h>
-#ifdef GDK_WINDOWING_X11
-#include <gdk/x11/gdkx.h>
-#endif
 
 namespace keltrove::bureau {
 namespace {
@@ -96,19 +93,6 @@ void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> f
       },
       new Suite(std::move(fini)));
 }
-
-// GTK 4.18 déconseille tout ce qui nomme X11, sans rien offrir à la place.
-G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-bool aEncoreSaSource(GdkDrop* glissement) {
-#ifdef GDK_WINDOWING_X11
-  auto* ecran = gdk_drop_get_display(glissement);
-  if (GDK_IS_X11_DISPLAY(ecran))
-    return XGetSelectionOwner(gdk_x11_display_get_xdisplay(ecran),
-                              gdk_x11_get_xatom_by_name_for_display(ecran, "XdndSelection")) != None;
-#endif
-  return true;
-}
-G_GNUC_END_IGNORE_DEPRECATIONS
 
 fenetre::MesuresDeLaVue mesurer(GtkWidget* vue, double zoom) {
   // WebKit agrandit la page comme le bureau agrandit son texte, sans le compter dans son zoom.

@@ -18,9 +18,6 @@ bool pourraitPorterDesFichiers(GdkDrop* glissement);
 // principal, une fois ; jamais si la source se tait.
 void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> fini);
 
-// Sa source vit-elle encore ? X seul l’ignore quand elle meurt en route.
-bool aEncoreSaSource(GdkDrop* glissement);
-
 // La vue telle que le glissement la rencontre.
 fenetre::MesuresDeLaVue mesurer(GtkWidget* vue, double zoom);
 

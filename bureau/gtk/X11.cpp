@@ -1,4 +1,4 @@
-#include "bureau/gtk/FenetreX11.hpp"
+#include "bureau/gtk/X11.hpp"
 
 #ifdef GDK_WINDOWING_X11
 #include <gdk/x11/gdkx.h>
@@ -18,6 +18,16 @@ std::int64_t effacerLaFenetre([[maybe_unused]] GdkSurface* surface) {
   }
 #endif
   return 0;
+}
+
+bool aEncoreSaSource([[maybe_unused]] GdkDrop* glissement) {
+#ifdef GDK_WINDOWING_X11
+  auto* ecran = gdk_drop_get_display(glissement);
+  if (GDK_IS_X11_DISPLAY(ecran))
+    return XGetSelectionOwner(gdk_x11_display_get_xdisplay(ecran),
+                              gdk_x11_get_xatom_by_name_for_display(ecran, "XdndSelection")) != None;
+#endif
+  return true;
 }
 G_GNUC_END_IGNORE_DEPRECATIONS
 
