@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <unordered_set>
 
 namespace keltrove::moteur {
 namespace {
@@ -45,11 +46,12 @@ std::vector<pid_t> lirePgrep(std::string_view sortie) {
 
 std::vector<int> lireLsof(std::string_view sortie) {
   std::vector<int> ports;
+  std::unordered_set<int> vus;
   if (!socle::estUTF8(sortie)) return ports;
   const auto lignes = decouper(sortie, '\n', MorceauxVides::ecartes);
   for (std::size_t i = 1; i < lignes.size(); ++i) {
     const auto port = portDeLaLigne(lignes[i]);
-    if (port && std::ranges::find(ports, *port) == ports.end()) ports.push_back(*port);
+    if (port && vus.insert(*port).second) ports.push_back(*port);
   }
   return ports;
 }

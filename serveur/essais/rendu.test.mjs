@@ -220,3 +220,12 @@ essai('ce qui défile ne redessine pas une sélection qui n’existe pas', async
     return [sans, vues > 0];`);
   assert.deepEqual(redessinees, [0, true]);
 });
+
+essai('après une inondation, la zone de saisie est revenue au curseur', async (page, dansLaPage) => {
+  await dansLaPage(`await ecrire('une ligne\\r\\n'.repeat(500) + 'fin')`);
+  await page.attendre(`(() => { const { terminal } = terminaux.choisie();
+    const { css: { cell } } = terminal._core._renderService.dimensions;
+    const { cursorX, cursorY } = terminal.buffer.active;
+    const { offsetLeft, offsetTop } = terminal.textarea;
+    return Math.abs(offsetLeft - cursorX * cell.width) < 2 && Math.abs(offsetTop - cursorY * cell.height) < 2; })()`);
+});
