@@ -27,16 +27,16 @@ std::string accelerateurDe(const Menus::Raccourci& raccourci) {
   return std::string("<Control><Shift>") + (maj && raccourci.lettre == 'z' ? 'y' : raccourci.lettre);
 }
 
-// GTK les écrirait dans la langue du système.
-Glib::ustring touchesDe(const Menus::Raccourci& raccourci) {
-  auto accelerateur = accelerateurDe(raccourci);
-  if (raccourci.modificateurs.controle) return accelerateur;
-  const char lettre = Glib::Ascii::toupper(accelerateur.back());
-  return Glib::ustring("Ctrl+Maj+") + (raccourci.modificateurs.option ? "Alt+" : "") + lettre;
+Touches touchesDe(const Menus::Raccourci& raccourci) {
+  const auto accelerateur = accelerateurDe(raccourci);
+  if (raccourci.modificateurs.controle) return {.ecrites = accelerateur, .dites = accelerateur};
+  const auto fin =
+      Glib::ustring(raccourci.modificateurs.option ? "Alt+" : "") + Glib::Ascii::toupper(accelerateur.back());
+  return {.ecrites = "Ctrl+Maj+" + fin, .dites = "Control+Shift+" + fin};
 }
 
-std::map<Glib::ustring, Glib::ustring> touchesDe(const Menus::Menu& menu) {
-  std::map<Glib::ustring, Glib::ustring> touches;
+std::map<Glib::ustring, Touches> touchesDe(const Menus::Menu& menu) {
+  std::map<Glib::ustring, Touches> touches;
   for (const auto& ligne : menu.articles)
     if (const auto* article = std::get_if<Menus::Article>(&ligne); article != nullptr && article->raccourci)
       touches[article->titre] = touchesDe(*article->raccourci);

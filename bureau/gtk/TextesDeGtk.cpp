@@ -83,11 +83,16 @@ void taire(Gtk::Widget& cadre) {
   g_object_set(cadre.gobj(), "accessible-role", GTK_ACCESSIBLE_ROLE_GROUP, nullptr);
 }
 
-void ecrireLesTouches(Gtk::Widget& volet, const std::map<Glib::ustring, Glib::ustring>& touches) {
+void ecrireLesTouches(Gtk::Widget& volet, const std::map<Glib::ustring, Touches>& touches) {
   parcourir(volet.gobj(), [&touches](GtkWidget* element) {
     if (std::string_view(gtk_widget_get_css_name(element)) != "accelerator" || !GTK_IS_LABEL(element)) return;
-    const auto trouvees = touches.find(titreDe(gtk_widget_get_parent(element)));
-    if (trouvees != touches.end()) gtk_label_set_text(GTK_LABEL(element), trouvees->second.c_str());
+    auto* article = gtk_widget_get_parent(element);
+    const auto trouvees = touches.find(titreDe(article));
+    if (trouvees == touches.end()) return;
+    const auto& [ecrites, dites] = trouvees->second;
+    gtk_label_set_text(GTK_LABEL(element), ecrites.c_str());
+    gtk_accessible_update_property(GTK_ACCESSIBLE(article), GTK_ACCESSIBLE_PROPERTY_KEY_SHORTCUTS,
+                                   dites.c_str(), -1);
   });
 }
 

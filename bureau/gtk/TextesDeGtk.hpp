@@ -28,7 +28,13 @@ void nommerLesArticles(Gtk::Widget& volet);
 // Un cadre qui n’a rien à dire de plus que ce qu’il contient. À appeler avant qu’il ne se montre.
 void taire(Gtk::Widget& cadre);
 
-// Les touches que montre chaque article de ce menu, par titre. Le raccourci lui-même ne change pas.
-void ecrireLesTouches(Gtk::Widget& volet, const std::map<Glib::ustring, Glib::ustring>& touches);
+// Celles d’un raccourci, que GTK donnerait dans la langue du système : écrites, et pour un lecteur d’écran,
+// qui ne comprend que la notation d’ARIA (« Control+Shift+C ») et les dit dans la sienne.
+struct Touches {
+  Glib::ustring ecrites, dites;
+};
+
+// Les touches que porte chaque article de ce menu, par titre. Le raccourci lui-même ne change pas.
+void ecrireLesTouches(Gtk::Widget& volet, const std::map<Glib::ustring, Touches>& touches);
 
 } // namespace keltrove::bureau

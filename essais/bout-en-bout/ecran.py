@@ -121,9 +121,13 @@ def rectangles(pid, role):
 
 
 def touches_dites(pid):
-    """Les touches que montre chaque article du menu ouvert."""
+    """Les touches de chaque article du menu ouvert : GTK 4.8 donne à lire celles qu’il écrit, GTK 4.18 celles qu’il fait dire."""
+    def dites(article):
+        ecrites = [e.get_name() for e in _parcourir(article) if e.get_role_name() == "label"][1:]
+        return ecrites or list(filter(None, [article.get_attributes().get("keyshortcuts")]))
+
     def lus(objets):
-        return {o.get_name(): [e.get_name() for e in _parcourir(o) if e.get_role_name() == "label"][1:]
+        return {o.get_name(): dites(o)
                 for menu in objets if menu.get_role_name() == "menu"
                 for o in _parcourir(menu) if o.get_role_name() == "menu item"}
 

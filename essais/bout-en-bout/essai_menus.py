@@ -177,8 +177,9 @@ class Menus(AvecUnePage):
                     pid = application.processus.pid
                     for menu, titres in TOUS.items():
                         ecran.ouvrir_le_menu(pid, menu)
-                        voulues = {titre: [TOUCHES[titre]] if titre in TOUCHES else [] for titre in titres}
-                        attendre(lambda: ecran.touches_dites(pid) == voulues,
+                        ecrites = {titre: [TOUCHES[titre]] if titre in TOUCHES else [] for titre in titres}
+                        dites = {titre: [t.replace("Ctrl+Maj", "Control+Shift") for t in ecrites[titre]] for titre in titres}
+                        attendre(lambda: ecran.touches_dites(pid) in (ecrites, dites),
                                  quoi=lambda: f"les touches du menu {menu} ({ecran.touches_dites(pid)})")
                         touches("Escape")
                         attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
