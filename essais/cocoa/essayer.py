@@ -12,6 +12,7 @@ import sys
 import tempfile
 import time
 
+import parite
 from cas import CAS, Cas
 
 CONSTRUCTION = pathlib.Path(os.environ["KELTROVE_CONSTRUCTION"])
@@ -121,9 +122,17 @@ def finir_les_orphelins():
         os.waitpid(enfant, 0)
 
 
+def jouer_la_parite(scenario):
+    essai = Essai(parite.SCENARIO, parite.cas_de(scenario))
+    try:
+        return parite.jouer(scenario, essai, DOSSIER / "Keltrove.app" / "Keltrove")
+    finally:
+        shutil.rmtree(essai.racine, ignore_errors=True)
+
+
 def essayer(nom):
     debut = time.monotonic()
-    fautes = Essai(nom, CAS.get(nom, Cas())).essayer()
+    fautes = jouer_la_parite(parite.TABLE[nom]) if nom in parite.TABLE else Essai(nom, CAS.get(nom, Cas())).essayer()
     print(f"{'ÉCHEC ' if fautes else 'réussi'} {nom} ({time.monotonic() - debut:.1f} s)", flush=True)
     for faute in fautes:
         print(f"  {faute}", flush=True)
@@ -133,6 +142,7 @@ def essayer(nom):
 def principal():
     ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
     noms = subprocess.run([DOSSIER / "scenarios"], capture_output=True, text=True, check=True).stdout.split()
+    noms = [nom for nom in noms if nom != parite.SCENARIO] + list(parite.TABLE)
     inconnus = CAS.keys() - set(noms)
     if inconnus:
         sys.exit(f"Aucun scénario de ce nom : {inconnus}")

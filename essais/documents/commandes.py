@@ -104,6 +104,8 @@ def essais_de_bout_en_bout():
     for nom in (nom for nom in FICHIERS if re.fullmatch(r"essais/bout-en-bout/essai_\w+\.py", nom)):
         for classe in (noeud for noeud in ast.parse(lire(nom)).body if isinstance(noeud, ast.ClassDef)):
             yield from (f"{Path(nom).stem}.{classe.name}.{noeud.name}" for noeud in classe.body if isinstance(noeud, ast.FunctionDef))
+    for nom in re.findall(r"^== (\w+)$", lire("essais/parite/scenarios.txt"), re.M):
+        yield f"essai_parite.{nom}"
     for noeud in ast.parse(lire("essais/bout-en-bout/essai_fautes.py")).body:
         if not isinstance(noeud, ast.Assign) or noeud.targets[0].id not in ("LANCE", "RATTACHE"):
             continue
