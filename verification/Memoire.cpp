@@ -35,9 +35,9 @@ std::size_t memoireDeLaMachine() {
   return pages > 0 && page > 0 ? static_cast<std::size_t>(pages) * static_cast<std::size_t>(page) : 0;
 }
 
-char* reserver(std::size_t taille, int options, int descripteur) {
+char* reserver(std::size_t taille, int drapeaux, int descripteur) {
   auto* place =
-      ::mmap(nullptr, taille, PROT_READ | (descripteur < 0 ? PROT_WRITE : 0), options, descripteur, 0);
+      ::mmap(nullptr, taille, PROT_READ | (descripteur < 0 ? PROT_WRITE : 0), drapeaux, descripteur, 0);
   return place == MAP_FAILED ? nullptr : static_cast<char*>(place);
 }
 

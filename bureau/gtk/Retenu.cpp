@@ -13,10 +13,10 @@ std::string cheminDe(const char* racine, const std::string& nom) {
   return socle::ajouterComposant(socle::ajouterComposant(racine, "keltrove"), nom);
 }
 
-void ecrire(GKeyFile* cles, const std::string& chemin) {
+void ecrire(GKeyFile* cles, const std::string& fichier) {
   gsize taille = 0;
   const TexteDeGLib texte(g_key_file_to_data(cles, &taille, nullptr));
-  socle::ecrireFichier(chemin, {texte.get(), taille});
+  socle::ecrireFichier(fichier, {texte.get(), taille});
 }
 
 } // namespace
