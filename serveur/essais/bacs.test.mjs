@@ -4,7 +4,7 @@ import { chownSync, existsSync, mkdirSync, readFileSync } from 'node:fs';
 import { delimiter, join } from 'node:path';
 import { test } from 'node:test';
 import { PHRASES } from '../lib/pairs_linux.mjs';
-import { AUTRE_COMPTE, demanderTout, lancerUnProgramme, lesStatuts, partoutRefuse, sansAutreServeur, SERVI } from './comptes.mjs';
+import { AUTRE_COMPTE, codeLisible, demanderTout, lancerUnProgramme, lesStatuts, partoutRefuse, sansAutreCompte, SERVI } from './comptes.mjs';
 import { demander, lancer, Page, preparerMaison } from './outils.mjs';
 
 // Tout y est permis, fichiers et réseau compris, sauf d’être des nôtres.
@@ -19,8 +19,8 @@ test('un programme du même compte, mais dans un bac à sable, n’obtient rien 
   }
 });
 
-test('sous un compte ordinaire aussi, le bac à sable se voit', { skip: sansBac || sansAutreServeur }, async (t) => {
-  const { port } = await lancer(t, await preparerMaison(t, { uid: AUTRE_COMPTE }));
+test('sous un compte ordinaire aussi, le bac à sable se voit', { skip: sansBac || sansAutreCompte }, async (t) => {
+  const { port } = await lancer(t, await preparerMaison(t, { uid: AUTRE_COMPTE }), { dossier: codeLisible() });
   assert.deepEqual(await demanderTout(t, port, { uid: AUTRE_COMPTE, avant: BAC }), partoutRefuse(PHRASES.bac));
 });
 
@@ -60,8 +60,8 @@ test('cacher sa prise le temps de l’examen n’y fait rien', { skip: sansBac }
 });
 
 const NAVIGATEURS = {
-  // Sous root, Chromium n’accepte de démarrer que sans son propre bac à sable.
-  chromium: (profil, uid) => ['--headless=new', '--disable-gpu', '--no-first-run', '--disable-background-networking', `--user-data-dir=${profil}`, ...(uid === 0 ? ['--no-sandbox'] : [])],
+  // Sous root, ou là où personne n’a droit à un bac à sable, Chromium n’accepte de démarrer que sans le sien.
+  chromium: (profil, uid) => ['--headless=new', '--disable-gpu', '--no-first-run', '--disable-background-networking', `--user-data-dir=${profil}`, ...(uid === 0 || sansBac ? ['--no-sandbox'] : [])],
   'firefox-esr': (profil) => ['--headless', '--no-remote', '--profile', profil],
 };
 const estInstalle = (programme) => process.env.PATH.split(delimiter).some((dossier) => existsSync(join(dossier, programme)));
@@ -71,10 +71,10 @@ const DIRE_LA_TAILLE = `bash -c 'trap "echo taille: \\$(stty size)." WINCH; echo
 for (const [programme, options] of Object.entries(NAVIGATEURS)) {
   for (const uid of [process.getuid(), AUTRE_COMPTE]) {
     const autre = uid === AUTRE_COMPTE;
-    const skip = (estInstalle(programme) ? false : `${programme} n’est pas installé`) || (autre && sansAutreServeur);
+    const skip = (estInstalle(programme) ? false : `${programme} n’est pas installé`) || (autre && sansAutreCompte);
     test(`${programme} est servi${autre ? ', sous un compte ordinaire aussi' : ''}`, { skip }, async (t) => {
       const maison = await preparerMaison(t, autre ? { uid } : {});
-      const { port } = await lancer(t, maison);
+      const { port } = await lancer(t, maison, autre ? { dossier: codeLisible() } : {});
       const page = await Page.ouvrir(t, port, readFileSync(maison.cheminJeton, 'utf8').trim());
       await page.attendre(() => page.terminaux.length === 1, 'le premier terminal');
       const [{ id }] = page.terminaux;

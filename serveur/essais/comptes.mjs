@@ -1,12 +1,13 @@
 // Les autres : un autre compte de la machine, un autre programme, et ce qu’ils obtiennent.
 import { spawn, spawnSync } from 'node:child_process';
-import { join } from 'node:path';
+import { chmodSync, cpSync, mkdtempSync, rmSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { basename, join } from 'node:path';
 import { essayer } from '../page/essayer.js';
 import { borner, DOSSIER_DU_SERVEUR } from './outils.mjs';
 
 export const AUTRE_COMPTE = 65534;
 export const sansAutreCompte = process.getuid?.() === 0 && process.platform === 'linux' ? false : 'il faut être root, sous Linux, pour prendre un autre compte';
-export const sansAutreServeur = sansAutreCompte || (estLisibleDe(AUTRE_COMPTE) ? false : 'le code du serveur n’est pas lisible d’un autre compte');
 
 // Un autre programme, sous le compte voulu, sans rien de ce qui nous est propre ; tué à la fin de l’essai s’il dure.
 export function lancerUnProgramme(t, [programme, ...arguments_], { uid, env = process.env } = {}) {
@@ -58,8 +59,22 @@ export const SERVI = [200, 200, 401, 101];
 export const lesStatuts = (reponses) => reponses.map(([statut]) => statut);
 export const partoutRefuse = (phrase) => SERVI.map(() => [403, `${phrase}\n`]);
 
-// Un dossier de travail fermé aux autres ne laisserait pas leur serveur se lire.
-function estLisibleDe(uid) {
-  const lire = `require('node:fs').readFileSync(${JSON.stringify(join(DOSSIER_DU_SERVEUR, 'serveur.mjs'))})`;
+// Le code du serveur, où un autre compte peut le lire : un dossier de travail fermé aux autres se copie, une fois.
+let lisible;
+export function codeLisible() {
+  lisible ??= estLisibleDe(AUTRE_COMPTE, DOSSIER_DU_SERVEUR) ? DOSSIER_DU_SERVEUR : copierLeCode();
+  return lisible;
+}
+
+function copierLeCode() {
+  const copie = mkdtempSync(join(tmpdir(), 'serveur-lisible-'));
+  process.on('exit', () => rmSync(copie, { recursive: true, force: true }));
+  cpSync(DOSSIER_DU_SERVEUR, copie, { recursive: true, filter: (source) => basename(source) !== 'essais' });
+  chmodSync(copie, 0o755);
+  return copie;
+}
+
+function estLisibleDe(uid, dossier) {
+  const lire = `require('node:fs').readFileSync(${JSON.stringify(join(dossier, 'serveur.mjs'))})`;
   return spawnSync(process.execPath, ['-e', lire], { uid, gid: uid, cwd: '/' }).status === 0;
 }

@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { endianness } from 'node:os';
 import { test } from 'node:test';
 import { PHRASES, trouverLesLignes } from '../lib/pairs_linux.mjs';
-import { AUTRE_COMPTE, demanderTout, lesStatuts, partoutRefuse, sansAutreCompte, sansAutreServeur, SERVI } from './comptes.mjs';
+import { AUTRE_COMPTE, codeLisible, demanderTout, lesStatuts, partoutRefuse, sansAutreCompte, SERVI } from './comptes.mjs';
 import { lancer, preparerMaison } from './outils.mjs';
 
 const ICI = endianness() === 'LE' ? '0100007F' : '7F000001';
@@ -35,8 +35,8 @@ test('un autre compte de la machine n’obtient ni la page, ni son jeton, ni la 
   assert.deepEqual(await demanderTout(t, port, { uid: AUTRE_COMPTE }), partoutRefuse(PHRASES.autre));
 });
 
-test('sous un compte ordinaire, le serveur sert ce compte et root, pas un troisième', { skip: sansAutreServeur }, async (t) => {
-  const { port } = await lancer(t, await preparerMaison(t, { uid: AUTRE_COMPTE }));
+test('sous un compte ordinaire, le serveur sert ce compte et root, pas un troisième', { skip: sansAutreCompte }, async (t) => {
+  const { port } = await lancer(t, await preparerMaison(t, { uid: AUTRE_COMPTE }), { dossier: codeLisible() });
   assert.deepEqual(lesStatuts(await demanderTout(t, port, { uid: AUTRE_COMPTE })), SERVI);
   assert.deepEqual(lesStatuts(await demanderTout(t, port)), SERVI);
   assert.deepEqual(await demanderTout(t, port, { uid: AUTRE_COMPTE - 1 }), partoutRefuse(PHRASES.autre));
