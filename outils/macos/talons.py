@@ -71,7 +71,9 @@ def ecrire_les_cadres(dossier, systeme):
 
 def ecrire_les_bibliotheques(debian, systeme):
     llvm, dossier = next(debian.glob("usr/lib/llvm-*/lib")), systeme / "usr/lib"
-    standard = [*symboles_de(llvm / "libc++.so.1.0"), *symboles_de(llvm / "libc++abi.so.1.0")]
+    # Le compteur que l’on attend a 32 bits sous Linux, 64 ailleurs.
+    standard = [nom.replace("__libcpp_atomic_waitEPVKvi", "__libcpp_atomic_waitEPVKvx")
+                for nom in (*symboles_de(llvm / "libc++.so.1.0"), *symboles_de(llvm / "libc++abi.so.1.0"))]
     ecrire(dossier / "libc++.tbd", "/usr/lib/libc++.1.dylib", standard)
     ecrire(dossier / "libobjc.A.tbd", "/usr/lib/libobjc.A.dylib", ["_" + nom for nom in (*OBJC, "OBJC_EHTYPE_id")], ["NSObject", "Protocol"])
     ecrire(dossier / "libcurl.tbd", "/usr/lib/libcurl.4.dylib", symboles_de(PUBLIQUES / "libcurl.so"))
