@@ -1,10 +1,12 @@
 #include "moteur/TenantDuPort.hpp"
+#include "moteur/TenantParOutils.hpp"
+
+#include <unistd.h>
 
 namespace keltrove::moteur {
 
-// Rien n’est demandé à ce système : seule la page y dit si elle est la nôtre.
-Tenant tenantDuPort(int) {
-  return Tenant::inconnu;
+Tenant tenantDuPort(int port) {
+  return tenantSelonOutils("/usr/sbin/netstat", "/usr/sbin/lsof", port, ::geteuid());
 }
 
 } // namespace keltrove::moteur

@@ -1,0 +1,93 @@
+#include "MaisonTemporaire.hpp"
+#include "moteur/TenantParOutils.hpp"
+
+#include <gtest/gtest.h>
+
+namespace keltrove::moteur {
+namespace {
+
+constexpr uid_t nous = 501;
+constexpr const char* titresDeNetstat =
+    "Active Internet connections (including servers)\n"
+    "Proto Recv-Q Send-Q  Local Address          Foreign Address        (state)\n";
+constexpr const char* titresDeLsof = "COMMAND   PID USER   FD   TYPE             DEVICE SIZE/OFF NODE NAME\n";
+
+// Les deux outils tels que macOS les fait écrire.
+class TenantParOutils : public testing::Test {
+protected:
+  Tenant demander(const std::string& netstat, const std::string& lsof, int port = 7777) {
+    return tenantSelonOutils(poser("netstat", netstat), poser("lsof", lsof), port, nous);
+  }
+  Tenant avec(const std::string& netstat, const std::string& lsof) {
+    return demander(titresDeNetstat + netstat, titresDeLsof + lsof);
+  }
+  std::string poser(const std::string& nom, const std::string& texte) {
+    maison.ecrire(nom + ".txt", texte);
+    maison.ecrireExecutable(nom, "#!/bin/sh\necho \"$*\" >\"" + maison.chemin(nom + ".demande") +
+                                     "\"\ncat \"" + maison.chemin(nom + ".txt") + "\"\n");
+    return maison.chemin(nom);
+  }
+  essais::MaisonTemporaire maison;
+};
+
+TEST_F(TenantParOutils, UnePriseQueNosProcessusTiennentEstANous) {
+  EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n"
+                 "tcp4       0      0  192.168.1.9.52100      17.57.146.20.5223      ESTABLISHED\n"
+                 "udp4       0      0  *.7777                 *.*                               \n",
+                 "node      812 moi    18u  IPv4 0xa1b2c3d4e5f60718      0t0  TCP 127.0.0.1:7777 (LISTEN)\n"),
+            Tenant::nousOuLAdministrateur);
+  EXPECT_EQ(maison.lire("netstat.demande"), "-an -p tcp\n");
+  EXPECT_EQ(maison.lire("lsof.demande"), "-nP -a -u 501 -iTCP:7777 -sTCP:LISTEN\n");
+}
+
+TEST_F(TenantParOutils, UnePriseQueNousNeTenonsPasEstDUnEtranger) {
+  EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n", ""),
+            Tenant::etranger);
+}
+
+TEST_F(TenantParOutils, PersonneNYEcouteDoncUnEtranger) {
+  EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.77777        *.*                    LISTEN     \n"
+                 "tcp4       0      0  192.168.1.9.7777       *.*                    LISTEN     \n"
+                 "tcp4       0      0  127.0.0.1.7777         127.0.0.1.50112        ESTABLISHED\n",
+                 ""),
+            Tenant::etranger);
+}
+
+TEST_F(TenantParOutils, UnAutreSurLaMemeMachineSuffitParOuQueCeSoit) {
+  const std::string laNotre =
+      "tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n";
+  const std::string tenue =
+      "node      812 moi    18u  IPv4 0xa1b2c3d4e5f60718      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
+  for (const char* autre :
+       {"tcp6       0      0  ::1.7777               *.*                    LISTEN     \n",
+        "tcp46      0      0  *.7777                 *.*                    LISTEN     \n",
+        "tcp4       0      0  *.7777                 *.*                    LISTEN     \n",
+        "tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n"})
+    EXPECT_EQ(avec(laNotre + autre, tenue), Tenant::etranger) << autre;
+  // La même prise, léguée à un enfant, n’en est pas deux.
+  EXPECT_EQ(
+      avec(laNotre + laNotre,
+           tenue +
+               "sh        813 moi    18u  IPv4 0xa1b2c3d4e5f60718      0t0  TCP 127.0.0.1:7777 (LISTEN)\n"),
+      Tenant::etranger);
+}
+
+TEST_F(TenantParOutils, DesDeuxFamillesEtDeToutesLesAdresses) {
+  EXPECT_EQ(avec("tcp46      0      0  *.7777                 *.*                    LISTEN     \n"
+                 "tcp4       0      0  *.7777                 *.*                    LISTEN     \n"
+                 "tcp6       0      0  ::1.7777               *.*                    LISTEN     \n",
+                 "Code\\x20H 1 moi    20u  IPv6 0x1      0t0  TCP *:7777 (LISTEN)\n"
+                 "node      2 moi    20u  IPv4 0x2      0t0  TCP *:7777 (LISTEN)\n"
+                 "node      2 moi    21u  IPv6 0x3      0t0  TCP [::1]:7777 (LISTEN)\n"),
+            Tenant::nousOuLAdministrateur);
+}
+
+TEST_F(TenantParOutils, UnOutilQuiNeDitRienDeConnuNAccusePersonne) {
+  const std::string tenue = "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
+  EXPECT_EQ(demander("", titresDeLsof + tenue), Tenant::inconnu);
+  EXPECT_EQ(demander("usage: netstat\n", titresDeLsof + tenue), Tenant::inconnu);
+  EXPECT_EQ(tenantSelonOutils("/nulle/part", "/nulle/part", 7777, nous), Tenant::inconnu);
+}
+
+} // namespace
+} // namespace keltrove::moteur
