@@ -1,5 +1,6 @@
 """Le vrai serveur dans l’application : ce que les menus, les dépôts et les clics font d’un vrai terminal."""
 
+import contextlib
 import json
 import os
 import re
@@ -34,11 +35,13 @@ class Terminal(Cas):
         attendre(lambda: os.path.exists(self.chemin(application, nom)), quoi=f"le fichier {nom}")
 
     def taper_jusqu_a(self, application, texte, fichier):
-        """Le terminal prend le clavier un peu après la page : on retape jusqu’à ce qu’il réponde."""
-        def essai():
+        """Le terminal prend le clavier un peu après la page : on retape jusqu’à ce qu’il réponde, de moins en moins souvent,
+        car l’interpréteur court tout ce qu’il a reçu avant de venir à la suite."""
+        for fois in range(10):
             taper(texte)
-            return os.path.exists(self.chemin(application, fichier))
-        attendre(essai, quoi=f"le fichier {fichier}")
+            with contextlib.suppress(AssertionError):
+                return attendre(lambda: os.path.exists(self.chemin(application, fichier)), 0.1 * 2**fois)
+        self.fail(f"« {texte} » ne fait pas {fichier}")
 
     def carnet(self, application):
         """Ce que le serveur garde de chaque terminal : son nom, son dossier, ses dernières lignes."""
