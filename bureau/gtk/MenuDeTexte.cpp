@@ -1,5 +1,6 @@
 #include "bureau/gtk/MenuDeTexte.hpp"
 
+#include "bureau/gtk/FlechesDeMenu.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 #include "fenetre/Menus.hpp"
@@ -34,6 +35,7 @@ MenuDeTexte::MenuDeTexte(Gtk::TextView& texte) : texte_(texte), volet_(articles(
   volet_.signal_show().connect([this] { nommerLesArticles(volet_); });
   volet_.signal_closed().connect([this] { texte_.grab_focus(); });
   nommerLeMenu(volet_, fenetre::Apparence::Noms::menuDUnTexte);
+  retenirLesFleches(volet_);
   ouvrirALaSouris();
   ouvrirAuClavier();
 }

@@ -1,5 +1,6 @@
 #include "bureau/gtk/MenusGtk.hpp"
 
+#include "bureau/gtk/FlechesDeMenu.hpp"
 #include "bureau/gtk/TextesDeGtk.hpp"
 #include "fenetre/Apparence.hpp"
 
@@ -96,6 +97,7 @@ void MenusGtk::suivreLOuverture(const std::vector<Menus::Menu>& menus) {
       if (popover == nullptr) continue;
       volets_.push_back(popover);
       nommerLeMenu(*popover, titreDe(*menu));
+      retenirLesFleches(*popover);
       // GTK n’écrit les touches d’un article qu’une fois son menu relié à l’application.
       popover->signal_show().connect([this, popover, touches = touchesDe(*menu)] {
         ecrireLesTouches(*popover, touches);

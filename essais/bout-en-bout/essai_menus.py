@@ -160,6 +160,20 @@ class Menus(AvecUnePage):
             attendre(lambda: ecran.articles(pid) == {}, quoi="le menu refermé")
         application.quitter()
 
+    def test_les_fleches_restent_dans_un_menu_ou_un_seul_article_se_choisit(self):
+        application = self.application(vrai_serveur=True).lancer()
+        application.attendre("page-contenu")
+        attendre_le_clavier(application)
+        pid = application.processus.pid
+        ecran.ouvrir_le_menu(pid, "Édition")
+        attendre(lambda: [t for t, actif in ecran.articles(pid).items() if actif] == ["Tout sélectionner"],
+                 quoi=lambda: f"un seul article permis ({ecran.articles(pid)})")
+        ecran.avancer_jusqu_a(pid, "Tout sélectionner")
+        # Sortie du menu resté ouvert, la dernière irait à la page.
+        touches("Down", "Down", "Return")
+        attendre(lambda: ecran.articles(pid) == {}, quoi="l’article choisi")
+        application.quitter()
+
     def langues(self, racine):
         """Celle des essais, et deux autres : compilées sur place, car la machine peut n’en avoir installé aucune."""
         for nom in ("fr_FR", "en_US"):
