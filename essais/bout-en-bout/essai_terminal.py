@@ -59,7 +59,7 @@ class Terminal(Cas):
             with open(self.chemin(application, nom)) as fichier:
                 return fichier.read()
         self.attendre_le_fichier(application, nom)
-        attendre(lambda: lu() == voulu, quoi=f"{voulu!r} dans {nom} (vu : {lu()!r})")
+        attendre(lambda: lu() == voulu, quoi=lambda: f"{voulu!r} dans {nom} (vu : {lu()!r})")
 
     def copier_un_mot(self, application, copier):
         """Celui d’un terminal qui en est plein, choisi d’un double clic, puis copié de cette façon."""
@@ -131,6 +131,8 @@ class Edition(Terminal):
 
     def test_copier_prend_la_selection_du_terminal_et_coller_y_ecrit(self):
         application = self.ouvrir()
+        # La page apprend la fin d’un collage encadré un peu après que le programme a ouvert son fichier.
+        taper("bind 'set enable-bracketed-paste off'\n")
         self.copier_un_mot(application, lambda: touches("ctrl+shift+c"))
         taper("stty -icanon; cat > recu\n")
         self.attendre_le_fichier(application, "recu")
