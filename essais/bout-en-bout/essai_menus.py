@@ -287,17 +287,17 @@ class Menus(AvecUnePage):
 
     def test_a_propos_donne_a_copier_le_journal_de_ce_lancement_sans_le_jeton(self):
         application = self.application(vrai_serveur=True).lancer()
-        application.attendre("sante")
         application.attendre("page-contenu")
         attendre_le_clavier(application)
         pid = application.processus.pid
         ecran.choisir(pid, "Keltrove", "À propos de Keltrove")
+        etapes = application.etapes()
         ecran.presser(pid, "Copier le journal")
         attendre(lambda: "Journal copié" in ecran.boutons(pid), quoi="la copie dite")
         attendre(lambda: "WebKitGTK" in ecran.presse_papiers(), quoi="le journal dans le presse-papiers")
         copie = ecran.presse_papiers()
         self.assertTrue(copie.startswith("Keltrove 0."), copie)
-        for etape in application.etapes():
+        for etape in etapes:
             self.assertIn(f" s  {etape}", copie)
         with open(os.path.join(application.maison, ".zelcor/keltrove-jeton")) as fichier:
             self.assertNotIn(fichier.read().strip(), copie)
