@@ -106,9 +106,11 @@ class Menus(Cas):
 
     def survoler(self, rectangle):
         x, y, _, hauteur = rectangle
-        repos = couleur(x + 2, y + hauteur // 2)
+        # À gauche de son titre ; pas au bord, où GTK 4.18 compte celui du menu.
+        dedans = x + 8, y + hauteur // 2
+        repos = couleur(*dedans)
         subprocess.run(["xdotool", "mousemove", str(x + 20), str(y + hauteur // 2)], check=True)
-        attendre(lambda: couleur(x + 2, y + hauteur // 2) != repos, quoi="l’article survolé")
+        attendre(lambda: couleur(*dedans) != repos, quoi="l’article survolé")
 
     def test_l_ecran_d_attente_reste_sombre_sous_une_barre_lisible(self):
         for nom in ("clair", "très contrasté", "sombre"):
