@@ -25,7 +25,7 @@ test('une page gelée ne fait pas grossir le serveur, ni attendre celle qui suit
   const veille = setInterval(() => (plusHaut = Math.max(plusHaut, memoire(serveur))), 50);
   const depart = memoire(serveur);
   vive.envoyer({ type: 'saisie', id, texte: 'head -c 150000000 /dev/zero | tr "\\0" x; echo; echo fin-$((1 + 1))\r' });
-  await vive.attendre(() => vive.fins.get(id)?.includes('fin-2'), 'la fin').finally(() => clearInterval(veille));
+  await vive.attendreLaFinDuFlot(() => vive.fins.get(id)?.includes('fin-2'), 'la fin').finally(() => clearInterval(veille));
   assert.ok(vive.recus > 150_000_000);
   t.diagnostic(`${Math.round((plusHaut - depart) / MO)} Mo de plus au plus fort`);
   assert.ok(plusHaut - depart < 250 * MO, `${Math.round((plusHaut - depart) / MO)} Mo de plus`);

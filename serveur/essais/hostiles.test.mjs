@@ -83,7 +83,7 @@ test('des modes sans fin n’occupent ni la mémoire ni la reprise', async (t) =
   const memoire = () => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${serveur.processus.pid}/status`, 'utf8'))[1]) / 1024;
   const depart = memoire();
   page.envoyer({ type: 'saisie', id, texte: "seq 1 3000000 | sed 's/.*/\\x1b[?&h/' | tr -d '\\n'; echo fin-$((1 + 1))\r" });
-  await page.attendre(() => page.fins.get(id)?.includes('fin-2'), 'la fin');
+  await page.attendreLaFinDuFlot(() => page.fins.get(id)?.includes('fin-2'), 'la fin');
   t.diagnostic(`${Math.round(memoire() - depart)} Mo de plus`);
   assert.ok(memoire() - depart < 120, `${Math.round(memoire() - depart)} Mo de plus`);
 });

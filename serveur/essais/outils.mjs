@@ -151,6 +151,18 @@ export class Page {
     return borner(promesse, () => `jamais vu : ${quoi}`).finally(() => this.#attentes.delete(attente));
   }
 
+  // Tant qu’il en arrive : une machine chargée met plus que la patience à tout faire passer.
+  async attendreLaFinDuFlot(condition, quoi) {
+    for (;;) {
+      const { recus } = this;
+      try {
+        return await this.attendre(condition, quoi);
+      } catch (faute) {
+        if (this.recus === recus) throw faute;
+      }
+    }
+  }
+
   attendreLeTexte(id, motif) {
     return this.attendre(() => motif.test(this.texte(id)), motif).then(() => motif.exec(this.texte(id)));
   }
