@@ -23,7 +23,8 @@ construire_pour() {
 
 "$ici/trousse.sh"
 construire_pour arm64 -DKELTROVE_ESSAIS=ON
-construire_pour x86_64
+# Fichier par fichier, le premier a déjà montré que chacun inclut ce qu’il lui faut.
+construire_pour x86_64 -DCMAKE_UNITY_BUILD=ON
 "$ici/reunir.sh" "$racine"/build/macos-{arm64,x86_64}/copie/Keltrove.app "$racine/build/macos/Keltrove.app"
 
 for processeur in arm64 x86_64; do
