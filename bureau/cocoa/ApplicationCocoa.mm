@@ -25,6 +25,12 @@
   return YES;
 }
 
+// Du Dock, ou du Finder : AppKit n’a plus rien à y faire.
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)visibles {
+  _delegue->quandOnNousRelance();
+  return NO;
+}
+
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
   const bool maintenant =
       _delegue->applicationShouldTerminate() == keltrove::app::ReponseFermeture::maintenant;
@@ -86,7 +92,18 @@ void ApplicationCocoa::demanderLaFermeture() {
 
 void ApplicationCocoa::partir() {
   // Une réponse donnée pendant la question même se perdrait.
-  boucle_->poster([application = application_] { [application replyToApplicationShouldTerminate:YES]; });
+  const auto repondre = [boucle = boucle_, application = application_] {
+    boucle->poster([application] { [application replyToApplicationShouldTerminate:YES]; });
+  };
+  if (!delegue_.aRouvrir()) return repondre();
+  // Rouverte d’ici : le système ne lance pas de lui-même une application qui ne s’en est pas encore allée.
+  NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
+  configuration.createsNewApplicationInstance = YES;
+  [NSWorkspace.sharedWorkspace openApplicationAtURL:NSBundle.mainBundle.bundleURL
+                                      configuration:configuration
+                                  completionHandler:^(NSRunningApplication*, NSError*) {
+                                    repondre();
+                                  }];
 }
 
 } // namespace keltrove::bureau

@@ -10,6 +10,7 @@ struct SystemeNote {
   std::vector<std::string> adressesOuvertes;
   bool rienNOuvre = false;           // aucune application ne sait ouvrir d’adresse
   std::vector<std::string> annonces; // lues au lecteur d’écran
+  int rouvertures = 0;               // de cette application, par elle-même
   int activations = 0;
   int pleinsEcrans = 0;
 };

@@ -52,6 +52,13 @@ void activer(id application, SEL selecteur, BOOL quoiQuIlEnSoit) {
                                                                userInfo:nil]
                                              : nil);
 }
+- (void)openApplicationAtURL:(NSURL*)application
+               configuration:(NSWorkspaceOpenConfiguration*)configuration
+           completionHandler:(void (^)(NSRunningApplication*, NSError*))fini {
+  if (configuration.createsNewApplicationInstance && [application isEqual:NSBundle.mainBundle.bundleURL])
+    ++essais::systemeNote().rouvertures;
+  fini(nil, nil);
+}
 @end
 
 @implementation NSWindow (EssaiSysteme)

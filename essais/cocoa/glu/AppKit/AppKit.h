@@ -90,6 +90,7 @@ extern NSString* const NSPasteboardURLReadingFileURLsOnlyKey;
 @end
 
 @interface NSWorkspaceOpenConfiguration : NSObject
+@property(nonatomic) BOOL createsNewApplicationInstance;
 + (instancetype)configuration;
 @end
 @interface NSWorkspace (Manquant)
@@ -97,4 +98,7 @@ extern NSString* const NSPasteboardURLReadingFileURLsOnlyKey;
 - (void)openURL:(NSURL*)adresse
         configuration:(NSWorkspaceOpenConfiguration*)configuration
     completionHandler:(void (^)(NSRunningApplication*, NSError*))fini;
+- (void)openApplicationAtURL:(NSURL*)application
+               configuration:(NSWorkspaceOpenConfiguration*)configuration
+           completionHandler:(void (^)(NSRunningApplication*, NSError*))fini;
 @end
