@@ -37,6 +37,10 @@ def repond(port):
         return prise.connect_ex(("127.0.0.1", port)) == 0
 
 
+def programme_de(cas):
+    return DOSSIER / "scenarios" if cas.nu else DOSSIER / "Keltrove.app" / "Keltrove"
+
+
 class Essai:
     def __init__(self, nom, cas):
         self.nom, self.cas = nom, cas
@@ -72,7 +76,7 @@ class Essai:
         }
 
     def jouer(self):
-        programme = DOSSIER / "scenarios" if self.cas.nu else DOSSIER / "Keltrove.app" / "Keltrove"
+        programme = programme_de(self.cas)
         for tour in range(self.cas.lancements):
             fini = subprocess.run([programme], capture_output=True, text=True, errors="replace", timeout=PATIENCE,
                                   stdin=subprocess.DEVNULL,
@@ -125,7 +129,7 @@ def finir_les_orphelins():
 def jouer_la_parite(scenario):
     essai = Essai(parite.SCENARIO, parite.cas_de(scenario))
     try:
-        return parite.jouer(scenario, essai, DOSSIER / "Keltrove.app" / "Keltrove")
+        return parite.jouer(scenario, essai, programme_de(essai.cas))
     finally:
         shutil.rmtree(essai.racine, ignore_errors=True)
 

@@ -1,11 +1,14 @@
 """La table de parité, jouée par le bureau macOS : GNUstep, une doublure de WebKit, et un vrai serveur."""
 
+import contextlib
 import json
 import os
 import pathlib
 import signal
+import socket
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 
@@ -13,33 +16,68 @@ from cas import Cas
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "parite"))
 from joueur import Ecart, Partie  # noqa: E402
-from table import SCENARIOS, SERVEUR, est_keltrove  # noqa: E402
+from table import SCENARIOS, SERVEUR, est_keltrove, repondre_en_etranger  # noqa: E402
 
-PATIENCE = 100
 SCENARIO = "parite"  # celui qui joue toute la table
 TABLE = {f"{SCENARIO}.{scenario.nom}": scenario for scenario in SCENARIOS}
+PATIENCE = 100
+MODES = {"discret": {"KELTROVE_DISCRET": "1"}, "essai": {"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "5"}}
+PERMISSIONS = {"jamais demandées": 0, "refusées": 1, "accordées": 2}  # comme UNAuthorizationStatus
+SANS_NODE = pathlib.Path(__file__).parent.parent / "bout-en-bout" / "sans_node.c"
 
 
-def cas_de(_scenario):
-    return Cas(serveur=SERVEUR.read_text())
+def cas_de(scenario):
+    """Sans paquet, il n’y a pas de centre de notifications."""
+    depart = scenario.depart
+    permission = PERMISSIONS.get(depart.get("notifications", "accordées"))
+    environnement = {**MODES.get(depart.get("mode"), {}),
+                     **({} if permission is None else {"KELTROVE_PERMISSION_D_ESSAI": str(permission)})}
+    code = depart.get("code")
+    serveur = "vrai" if code == "le nôtre" else "" if code in ("aucun", "irrecevable") else SERVEUR.read_text()
+    return Cas(serveur=serveur, nu=permission is None, environnement=environnement)
 
 
 class BureauMacos:
     def __init__(self, essai, programme):
         self.essai, self.programme = essai, programme
-        self.port, self.lignes, self.dernier, self.processus, self.voisin = essai.port, [], {}, None, None
+        self.port, self.lignes, self.dernier, self.rouverte, self.processus = essai.port, [], {}, False, None
+        self.restes = contextlib.ExitStack()
 
+    # Le départ.
     def preparer(self, depart):
         self.essai.preparer()
         (self.essai.racine / "maison" / ".zelcor" / "keltrove-jeton").write_text("abc")
-        self.poser("conduite", depart.get("code", "ordinaire"))
-        if depart.get("déjà là") == "un serveur":
-            self.lancer_un_serveur()
+        (self.essai.racine / "application" / "ressources").mkdir(exist_ok=True)
+        code = depart.get("code", "ordinaire")
+        if code == "irrecevable":
+            self.poser_un_lanceur("#!/nulle/part\n")
+        elif code not in ("aucun", "le nôtre"):
+            self.poser("conduite", "ordinaire" if code == "sans node" else code)
+        if code == "sans node":
+            self.cacher_node()
+        if "déjà là" in depart:
+            {"un serveur": self.lancer_un_serveur, "un étranger": self.accueillir_un_etranger}[depart["déjà là"]]()
+
+    def poser_un_lanceur(self, script):
+        lanceur = self.essai.racine / "application" / "ressources" / "demarrer-keltrove.sh"
+        lanceur.write_text(script)
+        lanceur.chmod(0o755)
+
+    def cacher_node(self):
+        # Son chemin ne peut avoir d’espace.
+        bibliotheque = os.path.join(self.restes.enter_context(tempfile.TemporaryDirectory()), "sans_node.so")
+        subprocess.run(["cc", "-shared", "-fPIC", "-o", bibliotheque, SANS_NODE], check=True)
+        self.essai.cas.environnement["LD_PRELOAD"] = bibliotheque
 
     def lancer_un_serveur(self):
-        self.voisin = subprocess.Popen(["node", self.dossier("serveur.mjs")], env=self.essai.environnement(),
-                                       start_new_session=True)
+        serveur = subprocess.Popen(["node", self.dossier("serveur.mjs")], env=self.essai.environnement(), start_new_session=True)
+        self.restes.callback(serveur.wait)
+        self.restes.callback(serveur.kill)
         self.attendre(lambda: est_keltrove(self.port))
+
+    def accueillir_un_etranger(self):
+        prise = self.restes.enter_context(socket.create_server(("127.0.0.1", self.port)))
+        threading.Thread(target=repondre_en_etranger, args=(prise,), daemon=True).start()
 
     def dossier(self, nom):
         return self.essai.racine / "application" / "ressources" / "keltrove" / nom
@@ -58,41 +96,51 @@ class BureauMacos:
 
     # Les gestes : ceux de l’utilisateur et de la page vont à l’application.
     def faire(self, geste, objet):
-        if geste == "lancer":
-            self.lancer()
-        elif geste == "le serveur meurt":
-            self.le_serveur_meurt()
-        elif geste != "le temps passe":
+        if geste in GESTES:
+            GESTES[geste](self)
+        elif self.processus:  # avant elle, rien n’est devant
             self.ordonner(f"{geste}\t{objet}")
 
     def lancer(self):
         self.processus = subprocess.Popen([self.programme], env=self.essai.environnement(), text=True, errors="replace",
                                           stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        threading.Thread(target=self.ecouter, daemon=True).start()
+        self.restes.callback(self.finir, self.processus)
+        threading.Thread(target=self.ecouter, args=(self.processus.stderr,), daemon=True).start()
 
-    def ecouter(self):
-        for ligne in self.processus.stderr:
+    def finir(self, processus):
+        with contextlib.suppress(ProcessLookupError):
+            processus.kill()
+        processus.wait()
+
+    def ecouter(self, tube):
+        for ligne in tube:
             if ligne.startswith("  [keltrove] "):
                 self.lignes.append(ligne.strip())
 
     def ordonner(self, ordre):
-        self.processus.stdin.write(ordre + "\n")
-        self.processus.stdin.flush()
+        """Ce qu’elle en répond ; rien, si elle s’en va."""
+        with contextlib.suppress(BrokenPipeError):
+            self.processus.stdin.write(ordre + "\n")
+            self.processus.stdin.flush()
         return self.processus.stdout.readline()
 
-    def le_serveur_meurt(self):
+    def tuer_le_serveur(self):
         self.poser("meurs")
         self.attendre(lambda: not est_keltrove(self.port))
         os.remove(self.dossier("meurs"))
 
+    def degeler_le_serveur(self):
+        os.kill(int(self.dossier("pid").read_text()), signal.SIGCONT)
+        self.attendre(lambda: est_keltrove(self.port))
+
     # Ce que l’on en voit.
     def voir(self):
         """La dernière fois, si l’application n’est plus là."""
-        if self.processus.poll() is None:
-            try:
-                self.dernier = json.loads(self.ordonner("voir") or "{}") or self.dernier
-            except BrokenPipeError:
-                pass
+        vu = self.ordonner("voir")
+        self.dernier.update(json.loads(vu) if vu else {})
+        if self.dernier.pop("rouvrir", False):
+            self.rouverte = self.processus.wait(PATIENCE) == 0
+            self.lancer()
         return self.dernier
 
     def suite(self, voix):
@@ -102,24 +150,30 @@ class BureauMacos:
     def etat(self, voix):
         if voix == "serveur":
             return "répond" if est_keltrove(self.port) else "parti"
-        if voix == "application":
-            etat = self.processus.poll()
-            return "en marche" if etat is None else "partie" if etat == 0 else f"sortie avec {etat}"
-        return self.voir()[voix]
+        return self.vie() if voix == "application" else self.voir()[voix].replace("\n", " ").strip()
 
-    def fermer(self):
-        for processus in filter(None, (self.processus, self.voisin)):
-            if processus.poll() is None:
-                processus.send_signal(signal.SIGKILL)
-            processus.wait()
+    def vie(self):
+        etat = self.processus.poll()
+        if etat is None:
+            return "rouverte" if self.rouverte else "en marche"
+        return f"sortie avec {etat}" if etat else "partie"
+
+
+GESTES = {
+    "lancer": BureauMacos.lancer,
+    "le temps passe": lambda bureau: None,
+    "le serveur meurt": BureauMacos.tuer_le_serveur,
+    "le serveur gèle": lambda bureau: bureau.poser("gele"),
+    "le serveur se dégèle": BureauMacos.degeler_le_serveur,
+    "le serveur finit": lambda bureau: bureau.poser("finis"),
+}
 
 
 def jouer(scenario, essai, programme):
     bureau = BureauMacos(essai, programme)
-    try:
-        Partie(scenario, bureau, "cocoa").jouer()
-    except Ecart as ecart:
-        return [str(ecart)]
-    finally:
-        bureau.fermer()
+    with bureau.restes:
+        try:
+            Partie(scenario, bureau, "cocoa").jouer()
+        except Ecart as ecart:
+            return [str(ecart)]
     return []

@@ -13,7 +13,10 @@ namespace keltrove::essais {
 inline std::optional<std::string> entendu(const std::string& expression) {
   constexpr std::string_view debut = "window.keltrovePont && window.keltrovePont.";
   if (!expression.starts_with(debut)) return std::nullopt;
-  return expression.substr(debut.size(), expression.rfind(';') - debut.size());
+  auto appel = expression.substr(debut.size(), expression.rfind(';') - debut.size());
+  for (std::size_t ou = 0; (ou = appel.find("\\/", ou)) != std::string::npos;)
+    appel.erase(ou, 1);
+  return appel;
 }
 
 inline std::string entendu(std::string_view corps, const nlohmann::json& arguments) {

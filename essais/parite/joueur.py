@@ -13,6 +13,10 @@ PATIENCE = 100  # secondes ; le plus long attend quarante secondes un serveur mu
 PAS = 0.05
 
 
+def est_un_survol(vue):
+    return vue is not None and vue.startswith("survol(") and "null" not in vue
+
+
 class Ecart(AssertionError):
     pass
 
@@ -54,7 +58,8 @@ class Partie:
         suite = self.bureau.suite(voix)
         if voix == "journal":
             return [vue for vue in suite if not vue.startswith(QUAND_ELLES_PEUVENT)]
-        return suite
+        # Combien de fois la souris a bougé ne compte pas.
+        return [vue for avant, vue in zip([None, *suite], suite) if not (est_un_survol(avant) and est_un_survol(vue))]
 
     def comparer(self, voix, attendus, entiere=False):
         """Vrai quand toutes sont venues ; une autre à la place de l’une n’attend pas pour se dire."""

@@ -18,16 +18,19 @@ const noter = (quoi, ...valeurs) => { suite = suite.then(() => fetch('/note',
 window.keltrovePont = { etat: (e) => noter('etat', e), ouvrir: (id) => noter('ouvrir', id) };
 window.keltroveSurvolChemins = (x, y) => noter('survol', x, y);
 window.keltroveDeposerChemins = (chemins, x, y) => noter('depot', chemins, x, y);
+addEventListener('keydown', (e) => e.key === 'l' && document.querySelector('a').click());
 addEventListener('dragover', (e) => e.preventDefault());
 addEventListener('drop', (e) => { e.preventDefault(); noter('texte', e.dataTransfer.getData('text/plain')); });
 (async () => {
   for (;;) {
     const ordre = await fetch('/ordre').catch(() => null);
     if (!ordre?.ok) return;
-    webkit.messageHandlers.keltroveNotifications.postMessage(await ordre.json());
+    const message = await ordre.json();
+    if (message?.aller) location.href = message.aller;
+    else webkit.messageHandlers.keltroveNotifications.postMessage(message);
   }
 })();
-</script>`;
+</script><a href="https://exemple.fr/lien"></a>`;
 
 // Le contenu d’un fichier posé, une fois, tant que quelqu’un l’attend.
 function prendre(nom, reponse, suite) {

@@ -80,6 +80,18 @@ def est_keltrove(port):
         connexion.close()
 
 
+def repondre_en_etranger(prise):
+    """Tant qu’elle est ouverte : quelqu’un répond, qui n’est pas keltrove."""
+    while True:
+        try:
+            client, _ = prise.accept()
+        except OSError:
+            return
+        with client:
+            client.recv(4096)
+            client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\nConnection: close\r\n\r\nbonjour")
+
+
 SCENARIOS = lire()
 # Là où l’ordre ne se dit pas : celles-ci peuvent venir aussi là où on ne les attend pas.
 QUAND_ELLES_PEUVENT = tuple(" ".join(ligne.texte.split()[:2]) for scenario in SCENARIOS for geste in scenario.gestes

@@ -3,15 +3,18 @@
 #pragma once
 
 #include "BoucleVirtuelle.hpp"
-#include "BureauEnregistreur.hpp"
 #include "MaisonTemporaire.hpp"
+#include "ServeurFactice.hpp"
 #include "SortieDErreurNotee.hpp"
 #include "TableDeParite.hpp"
-#include "app/DelegueApplication.hpp"
+#include "VueEnregistreuse.hpp"
 #include "fenetre/SuiviDuGlissement.hpp"
+#include "pont/CentreNotifications.hpp"
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +28,8 @@ public:
   // Aucun serveur d’essai ne lui survit.
   ~BureauDeParite();
 
-  int port() const { return maison_.port(); }
+  // Celui que l’application souhaite.
+  int port() const { return etranger_ ? etranger_->port() : maison_.port(); }
   void faire(const std::string& geste, const std::string& objet);
   // Fait vivre l’application jusque-là ; faux à bout de patience.
   bool attendre(const std::function<bool()>& vrai);
@@ -36,36 +40,48 @@ public:
   std::string etat(const std::string& voix) const;
 
 private:
-  using Geste = void (BureauDeParite::*)(const std::string& objet);
   struct Application;
+  using Geste = std::function<void(BureauDeParite&, const std::string& objet)>;
+  static const std::map<std::string, Geste>& gestes();
 
-  std::unique_ptr<Application> creer() const;
-  void lancerUnServeur();
-  void repondreAuSysteme();
-  void repondreALaSonde();
+  // Le départ.
+  void poserLeCode(const std::string& code);
+  void accueillir(const std::string& qui);
+  void creerLApplication();
 
-  void lancer(const std::string&);
-  void reessayer(const std::string&);
-  void demanderLaFermeture(const std::string&);
-  void laPageVient(const std::string&);
-  void leServeurMeurt(const std::string&);
-  void leTempsPasse(const std::string&) { leTempsPasse_ = true; }
+  // Ce que font, d’eux-mêmes, le système et la page.
+  void vivre();
+  void repondreDuCentre();
+  void montrer(const pont::Notification& notification);
+  void ecouterLesEvaluations();
+
+  void demanderLaFermeture();
+  void cliquer(const std::string& numero);
+  void entrer(const fenetre::Portes& portes);
+  void tuerLeServeur();
+  void degelerLeServeur();
 
   void poser(const std::string& nom, const std::string& contenu = "") const;
-  void retirer(const std::string& nom) const;
-  std::string etatDeLEcran() const;
-  std::string etatDeLaFenetre() const;
+  std::string ou(const std::string& nom) const;
   bool repond() const;
   VueEnregistreuse& vue() const;
+  std::string etatDeLEcran() const;
+  std::string etatDeLaFenetre() const;
+  std::string etatDeLApplication() const;
 
-  const ScenarioDeParite& scenario_;
   MaisonTemporaire maison_;
   SortieDErreurNotee sortie_;
   std::shared_ptr<BoucleVirtuelle> boucle_ = std::make_shared<BoucleVirtuelle>();
-  std::unique_ptr<Application> application_;
-  std::size_t sondees_ = 0;              // les évaluations déjà vues
-  bool leTempsPasse_ = false;            // jusqu’au geste suivant
-  std::unique_ptr<Application> voisine_; // celle du serveur déjà là
+  bool leTempsPasse_ = false; // jusqu’au geste suivant
+  int devantAvant_ = 0;       // combien de fois la fenêtre est venue devant, avant qu’une autre ne la couvre
+  bool sansNode_ = false;
+  pont::Autorisation autorisation_ = pont::Autorisation::accordee;
+  std::vector<std::string> notifications_, page_, systeme_;
+  std::vector<pont::Notification> montrees_; // à son rang, la dernière de chaque identifiant
+  fenetre::SuiviDuGlissement glissement_;
+  std::string texteGlisse_;
+  std::unique_ptr<ServeurFactice> etranger_;
+  std::vector<std::unique_ptr<Application>> applications_; // la dernière est celle que l’on mène
 };
 
 } // namespace keltrove::essais

@@ -16,9 +16,17 @@ protected:
     return voix == "journal" || voix == "page" || voix == "notification" || voix == "système";
   }
 
+  static bool estUnSurvol(const std::string& vue) {
+    return vue.starts_with("survol(") && !vue.contains("null");
+  }
+
   std::vector<std::string> vues(const std::string& voix) const {
     auto suite = bureau.suite(voix);
     if (voix == "journal") std::erase_if(suite, vientQuandEllePeut);
+    // Combien de fois la souris a bougé ne compte pas.
+    const auto [fin, _] = std::ranges::unique(
+        suite, [](const auto& avant, const auto& apres) { return estUnSurvol(avant) && estUnSurvol(apres); });
+    suite.erase(fin, suite.end());
     return suite;
   }
 

@@ -69,6 +69,10 @@ std::string ScenarioDeParite::auDepart(const std::string& cle, const std::string
   return trouvee == depart.end() ? dOffice : trouvee->second;
 }
 
+void PrintTo(const ScenarioDeParite& scenario, std::ostream* sortie) {
+  *sortie << scenario.nom;
+}
+
 const std::vector<ScenarioDeParite>& scenariosDeParite() {
   static const auto tous = [] {
     std::vector<ScenarioDeParite> scenarios;

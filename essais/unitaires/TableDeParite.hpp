@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,9 @@ struct ScenarioDeParite {
 
   std::string auDepart(const std::string& cle, const std::string& dOffice = "") const;
 };
+
+// Son nom, pour ce qu’un essai raté en dit.
+void PrintTo(const ScenarioDeParite& scenario, std::ostream* sortie);
 
 // La table entière, lue une fois.
 const std::vector<ScenarioDeParite>& scenariosDeParite();

@@ -1,26 +1,10 @@
 // Les glissements au-dessus de la page, opération par opération.
 
-#include "Scenario.hpp"
+#include "Glissement.hpp"
 
 using namespace essais;
 
-@interface Glissement : NSObject <NSDraggingInfo>
-@property(nonatomic, strong) NSPasteboard* draggingPasteboard;
-@property(nonatomic) NSPoint draggingLocation;
-@end
-@implementation Glissement
-@end
-
 namespace {
-
-// À tant de points du coin haut gauche de la page.
-Glissement* glisser(NSArray* objets, CGFloat x, CGFloat y) {
-  Glissement* glissement = [Glissement new];
-  glissement.draggingPasteboard = [NSPasteboard pasteboardWithUniqueName];
-  if (objets.count > 0) [glissement.draggingPasteboard writeObjects:objets];
-  glissement.draggingLocation = [vueWeb() convertPoint:NSMakePoint(x, y) toView:nil];
-  return glissement;
-}
 
 NSURL* fichier(NSString* chemin) {
   return [NSURL fileURLWithPath:chemin];
