@@ -6,17 +6,19 @@
 namespace keltrove::moteur {
 namespace {
 
-constexpr uid_t nous = 501;
-constexpr const char* titresDeNetstat =
-    "Active Internet connections (including servers)\n"
-    "Proto Recv-Q Send-Q  Local Address          Foreign Address        (state)\n";
-constexpr const char* titresDeLsof = "COMMAND   PID USER   FD   TYPE             DEVICE SIZE/OFF NODE NAME\n";
-
 // Les deux outils tels que macOS les fait écrire.
 class TenantParOutils : public testing::Test {
 protected:
-  Tenant demander(const std::string& netstat, const std::string& lsof, int port = 7777) {
-    return tenantSelonOutils(poser("netstat", netstat), poser("lsof", lsof), port, nous);
+  static constexpr int lePort = 7777;
+  static constexpr uid_t notreCompte = 501;
+  static constexpr const char* titresDeNetstat =
+      "Active Internet connections (including servers)\n"
+      "Proto Recv-Q Send-Q  Local Address          Foreign Address        (state)\n";
+  static constexpr const char* titresDeLsof =
+      "COMMAND   PID USER   FD   TYPE             DEVICE SIZE/OFF NODE NAME\n";
+
+  Tenant demander(const std::string& netstat, const std::string& lsof) {
+    return tenantSelonOutils(poser("netstat", netstat), poser("lsof", lsof), lePort, notreCompte);
   }
   Tenant avec(const std::string& netstat, const std::string& lsof) {
     return demander(titresDeNetstat + netstat, titresDeLsof + lsof);
@@ -86,7 +88,7 @@ TEST_F(TenantParOutils, UnOutilQuiNeDitRienDeConnuNAccusePersonne) {
   const std::string tenue = "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
   EXPECT_EQ(demander("", titresDeLsof + tenue), Tenant::inconnu);
   EXPECT_EQ(demander("usage: netstat\n", titresDeLsof + tenue), Tenant::inconnu);
-  EXPECT_EQ(tenantSelonOutils("/nulle/part", "/nulle/part", 7777, nous), Tenant::inconnu);
+  EXPECT_EQ(tenantSelonOutils("/nulle/part", "/nulle/part", lePort, notreCompte), Tenant::inconnu);
 }
 
 } // namespace
