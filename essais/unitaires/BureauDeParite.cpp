@@ -218,7 +218,7 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
       {"cliquer la notification", [](Bureau& b, Texte numero) { b.cliquer(numero); }},
       {"glisser des fichiers",
        [](Bureau& b, Texte chemins) {
-         b.entrer({.chemins = mots(chemins)});
+         b.entrer({.chemins = mots(chemins), .adresses = {}});
          b.glissement_.deposer({.x = 2, .y = 2}, {});
        }},
       {"glisser un texte",
@@ -228,7 +228,7 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
        }},
       {"survoler avec un fichier",
        [](Bureau& b, Texte chemin) {
-         b.entrer({.chemins = {chemin}});
+         b.entrer({.chemins = {chemin}, .adresses = {}});
          b.glissement_.sortir();
        }},
       {"le serveur meurt", [](Bureau& b, Texte) { b.tuerLeServeur(); }},

@@ -23,7 +23,8 @@ std::pair<std::string, std::string> couper(const std::string& texte) {
 }
 
 LigneAttendue lireLAttendu(int numero, std::string texte) {
-  LigneAttendue ligne{.numero = numero};
+  LigneAttendue ligne;
+  ligne.numero = numero;
   if (const auto marque = texte.find(" @"); marque != std::string::npos) {
     ligne.joueurs = texte.substr(marque);
     texte.erase(marque);
@@ -39,10 +40,10 @@ LigneAttendue lireLAttendu(int numero, std::string texte) {
 void lireUneLigne(std::vector<ScenarioDeParite>& scenarios, int numero, std::string ligne) {
   if (ligne.empty() || ligne.starts_with('#')) return;
   if (oter(ligne, "== ")) {
-    scenarios.push_back({.nom = ligne});
+    scenarios.emplace_back().nom = ligne;
   } else if (oter(ligne, "> ")) {
     auto [nom, objet] = couper(ligne);
-    scenarios.back().gestes.push_back({.nom = std::move(nom), .objet = std::move(objet)});
+    scenarios.back().gestes.push_back({.nom = std::move(nom), .objet = std::move(objet), .attendus = {}});
   } else if (oter(ligne, "  ")) {
     scenarios.back().gestes.back().attendus.push_back(lireLAttendu(numero, std::move(ligne)));
   } else {
