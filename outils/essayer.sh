@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installe ce que les essais demandent, construit, et passe tous les essais, étape par étape.
 #   outils/essayer.sh                           toutes les étapes
-#   outils/essayer.sh --rapide                  sans les assainisseurs, clang ni le paquet
+#   outils/essayer.sh --rapide                  sans les assainisseurs, clang, le paquet ni le bureau macOS
 #   outils/essayer.sh unitaires bout-en-bout    celles-ci seulement, dans cet ordre
 #   outils/essayer.sh --etapes                  leur liste
 set -euo pipefail
@@ -19,7 +19,7 @@ for choix in "$@"; do
       ;;
   esac
 done
-[ $# -gt 0 ] || devant=("${etapes_rapides[@]}" paquet) fond=("${etapes_de_fond[@]}")
+[ $# -gt 0 ] || devant=("${etapes_rapides[@]}" "${etapes_lentes[@]}") fond=("${etapes_de_fond[@]}")
 
 # passer <étape> : son état et sa durée vont dans $bilan. Une étape ratée n’empêche pas les suivantes de dire ce qu’elles ont à
 # dire. À part et attendue, et non dans une condition, où bash ne s’arrêterait plus à la première faute.
@@ -45,7 +45,7 @@ resumer() {
 }
 
 paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}" "${paquets_linters[@]}")
-[ $construction_native = release ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}")
+[ $construction_native = release ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}" "${paquets_cocoa[@]}")
 installer_ce_qui_manque "${paquets[@]}"
 
 bilan=$(mktemp -d)

@@ -5,7 +5,8 @@
 etapes_rapides=(linters unitaires serveur bout-en-bout)
 # Le calcul pur court derrière les essais, qui passent leur temps à attendre, et leur cède la place.
 etapes_de_fond=(assaini courses couverture portabilite analyse)
-etapes=("${etapes_rapides[@]}" paquet "${etapes_de_fond[@]}")
+etapes_lentes=(paquet cocoa)
+etapes=("${etapes_rapides[@]}" "${etapes_lentes[@]}" "${etapes_de_fond[@]}")
 
 lister_les_etapes() {
   cat <<'FIN'
@@ -15,6 +16,7 @@ lister_les_etapes() {
   serveur       les essais du serveur et de sa page
   bout-en-bout  l’application entière, sur un écran virtuel
   paquet        le paquet Debian, contrôlé par l’outil de chacune de ses parties
+  cocoa         le bureau macOS, contre GNUstep, adresses et comportements indéfinis surveillés
   assaini       les essais unitaires, adresses et comportements indéfinis surveillés
   courses       les essais unitaires, courses surveillées
   couverture    les lignes du comportement que les essais unitaires parcourent
@@ -87,6 +89,11 @@ etape_bout_en_bout() {
 }
 
 etape_paquet() { "$racine/outils/paquet.sh"; }
+
+etape_cocoa() {
+  construire cocoa -DKELTROVE_STRICT=ON
+  "$racine/essais/cocoa/lancer.sh"
+}
 
 etape_assaini() {
   construire asan -DKELTROVE_STRICT=ON
