@@ -3,6 +3,7 @@
 
 #include "app/DelegueApplication.hpp"
 #include "bureau/cocoa/NotificationsCocoa.hpp"
+#include "bureau/cocoa/SignauxCocoa.hpp"
 #include "fenetre/Bureau.hpp"
 
 #include <memory>
@@ -32,11 +33,13 @@ private:
   void demanderLaFermeture() override;
   void partir() override;
 
-  NSApplication* const application_; // avant tout ce qui demande à AppKit d’être là
+  const sigset_t signaux_ = retenirLesSignaux(); // avant qu’AppKit n’ait de fils à lui
+  NSApplication* const application_;             // avant tout ce qui demande à AppKit d’être là
   const std::shared_ptr<socle::BoucleEvenements> boucle_;
   NotificationsCocoa notifications_;
   app::DelegueApplication delegue_;
   DelegueApplication* const delegueDAppKit_; // AppKit ne le tient pas
+  socle::Minuteur fermetureDemandee_;
 };
 
 } // namespace keltrove::bureau

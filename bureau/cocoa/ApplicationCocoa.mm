@@ -60,6 +60,7 @@ ApplicationCocoa::ApplicationCocoa(std::shared_ptr<moteur::MoteurServeur> moteur
 }
 
 void ApplicationCocoa::faireTourner() {
+  ecouterLesSignaux(signaux_, [this] { boucle_->poster([this] { demanderLaFermeture(); }); });
   [application_ run];
 }
 
@@ -87,7 +88,9 @@ void ApplicationCocoa::ouvrirDansLeNavigateur(const std::string& adresse, std::f
 }
 
 void ApplicationCocoa::demanderLaFermeture() {
-  [application_ terminate:nil];
+  // La fermeture fait tourner la boucle en elle-même : ce que l’on y a posté après nous attendrait qu’elle
+  // finisse.
+  fermetureDemandee_ = boucle_->apres(0, [application = application_] { [application terminate:nil]; });
 }
 
 void ApplicationCocoa::partir() {

@@ -1,5 +1,6 @@
 // Le contrôleur de la fenêtre : ce qu’elle contient, et ce qui arrive à l’application autour d’elle.
 
+#include "bureau/cocoa/AProposCocoa.hpp"
 #include "bureau/cocoa/Couleurs.hpp"
 #include "bureau/cocoa/FenetreCocoa.hpp"
 #include "bureau/cocoa/MessageDeWebKit.hpp"
@@ -133,6 +134,13 @@ namespace Apparence = fenetre::Apparence;
   if (ouverture.auCentre) [_fenetre center];
 }
 
+// L’écran qui la portait s’en est allé : personne ne la retrouverait.
+- (void)revenirSurUnEcran {
+  for (NSScreen* un in NSScreen.screens)
+    if (NSIntersectsRect(un.visibleFrame, _fenetre.frame)) return;
+  [_fenetre center];
+}
+
 - (void)ecouterLEcran {
   __weak FenetrePrincipale* faible = self;
   _ecran.quandOnReessaie = ^{
@@ -148,6 +156,10 @@ namespace Apparence = fenetre::Apparence;
   for (NSString* nom in
        @[ NSApplicationDidBecomeActiveNotification, NSApplicationDidResignActiveNotification ])
     [centre addObserver:self selector:@selector(direLeRegard) name:nom object:nil];
+  [centre addObserver:self
+             selector:@selector(revenirSurUnEcran)
+                 name:NSApplicationDidChangeScreenParametersNotification
+               object:nil];
   [NSWorkspace.sharedWorkspace addObserver:self forKeyPath:@"voiceOverEnabled" options:0 context:nil];
   // Plus tard : l’observateur n’est pas encore construit.
   [self performSelectorOnMainThread:@selector(direCeQuOnSait) withObject:nil waitUntilDone:NO];
@@ -184,6 +196,11 @@ namespace Apparence = fenetre::Apparence;
 
 - (void)rechargerVraiment:(id)source {
   if (_observateur != nullptr) _observateur->quandOnRecharge();
+}
+
+// Avant l’application, à qui le menu s’adresse sinon.
+- (void)orderFrontStandardAboutPanel:(id)source {
+  bureau::montrerLAPropos();
 }
 
 - (void)userContentController:(WKUserContentController*)contenus

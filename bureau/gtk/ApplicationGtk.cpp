@@ -3,8 +3,7 @@
 #include "bureau/gtk/EcranPerdu.hpp"
 #include "bureau/gtk/NavigateurDuBureau.hpp"
 #include "socle/Reglages.hpp"
-
-#include <csignal>
+#include "socle/SignauxDeFin.hpp"
 
 #include <glib-unix.h>
 
@@ -16,11 +15,6 @@ using Partage = Gio::Application::Flags;
 
 Partage partage() {
   return Reglages::accessoire() ? Partage::NON_UNIQUE : Partage::NONE;
-}
-
-bool estIgnore(int signal) {
-  struct sigaction action{};
-  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 } // namespace
@@ -70,9 +64,7 @@ ApplicationGtk::creerLaFenetre(fenetre::ObservateurDeLaVue& observateur) {
 }
 
 void ApplicationGtk::ecouterLesSignaux() {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-    // Qui nous a lancés par « nohup », ou à l’arrière-plan d’un script, veut que nous y survivions.
-    if (estIgnore(signal)) continue;
+  for (const int signal : socle::signauxDeFin())
     g_unix_signal_add(
         signal,
         [](gpointer moi) -> gboolean {
@@ -80,7 +72,6 @@ void ApplicationGtk::ecouterLesSignaux() {
           return G_SOURCE_CONTINUE;
         },
         this);
-  }
 }
 
 void ApplicationGtk::ouvrirDansLeNavigateur(const std::string& adresse, std::function<void()> rate) {

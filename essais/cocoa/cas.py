@@ -1,6 +1,7 @@
 """Ce qu’il faut à chaque scénario : son serveur, son environnement, et comment son journal doit finir."""
 
 import dataclasses
+import signal
 
 ARRETE = ["arret-demande", "arret-fini"]
 LAISSE = ["quitte-sans-toucher-au-serveur"]
@@ -29,18 +30,23 @@ process.on('SIGTERM', () => {
   partir();
 });
 """
+ETRANGER = "import http from 'node:http';\nhttp.createServer((q, r) => r.end('autre chose')).listen(%PORT%, '127.0.0.1');\n"
 
 
 @dataclasses.dataclass
 class Cas:
     serveur: str = "vrai"  # celui qui accompagne l’application, ou un code à la place ; vide : aucun
-    voisin: bool = False  # un serveur tourne déjà
+    lanceur: str = ""  # le script de démarrage d’une copie installée
+    voisin: str = ""  # qui tient déjà le port : un « vrai » serveur, ou un code
+    sans_node: bool = False
+    signaux_ignores: list = dataclasses.field(default_factory=list)  # de qui lance l’application
     reste: bool = False  # celui que l’application a lancé, puis rejoint à un nouvel essai, lui survit
     fin: list = dataclasses.field(default_factory=lambda: ARRETE)
     environnement: dict = dataclasses.field(default_factory=dict)
     nu: bool = False  # lancé hors de son paquet
     reglages_illisibles: bool = False
     lancements: int = 1
+    dit: str = ""  # une ligne de sa sortie d’erreur, en expression rationnelle
     duree: int = 0  # en secondes, pour ne pas finir par lui
 
 
@@ -57,12 +63,15 @@ def rejoint(**autres):
 
 
 CAS = {
-    "unServeurQuiTourneDejaEstRejointEtLaisse": Cas(voisin=True, fin=LAISSE),
+    "unServeurQuiTourneDejaEstRejointEtLaisse": Cas(voisin="vrai", fin=LAISSE),
     "enModeEssaiRienNeSeMontreEtToutSArreteSeul": Cas(
         environnement={"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "8"}, duree=8,
         fin=["essai-quitte-tout-seul", *ARRETE]),
-    "enModeDiscretLaFenetreEstDerriereEtDitSonNumero": Cas(environnement={"KELTROVE_DISCRET": "1"}),
+    "enModeDiscretLaFenetreEstDerriereEtDitSonNumero": Cas(
+        environnement={"KELTROVE_DISCRET": "1"}, dit=r"  \[keltrove\] numero-fenetre [1-9]\d*"),
     "leCadreEstRetenuDUneFoisSurLAutre": sans_serveur(lancements=2),
+    "uneFenetreDontLEcranSEnVaRevient": sans_serveur(),
+    "unPortPrisParUnAutreEstContourne": Cas(voisin=ETRANGER),
     "desReglagesQueLOnNePeutEcrireNEmpechentRien": obeissant(reglages_illisibles=True),
     "chacuneDesSeptErreursSExplique": sans_serveur(),
     "entreePresseReessayerTantQuIlSeVoit": sans_serveur(),
@@ -79,6 +88,7 @@ CAS = {
     "laPageSaitSiOnLaRegardeEtQuUnLecteurTourne": obeissant(),
     "laBarreEstCelleDeLaTable": sans_serveur(),
     "chaqueRaccourciMeneASonAction": rejoint(),
+    "lAProposPorteLeJournalACopier": obeissant(),
     "lesArticlesSeGrisentSelonQuiALeClavier": obeissant(),
     "desFichiersPassentParLesSeptOperations": obeissant(),
     "desFichiersQuiRepartentNeLeDisentQuUneFois": obeissant(),
@@ -94,6 +104,10 @@ CAS = {
     "unClicApresLaFenetreFermeeRameneEncoreLApplication": Cas(serveur=LENT_A_PARTIR),
     "lesReglagesDuSystemeSOuvrent": obeissant(),
     "laFermetureAttendLeServeurEtNEcouteQueLui": Cas(serveur=LENT_A_PARTIR),
+    "uneDemandeDArretFermeParLeCheminOrdinaireEtUneSeuleFois": Cas(serveur=LENT_A_PARTIR),
+    "ctrlCDansLeTerminalDeLancementFermeAussi": obeissant(),
+    "laFinDuTerminalDeLancementFermeAussi": obeissant(),
+    "unSignalRecuIgnoreLeReste": obeissant(signaux_ignores=[signal.SIGHUP]),
     "leServeurDejaMortLaFermetureEstImmediate": obeissant(),
     "quitterPendantUnDemarrageNeLaisseRien": obeissant(fin=[]),
 }

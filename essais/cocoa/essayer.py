@@ -4,6 +4,7 @@ import ctypes
 import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import socket
@@ -53,12 +54,17 @@ class Essai:
         (maison / ".zelcor" / "keltrove.json").write_text(json.dumps({"port": self.port}))
         application = self.racine / "application"
         application.mkdir()
+        ressources = application / "ressources"
         if self.cas.serveur == "vrai":
-            (application / "ressources").symlink_to(CONSTRUCTION / "ressources")
+            ressources.symlink_to(CONSTRUCTION / "ressources")
         elif self.cas.serveur:
-            code = application / "ressources" / "keltrove"
+            code = ressources / "keltrove"
             code.mkdir(parents=True)
             (code / "serveur.mjs").write_text(self.cas.serveur.replace("%PORT%", str(self.port)))
+        elif self.cas.lanceur:
+            ressources.mkdir()
+            (ressources / "demarrer-keltrove.sh").write_text(self.cas.lanceur)
+            (ressources / "demarrer-keltrove.sh").chmod(0o755)
         reglages = maison / "reglages"
         if self.cas.reglages_illisibles:
             reglages.write_text("un fichier, là où il faut un dossier")
@@ -72,6 +78,7 @@ class Essai:
             "KELTROVE_EXECUTABLE_D_ESSAI": str(self.racine / "application" / "Keltrove"),
             "KELTROVE_SCENARIO": self.nom,
             "KELTROVE_PORT_D_ESSAI": str(self.port),
+            **({"LD_PRELOAD": str(DOSSIER / "libsans_node.so")} if self.cas.sans_node else {}),
             **self.cas.environnement,
         }
 
@@ -79,9 +86,20 @@ class Essai:
         programme = programme_de(self.cas)
         for tour in range(self.cas.lancements):
             fini = subprocess.run([programme], capture_output=True, text=True, errors="replace", timeout=PATIENCE,
-                                  stdin=subprocess.DEVNULL,
+                                  stdin=subprocess.DEVNULL, preexec_fn=self.ignorer_les_signaux,
                                   env={**self.environnement(), "KELTROVE_LANCEMENT": str(tour)})
             yield from self.juger(fini)
+
+    def code_du_voisin(self):
+        if self.cas.voisin == "vrai":
+            return CONSTRUCTION / "ressources" / "keltrove" / "serveur.mjs"
+        code = self.racine / "voisin.mjs"
+        code.write_text(self.cas.voisin.replace("%PORT%", str(self.port)))
+        return code
+
+    def ignorer_les_signaux(self):
+        for ignore in self.cas.signaux_ignores:
+            signal.signal(ignore, signal.SIG_IGN)
 
     def juger(self, fini):
         lignes = [ligne for ligne in fini.stderr.splitlines() if ligne]
@@ -89,13 +107,15 @@ class Essai:
         etapes = [etape for etape in etapes if etape not in VENUES_QUAND_ELLES_PEUVENT]
         bruit = [ligne for ligne in lignes
                  if not ligne.startswith("  [keltrove] ") and BRUIT_DE_GNUSTEP not in ligne]
+        if self.cas.dit and not any(re.fullmatch(self.cas.dit, ligne) for ligne in lignes):
+            yield f"ne dit pas : {self.cas.dit}"
         if fini.returncode != 0:
             yield f"état {fini.returncode}"
         if bruit:
             yield "dit sur la sortie d’erreur :\n    " + "\n    ".join(bruit[:60])
         if etapes[len(etapes) - len(self.cas.fin):] != self.cas.fin:
             yield f"finit par {etapes}, non par {self.cas.fin}"
-        if (self.cas.voisin or self.cas.reste) != repond(self.port):
+        if bool(self.cas.voisin or self.cas.reste) != repond(self.port):
             yield "le serveur répond encore" if repond(self.port) else "le serveur ne répond plus"
 
     def essayer(self):
@@ -103,9 +123,8 @@ class Essai:
         self.preparer()
         try:
             if self.cas.voisin:
-                voisin = subprocess.Popen(["node", CONSTRUCTION / "ressources" / "keltrove" / "serveur.mjs"],
-                                          env=self.environnement(), stdout=subprocess.DEVNULL,
-                                          stderr=subprocess.DEVNULL, start_new_session=True)
+                voisin = subprocess.Popen(["node", self.code_du_voisin()], env=self.environnement(),
+                                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
                 while not repond(self.port):
                     time.sleep(0.01)
             return list(self.jouer())

@@ -19,6 +19,14 @@ BOOL ouvrir(id, SEL, NSURL* adresse) {
   return !systemeNote().rienNOuvre;
 }
 
+void montrerLAPropos(id, SEL, NSDictionary* options) {
+  systemeNote().aPropos.emplace_back([[options[NSAboutPanelOptionCredits] string] ?: @"" UTF8String]);
+}
+
+void interdireLaFinSubite(id, SEL) {
+  ++systemeNote().finsSubitesInterdites;
+}
+
 void (*activerDOrigine)(id, SEL, BOOL);
 void activer(id application, SEL selecteur, BOOL quoiQuIlEnSoit) {
   ++systemeNote().activations;
@@ -35,6 +43,12 @@ void activer(id application, SEL selecteur, BOOL quoiQuIlEnSoit) {
   @autoreleasepool {
     method_setImplementation(class_getInstanceMethod([NSWorkspace class], @selector(openURL:)),
                              (IMP)essais::ouvrir);
+    method_setImplementation(
+        class_getInstanceMethod([NSProcessInfo class], @selector(disableSuddenTermination)),
+        (IMP)essais::interdireLaFinSubite);
+    method_setImplementation(
+        class_getInstanceMethod([NSApplication class], @selector(orderFrontStandardAboutPanelWithOptions:)),
+        (IMP)essais::montrerLAPropos);
     essais::activerDOrigine = (void (*)(id, SEL, BOOL))method_setImplementation(
         class_getInstanceMethod([NSApplication class], @selector(activateIgnoringOtherApps:)),
         (IMP)essais::activer);

@@ -6,6 +6,8 @@
 
 using essais::champsDe;
 
+NSString* const NSAboutPanelOptionCredits = @"Credits";
+
 @implementation NSColor (Manquant)
 + (NSColor*)colorWithName:(NSString*)nom dynamicProvider:(NSColor* (^)(NSAppearance*))donner {
   return donner([NSAppearance appearanceNamed:NSAppearanceNameAqua]);

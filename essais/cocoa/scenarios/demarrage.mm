@@ -3,9 +3,24 @@
 #include "Scenario.hpp"
 #include "fenetre/VueWebDepot.hpp"
 
+#import <objc/runtime.h>
+
 using namespace essais;
 
+// Celui de droite, quand celui de gauche n’est plus là.
+@interface EcranDeDroite : NSScreen
+@end
+@implementation EcranDeDroite
+- (NSRect)visibleFrame {
+  return NSMakeRect(760, 0, 1360, 900);
+}
+@end
+
 namespace {
+
+NSArray* plusQueCeluiDeDroite(id, SEL) {
+  return @[ [EcranDeDroite alloc] ];
+}
 
 void exigerLaConfigurationDeLaVueWeb() {
   WKWebViewConfiguration* configuration = vueWeb().configuration;
@@ -56,6 +71,7 @@ void exigerLaRequete(NSURLRequest* requete) {
 SCENARIO(unServeurSAllumeEtSaPageSAffiche) {
   faire([] {
     exiger(NSApp.activationPolicy == NSApplicationActivationPolicyRegular, "une application ordinaire");
+    exiger(systemeNote().finsSubitesInterdites == 1, "qui ne finit que par la fermeture");
     exiger(fenetre().isVisible && fenetre().isKeyWindow, "la fenêtre est devant, avec le clavier");
     exigerEgal(titre(), "keltrove démarre…", "le titre");
     exiger(!ecran().isHidden && !ecran().roue.isHidden, "l’écran d’attente et sa roue se voient");
@@ -123,6 +139,38 @@ SCENARIO(leCadreEstRetenuDUneFoisSurLAutre) {
       exigerEgal(texte(NSStringFromSize(repris.size)), texte(NSStringFromSize(voulu.size)), "la taille");
     });
   attendreLEtape("echec-demarrage");
+  quitter();
+}
+
+SCENARIO(uneFenetreDontLEcranSEnVaRevient) {
+  faire([] {
+    const auto changerLesEcrans = [] {
+      [NSNotificationCenter.defaultCenter
+          postNotificationName:NSApplicationDidChangeScreenParametersNotification
+                        object:NSApp];
+    };
+    const NSRect aGauche = NSMakeRect(0, 80, 720, 480);
+    [fenetre() setFrame:aGauche display:NO];
+    changerLesEcrans();
+    exiger(NSEqualRects(fenetre().frame, aGauche), "celle qui se voit ne bouge pas");
+    method_setImplementation(class_getClassMethod([NSScreen class], @selector(screens)),
+                             (IMP)plusQueCeluiDeDroite);
+    changerLesEcrans();
+    exiger(NSIntersectsRect(fenetre().frame, [[EcranDeDroite alloc] visibleFrame]), "elle est revenue");
+    exiger(NSEqualSizes(fenetre().frame.size, aGauche.size), "de la même taille");
+  });
+  attendreLEtape("echec-demarrage");
+  quitter();
+}
+
+SCENARIO(unPortPrisParUnAutreEstContourne) {
+  attendreLEtape("allume");
+  afficherLaPage();
+  faire([] {
+    const auto adresse = texte(page().requetes.back().URL.absoluteString);
+    exigerEgal(adresse, "http://localhost:" + detail("allume", "port") + "/", "l’adresse");
+    exiger(detail("allume", "port") != std::to_string(port()), "ailleurs");
+  });
   quitter();
 }
 

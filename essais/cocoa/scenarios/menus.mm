@@ -3,6 +3,7 @@
 #include "fenetre/Menus.hpp"
 
 #include "Scenario.hpp"
+#include "fenetre/APropos.hpp"
 
 using namespace essais;
 namespace Menus = keltrove::fenetre::Menus;
@@ -95,6 +96,22 @@ SCENARIO(chaqueRaccourciMeneASonAction) {
     exigerEgal(titre(), "Nouvel essai…", "recharger redemande un essai");
   });
   attendreLEtape("rattache");
+  quitter();
+}
+
+SCENARIO(lAProposPorteLeJournalACopier) {
+  attendreLEtape("allume");
+  faire([] {
+    exiger(permis("orderFrontStandardAboutPanel:"), "l’article est permis");
+    NSMenuItem* article = articleDe("orderFrontStandardAboutPanel:");
+    [NSApp sendAction:article.action to:article.target from:article];
+    exiger(systemeNote().aPropos.size() == 1, "un panneau");
+    const auto& dit = systemeNote().aPropos.front();
+    for (const std::string voulu :
+         {keltrove::fenetre::APropos::objet, keltrove::fenetre::APropos::licence,
+          "Keltrove " KELTROVE_VERSION "\nmacOS, ", "s  demarrage-demande\n", "s  allume  port="})
+      exiger(dit.contains(voulu), "il porte : " + voulu);
+  });
   quitter();
 }
 

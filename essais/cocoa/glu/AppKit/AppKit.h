@@ -21,6 +21,7 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
   NSWindowTabbingModePreferred,
   NSWindowTabbingModeDisallowed
 };
+extern NSString* const NSAboutPanelOptionCredits;
 extern NSString* const NSPasteboardTypeFileURL;
 extern NSString* const NSPasteboardURLReadingFileURLsOnlyKey;
 
