@@ -86,7 +86,7 @@ class Essai:
         programme = programme_de(self.cas)
         for tour in range(self.cas.lancements):
             fini = subprocess.run([programme], capture_output=True, text=True, errors="replace", timeout=PATIENCE,
-                                  stdin=subprocess.DEVNULL, preexec_fn=self.ignorer_les_signaux,
+                                  stdin=subprocess.DEVNULL, preexec_fn=self.rendre_les_signaux,
                                   env={**self.environnement(), "KELTROVE_LANCEMENT": str(tour)})
             yield from self.juger(fini)
 
@@ -97,9 +97,10 @@ class Essai:
         code.write_text(self.cas.voisin.replace("%PORT%", str(self.port)))
         return code
 
-    def ignorer_les_signaux(self):
-        for ignore in self.cas.signaux_ignores:
-            signal.signal(ignore, signal.SIG_IGN)
+    def rendre_les_signaux(self):
+        """Ce que bash lance à l’arrière-plan ignore Ctrl+C ; et GNUstep prend à son compte celui que l’on n’écoute pas."""
+        for fin in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            signal.signal(fin, signal.SIG_IGN if fin in self.cas.signaux_ignores else signal.SIG_DFL)
 
     def juger(self, fini):
         lignes = [ligne for ligne in fini.stderr.splitlines() if ligne]

@@ -9,9 +9,9 @@ NSString* const NSPasteboardURLReadingFileURLsOnlyKey = @"NSPasteboardURLReading
 - (NSArray*)readObjectsForClasses:(NSArray*)classes options:(NSDictionary*)options {
   NSMutableArray* lus = [NSMutableArray array];
   if (![classes containsObject:[NSURL class]]) return lus;
-  if ([self.types containsObject:NSFilenamesPboardType]) {
-    for (NSString* chemin in [self propertyListForType:NSFilenamesPboardType])
-      [lus addObject:[NSURL fileURLWithPath:chemin]];
+  if ([self.types containsObject:NSPasteboardTypeFileURL]) {
+    for (NSString* adresse in [self propertyListForType:NSPasteboardTypeFileURL])
+      [lus addObject:[NSURL URLWithString:adresse]];
     return lus;
   }
   NSURL* adresse = [self.types containsObject:NSURLPboardType] ? [NSURL URLFromPasteboard:self] : nil;
@@ -21,12 +21,12 @@ NSString* const NSPasteboardURLReadingFileURLsOnlyKey = @"NSPasteboardURLReading
 }
 
 - (BOOL)writeObjects:(NSArray*)objets {
-  NSMutableArray* chemins = [NSMutableArray array];
+  NSMutableArray* fichiers = [NSMutableArray array];
   for (id objet in objets)
-    if ([objet isKindOfClass:[NSURL class]] && [objet isFileURL]) [chemins addObject:[objet path]];
-  if (chemins.count > 0) {
-    [self declareTypes:@[ NSFilenamesPboardType ] owner:nil];
-    return [self setPropertyList:chemins forType:NSFilenamesPboardType];
+    if ([objet isKindOfClass:[NSURL class]] && [objet isFileURL]) [fichiers addObject:[objet absoluteString]];
+  if (fichiers.count > 0) {
+    [self declareTypes:@[ NSPasteboardTypeFileURL ] owner:nil];
+    return [self setPropertyList:fichiers forType:NSPasteboardTypeFileURL];
   }
   id premier = objets.firstObject;
   if ([premier isKindOfClass:[NSURL class]]) {

@@ -122,6 +122,20 @@ SCENARIO(leZoomCompteEtNEstJamaisNul) {
   quitter();
 }
 
+SCENARIO(unFichierAuNomIllisibleSeDitEtLesAutresSeDeposent) {
+  decouvrirLaPage();
+  faire([] {
+    Glissement* deux = glisser(@[ fichier(@"/tmp/a"), [NSURL URLWithString:@"file:///tmp/%FF"] ], 5, 5);
+    [vueWeb() draggingEntered:deux];
+    exiger([vueWeb() performDragOperation:deux], "remis");
+    exiger([page().appels.back().arguments[@"chemins"] isEqual:@[ @"/tmp/a" ]], "celui qui a un nom");
+    exiger([controleur().bandeau.stringValue containsString:@"Un fichier n’a pas été déposé"],
+           "l’autre se dit");
+    [vueWeb() concludeDragOperation:deux];
+  });
+  quitter();
+}
+
 SCENARIO(dixMilleFichiersSeDeposentDUnCoup) {
   decouvrirLaPage();
   faire([] {

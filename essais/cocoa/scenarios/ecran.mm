@@ -4,6 +4,7 @@
 #include "fenetre/EcranAttente.hpp"
 #include "moteur/ErreurServeur.hpp"
 #include "moteur/Sonde.hpp"
+#include "socle/Texte.hpp"
 
 #include <chrono>
 #include <cmath>
@@ -114,6 +115,36 @@ SCENARIO(leDetailDUnServeurMortSeDeplieEtSeReplie) {
   faire([] {
     exiger(ecran().cadreDetail.isHidden, "un nouveau problème est plié");
     exigerEgal(texte(ecran().boutonDetail.title), "Voir le détail", "le bouton");
+  });
+  quitter();
+}
+
+SCENARIO(nodeAbsentSeDit) {
+  attendreLEtape("echec-demarrage");
+  faire([] {
+    exigerLeProbleme(moteur::NodeIntrouvable{}, false);
+    presser(@"\r");
+  });
+  attendreLEtape("echec-demarrage", 2);
+  faire([] { exigerLeProbleme(moteur::NodeIntrouvable{}, false); });
+  quitter();
+}
+
+SCENARIO(unLancementQueLeSystemeRefuseSeDit) {
+  attendreLEtape("echec-demarrage");
+  faire([] {
+    const auto raison = keltrove::socle::texteDuSysteme(std::errc::no_such_file_or_directory);
+    exigerLeProbleme(moteur::LancementImpossible{raison}, false);
+  });
+  quitter();
+}
+
+SCENARIO(unServeurMuetSeDitAuBoutDeQuaranteSecondes) {
+  attendreLEtape("echec-demarrage");
+  faire([] {
+    exigerLeProbleme(moteur::PasDeReponse{port(), 40, "je réfléchis"}, true);
+    [ecran().boutonDetail performClick:nil];
+    exiger([ecran().detail.string containsString:@"je réfléchis"], "ce que le serveur a écrit");
   });
   quitter();
 }
