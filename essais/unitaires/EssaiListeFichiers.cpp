@@ -1,5 +1,6 @@
 #include "DossierSigne.hpp"
 #include "Echange.hpp"
+#include "Patience.hpp"
 #include "verification/ListeFichiers.hpp"
 
 #include <algorithm>
@@ -128,7 +129,7 @@ TEST(EssaiListeFichiers, UnDossierEchangePendantLaMarcheNeMeleRienEtFinitParSeDi
     while (!fini)
       essais::echanger(code.dossier() + "/d", ailleurs.dossier() + "/d");
   });
-  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  const auto limite = std::chrono::steady_clock::now() + essais::patience;
   std::ptrdiff_t venus = 0;
   bool aTemps = true;
   while (aTemps && (venus == 0 || venus == 2 * 199)) {
