@@ -176,7 +176,8 @@ test('un interpréteur sourd au raccrochage n’empêche pas l’arrêt', async 
   t.after(() => existsSync(`/proc/${pid}`) && process.kill(Number(pid), 'SIGKILL'));
   const debut = performance.now();
   assert.deepEqual(await arreter(serveur), { code: 0, signal: null });
-  assert.ok(performance.now() - debut < 2000);
+  // Ce que l’application lui laisse.
+  assert.ok(performance.now() - debut < 12_000);
   assert.equal(maison.lireLeCarnet().length, 1);
 });
 
