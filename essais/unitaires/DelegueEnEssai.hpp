@@ -64,6 +64,8 @@ protected:
       moteur->arreter([&](const std::string&) { fini = true; });
       boucle->attendre([&] { return fini; });
     }
+    // Une santé demandée lit encore le dossier personnel, que la maison d’essai va rendre.
+    boucle->attendre([this] { return moteur.use_count() <= usagesAuRepos; });
   }
 
   void poserLeServeur(const std::string& suite = "") {
@@ -87,6 +89,7 @@ protected:
   essais::VueEnregistreuse& vue = bureau.vue;
   essais::CentreEnregistreur& centre = bureau.centre;
   DelegueApplication delegue{moteur, boucle, bureau};
+  const long usagesAuRepos = moteur.use_count();
 };
 
 } // namespace keltrove::app
