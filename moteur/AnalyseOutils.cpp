@@ -87,6 +87,7 @@ std::vector<PriseALEcoute> lirePrisesDeLsof(std::string_view sortie, uid_t compt
   enum Champ : std::size_t { famille = 4, numero = 5, nom = 8, champs };
   std::vector<PriseALEcoute> prises;
   std::set<std::string> vues;
+  if (!socle::estUTF8(sortie)) return prises;
   for (const auto& ligne : decouper(sortie, '\n', MorceauxVides::ecartes)) {
     const auto mots = decouper(ligne, ' ', MorceauxVides::ecartes);
     if (mots.size() < champs) continue;
@@ -101,7 +102,7 @@ std::vector<PriseALEcoute> lirePrisesDeLsof(std::string_view sortie, uid_t compt
 
 std::optional<std::vector<PriseALEcoute>> lireNetstat(std::string_view sortie) {
   enum Champ : std::size_t { protocole = 0, locale = 3, etat = 5, champs };
-  if (!sortie.contains("Local Address")) return std::nullopt;
+  if (!socle::estUTF8(sortie) || !sortie.contains("Local Address")) return std::nullopt;
   std::vector<PriseALEcoute> prises;
   for (const auto& ligne : decouper(sortie, '\n', MorceauxVides::ecartes)) {
     const auto mots = decouper(ligne, ' ', MorceauxVides::ecartes);

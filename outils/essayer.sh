@@ -21,23 +21,36 @@ for choix in "$@"; do
 done
 [ $# -gt 0 ] || devant=("${etapes_rapides[@]}" "${etapes_lentes[@]}") fond=("${etapes_de_fond[@]}")
 
-# passer <étape> : son état et sa durée vont dans $bilan. Une étape ratée n’empêche pas les suivantes de dire ce qu’elles ont à
-# dire. À part et attendue, et non dans une condition, où bash ne s’arrêterait plus à la première faute.
+# passer <étape> : son état, sa durée et ce qu’elle dit vont dans $bilan. Une étape ratée n’empêche pas les suivantes de dire ce
+# qu’elles ont à dire. À part et attendue, et non dans une condition, où bash ne s’arrêterait plus à la première faute.
 passer() {
   local debut=$SECONDS etat=0
   dire "=== $1"
-  ("etape_${1//-/_}") &
+  ("etape_${1//-/_}" 2>&1 | tee "$bilan/$1.sortie") &
   wait $! || etat=$?
-  echo "$etat $((SECONDS - debut))" >"$bilan/$1"
-  [ $etat = 0 ] || dire "L’étape « $1 » a échoué ; seule : outils/essayer.sh $1" >&2
+  echo "$etat $((SECONDS - debut))" >"$bilan/$1.etat"
+}
+
+# Ce qui a échoué se redit à la fin : d’une longue sortie, on ne garde et ne lit souvent que cela.
+redire_les_echecs() {
+  local etape etat
+  for etape in "${devant[@]}" "${fond[@]}"; do
+    etat=0
+    [ ! -e "$bilan/$etape.etat" ] || read -r etat _ <"$bilan/$etape.etat"
+    [ "$etat" != 0 ] || continue
+    dire "=== L’étape « $etape » a échoué ; seule : outils/essayer.sh $etape"
+    grep -E '^(FAIL|ERROR): |^not ok |\*\*\*(Failed|Timeout|Exception)' "$bilan/$etape.sortie" || true
+    tail -n 60 "$bilan/$etape.sortie"
+  done
 }
 
 resumer() {
   local etape etat duree
+  redire_les_echecs
   dire "=== En $((SECONDS / 60)) min $((SECONDS % 60)) s :"
   for etape in "${devant[@]}" "${fond[@]}"; do
     etat='' duree=0
-    [ ! -e "$bilan/$etape" ] || read -r etat duree <"$bilan/$etape"
+    [ ! -e "$bilan/$etape.etat" ] || read -r etat duree <"$bilan/$etape.etat"
     case $etat in 0) etat="réussie" ;; "") etat="interrompue" ;; *) etat="ÉCHOUÉE" ;; esac
     printf '  %-13s %3d min %02d s  %s\n' "$etape" $((duree / 60)) $((duree % 60)) "$etat"
   done
@@ -60,4 +73,4 @@ derriere >"$trace_du_fond" 2>&1 &
 for etape in "${devant[@]}"; do passer "$etape"; done
 wait
 cat "$trace_du_fond"
-! grep -qv '^0 ' "$bilan"/*
+! grep -qv '^0 ' "$bilan"/*.etat

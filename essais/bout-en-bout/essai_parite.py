@@ -5,7 +5,6 @@ import pathlib
 import signal
 import socket
 import subprocess
-import sys
 import tempfile
 import threading
 import unittest
@@ -16,10 +15,9 @@ from bureau import Ouvreur, ServiceDeNotifications
 from bus import Bus
 from cas import Cas
 from glissement import Source
-
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "parite"))
-from joueur import Partie  # noqa: E402
-from table import SCENARIOS, SERVEUR, est_keltrove, repondre_en_etranger  # noqa: E402
+from joueur import Partie
+from table import SCENARIOS, SERVEUR
+from voisins import est_keltrove, repondre_en_etranger
 
 CENTRE, DEHORS = (680, 500), (680, 5)
 PREMIERE_NOTIFICATION = 101  # le numéro que lui donne le service

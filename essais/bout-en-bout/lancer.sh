@@ -14,7 +14,7 @@ fi
 
 . "$ici/../../outils/commun.sh"
 export KELTROVE_CONSTRUCTION="${KELTROVE_CONSTRUCTION:-$racine/build/release}"
-export LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWRITEBYTECODE=1
+export PYTHONPATH=$ici/../parite LANG=C.UTF-8 LC_ALL=C.UTF-8 GTK_A11Y=atspi GTK_THEME=Adwaita PYTHONDONTWRITEBYTECODE=1
 # Une construction assainie : les erreurs d’adresse comptent. Les fuites se cherchent dans les essais unitaires : le
 # ramasse-miettes de la page arrête le chercheur de fuites.
 export ASAN_OPTIONS=detect_leaks=0:verify_asan_link_order=0:exitcode=66 UBSAN_OPTIONS=print_stacktrace=1

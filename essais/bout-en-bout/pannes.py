@@ -15,6 +15,7 @@ from application import commande, port_libre
 from banc_de_fautes import CADRE, CADRE_ECRIT, guetter
 from bus import Bus
 from compositeur import SANS_ECRAN, Compositeur
+from voisins import repondre_en_etranger
 
 
 def sans_suite(_banc):
@@ -57,7 +58,7 @@ def prendre_le_port(banc):
     prise.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
     guetter(lambda: _pris(prise, banc.application.port), quoi="le port pris")
     prise.listen()
-    threading.Thread(target=_repondre_en_etranger, args=(prise,), daemon=True).start()
+    threading.Thread(target=repondre_en_etranger, args=(prise,), daemon=True).start()
 
 
 def _pris(prise, port):
@@ -66,20 +67,6 @@ def _pris(prise, port):
         return True
     except OSError:
         return False
-
-
-def _repondre_en_etranger(prise):
-    while True:
-        try:
-            client, _ = prise.accept()
-        except OSError:
-            return
-        with client:
-            try:
-                client.recv(4096)
-                client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\nConnection: close\r\n\r\nbonjour")
-            except OSError:
-                pass  # parti sans attendre la réponse
 
 
 def du_serveur(nom):

@@ -78,7 +78,8 @@ class Essai:
             "KELTROVE_EXECUTABLE_D_ESSAI": str(self.racine / "application" / "Keltrove"),
             "KELTROVE_SCENARIO": self.nom,
             "KELTROVE_PORT_D_ESSAI": str(self.port),
-            **({"LD_PRELOAD": str(DOSSIER / "libsans_node.so")} if self.cas.sans_node else {}),
+            # En deux : LD_PRELOAD coupe aux espaces.
+            **({"LD_PRELOAD": "libsans_node.so", "LD_LIBRARY_PATH": str(DOSSIER)} if self.cas.sans_node else {}),
             **self.cas.environnement,
         }
 

@@ -5,7 +5,7 @@ set -euo pipefail
 ici=$(cd "$(dirname "$0")" && pwd)
 . "$ici/../../outils/commun.sh"
 export KELTROVE_CONSTRUCTION="${KELTROVE_CONSTRUCTION:-$racine/build/cocoa}"
-export LANG=C.UTF-8 LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1
+export PYTHONPATH=$ici/../parite LANG=C.UTF-8 LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1
 # GNUstep garde jusqu’à la fin ce qu’il crée : seules les erreurs d’adresse et de conduite comptent.
 export ASAN_OPTIONS=detect_leaks=0:exitcode=66 UBSAN_OPTIONS=print_stacktrace=1
 "$KELTROVE_CONSTRUCTION/essais/cocoa/vie_des_objets"

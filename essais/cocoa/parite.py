@@ -3,27 +3,22 @@
 import contextlib
 import json
 import os
-import pathlib
 import signal
 import socket
 import subprocess
-import sys
-import tempfile
 import threading
 import time
 
 from cas import Cas
-
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "parite"))
-from joueur import Ecart, Partie  # noqa: E402
-from table import SCENARIOS, SERVEUR, est_keltrove, repondre_en_etranger  # noqa: E402
+from joueur import Ecart, Partie
+from table import SCENARIOS, SERVEUR
+from voisins import est_keltrove, repondre_en_etranger
 
 SCENARIO = "parite"  # celui qui joue toute la table
 TABLE = {f"{SCENARIO}.{scenario.nom}": scenario for scenario in SCENARIOS}
 PATIENCE = 100
 MODES = {"discret": {"KELTROVE_DISCRET": "1"}, "essai": {"KELTROVE_ESSAI": "1", "KELTROVE_ESSAI_QUITTER": "5"}}
 PERMISSIONS = {"jamais demandées": 0, "refusées": 1, "accordées": 2}  # comme UNAuthorizationStatus
-SANS_NODE = pathlib.Path(__file__).parent.parent / "bout-en-bout" / "sans_node.c"
 
 
 def cas_de(scenario):
@@ -34,7 +29,7 @@ def cas_de(scenario):
                      **({} if permission is None else {"KELTROVE_PERMISSION_D_ESSAI": str(permission)})}
     code = depart.get("code")
     serveur = "vrai" if code == "le nôtre" else "" if code in ("aucun", "irrecevable") else SERVEUR.read_text()
-    return Cas(serveur=serveur, nu=permission is None, environnement=environnement)
+    return Cas(serveur=serveur, nu=permission is None, sans_node=code == "sans node", environnement=environnement)
 
 
 class BureauMacos:
@@ -53,8 +48,6 @@ class BureauMacos:
             self.poser_un_lanceur("#!/nulle/part\n")
         elif code not in ("aucun", "le nôtre"):
             self.poser("conduite", "ordinaire" if code == "sans node" else code)
-        if code == "sans node":
-            self.cacher_node()
         if "déjà là" in depart:
             {"un serveur": self.lancer_un_serveur, "un étranger": self.accueillir_un_etranger}[depart["déjà là"]]()
 
@@ -62,12 +55,6 @@ class BureauMacos:
         lanceur = self.essai.racine / "application" / "ressources" / "demarrer-keltrove.sh"
         lanceur.write_text(script)
         lanceur.chmod(0o755)
-
-    def cacher_node(self):
-        # Son chemin ne peut avoir d’espace.
-        bibliotheque = os.path.join(self.restes.enter_context(tempfile.TemporaryDirectory()), "sans_node.so")
-        subprocess.run(["cc", "-shared", "-fPIC", "-o", bibliotheque, SANS_NODE], check=True)
-        self.essai.cas.environnement["LD_PRELOAD"] = bibliotheque
 
     def lancer_un_serveur(self):
         serveur = subprocess.Popen(["node", self.dossier("serveur.mjs")], env=self.essai.environnement(), start_new_session=True)

@@ -1,7 +1,6 @@
 """La table des scénarios, lue : scenarios.txt dit ce que ses mots veulent dire."""
 
 import dataclasses
-import http.client
 import pathlib
 import re
 
@@ -66,30 +65,6 @@ def lire():
             cle, valeur = couper(ligne)
             scenarios[-1].depart[cle] = valeur
     return scenarios
-
-
-def est_keltrove(port):
-    """Comme l’application s’en assure : notre page y répond."""
-    connexion = http.client.HTTPConnection("127.0.0.1", port, timeout=2.5)
-    try:
-        connexion.request("GET", "/")
-        return b"keltrove-jeton" in connexion.getresponse().read()
-    except OSError:
-        return False
-    finally:
-        connexion.close()
-
-
-def repondre_en_etranger(prise):
-    """Tant qu’elle est ouverte : quelqu’un répond, qui n’est pas keltrove."""
-    while True:
-        try:
-            client, _ = prise.accept()
-        except OSError:
-            return
-        with client:
-            client.recv(4096)
-            client.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\nConnection: close\r\n\r\nbonjour")
 
 
 SCENARIOS = lire()

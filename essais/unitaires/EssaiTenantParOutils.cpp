@@ -88,6 +88,7 @@ TEST_F(TenantParOutils, UnOutilQuiNeDitRienDeConnuNAccusePersonne) {
   const std::string tenue = "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
   EXPECT_EQ(demander("", titresDeLsof + tenue), Tenant::inconnu);
   EXPECT_EQ(demander("usage: netstat\n", titresDeLsof + tenue), Tenant::inconnu);
+  EXPECT_EQ(demander(titresDeNetstat + std::string("\xff"), titresDeLsof + tenue), Tenant::inconnu);
   EXPECT_EQ(tenantSelonOutils("/nulle/part", "/nulle/part", lePort, notreCompte), Tenant::inconnu);
 }
 

@@ -178,6 +178,7 @@ test('un interpréteur sourd au raccrochage n’empêche pas l’arrêt', async 
   assert.deepEqual(await arreter(serveur), { code: 0, signal: null });
   // Ce que l’application lui laisse.
   assert.ok(performance.now() - debut < 12_000);
+  assert.ok(existsSync(`/proc/${pid}`), 'il vit encore : personne ne l’a attendu');
   assert.equal(maison.lireLeCarnet().length, 1);
 });
 
