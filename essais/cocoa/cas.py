@@ -71,6 +71,7 @@ CAS = {
         environnement={"KELTROVE_DISCRET": "1"}, dit=r"  \[keltrove\] numero-fenetre [1-9]\d*"),
     "leCadreEstRetenuDUneFoisSurLAutre": sans_serveur(lancements=2),
     "uneFenetreDontLEcranSEnVaRevient": sans_serveur(),
+    "quiEcouteLaPageEstRenduAvecSaFenetre": sans_serveur(),
     "unPortPrisParUnAutreEstContourne": Cas(voisin=ETRANGER),
     "desReglagesQueLOnNePeutEcrireNEmpechentRien": obeissant(reglages_illisibles=True),
     "chacuneDesSeptErreursSExplique": sans_serveur(),
