@@ -147,17 +147,21 @@ def finir_les_orphelins():
         os.waitpid(enfant, 0)
 
 
-def jouer_la_parite(scenario):
-    essai = Essai(parite.SCENARIO, parite.cas_de(scenario))
+def cas(nom):
+    return parite.cas_de(parite.TABLE[nom]) if nom in parite.TABLE else CAS.get(nom, Cas())
+
+
+def jouer_la_parite(nom):
+    essai = Essai(parite.SCENARIO, cas(nom))
     try:
-        return parite.jouer(scenario, essai, programme_de(essai.cas))
+        return parite.jouer(parite.TABLE[nom], essai, programme_de(essai.cas))
     finally:
         shutil.rmtree(essai.racine, ignore_errors=True)
 
 
 def essayer(nom):
     debut = time.monotonic()
-    fautes = jouer_la_parite(parite.TABLE[nom]) if nom in parite.TABLE else Essai(nom, CAS.get(nom, Cas())).essayer()
+    fautes = jouer_la_parite(nom) if nom in parite.TABLE else Essai(nom, cas(nom)).essayer()
     print(f"{'ÉCHEC ' if fautes else 'réussi'} {nom} ({time.monotonic() - debut:.1f} s)", flush=True)
     for faute in fautes:
         print(f"  {faute}", flush=True)
@@ -177,7 +181,7 @@ def principal():
     if not choisis:
         sys.exit("Aucun scénario ne porte ce nom.")
     # Les plus longs d’abord, et répartis.
-    choisis.sort(key=lambda nom: -CAS.get(nom, Cas()).duree)
+    choisis.sort(key=lambda nom: -cas(nom).duree)
     choisis = choisis[part::parts]
     reussis = sum(map(essayer, choisis))
     finir_les_orphelins()

@@ -29,7 +29,9 @@ def cas_de(scenario):
                      **({} if permission is None else {"KELTROVE_PERMISSION_D_ESSAI": str(permission)})}
     code = depart.get("code")
     serveur = "vrai" if code == "le nôtre" else "" if code in ("aucun", "irrecevable") else SERVEUR.read_text()
-    return Cas(serveur=serveur, nu=permission is None, sans_node=code == "sans node", environnement=environnement)
+    attend = any(geste.nom == "le temps passe" for geste in scenario.gestes)
+    return Cas(serveur=serveur, nu=permission is None, sans_node=code == "sans node", environnement=environnement,
+               duree=30 if attend else 0)
 
 
 class BureauMacos:
