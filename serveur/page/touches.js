@@ -12,7 +12,7 @@ const DEFILEMENTS = {
   PageDown: (terminal) => terminal.scrollPages(1),
 };
 // Quand un lecteur d’écran lit la frappe, xterm laisse aussi chaque touche au navigateur : celles-ci y feraient autre chose.
-// Par leur place : WebKit ne nomme pas Maj+Tab.
+// Par leur place, WebKit ne nommant pas Maj+Tab, et si elles n’écrivent rien : une disposition peut y mettre une lettre.
 const DU_NAVIGATEUR = /^(Tab|F\d+)$/;
 
 export function prendreLesTouches(terminal) {
@@ -20,7 +20,7 @@ export function prendreLesTouches(terminal) {
     // Celle qui a refermé une fenêtre de question : WebKit finit de la dire là où le clavier est revenu.
     if (evenement.type === 'keypress' && evenement.key === 'Escape') return false;
     if (evenement.type !== 'keydown' || evenement.metaKey) return true;
-    if (DU_NAVIGATEUR.test(evenement.code)) evenement.preventDefault();
+    if (DU_NAVIGATEUR.test(evenement.code) && !estUnSigne(evenement.key)) evenement.preventDefault();
     const texte = texteDe(evenement);
     const defiler = trouverLeDefilement(terminal, evenement);
     if (texte === undefined && !defiler) return true;
@@ -35,11 +35,15 @@ function trouverLeDefilement(terminal, { key, shiftKey }) {
   return shiftKey && terminal.buffer.active.type === 'normal' ? DEFILEMENTS[key] : undefined;
 }
 
+function estUnSigne(key) {
+  return [...key].length === 1;
+}
+
 // Rien, si xterm s’en tire bien.
 function texteDe({ key, code, shiftKey, altKey, ctrlKey }) {
   if (key in NUMEROS) return texteDUneTouche(key, { shiftKey, altKey, ctrlKey });
   if (key === 'Tab' && altKey && !shiftKey) return `${ECHAP}\t`;
-  if ((!ctrlKey && !altKey) || [...key].length !== 1) return undefined;
+  if ((!ctrlKey && !altKey) || !estUnSigne(key)) return undefined;
   const signe = ctrlKey ? commandeDe(key, code) : key;
   return altKey ? ECHAP + signe : signe;
 }
