@@ -1,5 +1,6 @@
 """Un bus de session à soi, sans aucun service que l’on puisse réveiller."""
 
+import pathlib
 import subprocess
 import tempfile
 
@@ -26,3 +27,5 @@ class Bus:
         self.processus.kill()
         self.processus.wait()
         self.processus.stdout.close()
+        if "unix:path=" in self.adresse:
+            pathlib.Path(self.adresse.partition("unix:path=")[2].partition(",")[0]).unlink(missing_ok=True)
