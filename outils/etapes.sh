@@ -26,9 +26,9 @@ lister_les_etapes() {
 FIN
 }
 
-# Ce qui éprouve la page, se mesure ou s’installe a son sens sur la version livrée ; tout le reste éprouve le code natif, sur
-# la construction assainie. Rien ne court deux fois.
-essais_de_la_version_livree=(essai_endurance serveur_bavard CopieInstallee
+# Ce qui éprouve la page, se mesure, se lie ou s’installe a son sens sur la version livrée ; tout le reste éprouve le code
+# natif, sur la construction assainie. Rien ne court deux fois.
+essais_de_la_version_livree=(essai_endurance serveur_bavard CopieInstallee ne_charge_aucune_bibliotheque
   essai_terminal essai_touches essai_frappe essai_rendu essai_recherche essai_divisions essai_images essai_onglets
   essai_chemins essai_clic_droit)
 construction_native=asan # celle de la version livrée, avec --rapide

@@ -229,17 +229,27 @@ def compter_les_pixels(teinte, zone=None):
     return round(float(subprocess.run(["convert", "png:-", *compte], input=image, capture_output=True).stdout))
 
 
-def fenetres(application, visible=True):
+def fenetres(application, visible=True, ecran=None):
     choix = ["--onlyvisible"] if visible else []
-    trouvees = subprocess.run(["xdotool", "search", *choix, "--pid", str(application.processus.pid)],
-                              capture_output=True, text=True).stdout.split()
-    return [int(fenetre) for fenetre in trouvees]
+    variables = {**os.environ, "DISPLAY": ecran or os.environ["DISPLAY"]}
+    while True:
+        trouvees = subprocess.run(["xdotool", "search", *choix, "--pid", str(application.processus.pid)],
+                                  capture_output=True, text=True, env=variables)
+        # La fenêtre d’un autre, partie pendant que xdotool les passe en revue, l’arrête là.
+        if "BadWindow" not in trouvees.stderr:
+            return [int(fenetre) for fenetre in trouvees.stdout.split()]
 
 
-def la_fenetre(application):
+def la_fenetre(application, ecran=None):
     """Le système peut la montrer un peu après la page."""
-    attendre(lambda: len(fenetres(application)) == 1, quoi="la fenêtre")
-    return fenetres(application)[0]
+    trouvees = []
+
+    def seule():
+        trouvees[:] = fenetres(application, ecran=ecran)
+        return len(trouvees) == 1
+
+    attendre(seule, quoi="la fenêtre")
+    return trouvees[0]
 
 
 def active():

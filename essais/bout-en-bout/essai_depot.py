@@ -7,7 +7,7 @@ import threading
 
 import ecran
 import page_notee
-from application import VERT, attendre, couleur, fenetres, regler_la_resolution
+from application import VERT, attendre, couleur, fenetres, la_fenetre, regler_la_resolution
 from cas import Cas
 from glissement import Source, souris
 from page_notee import attendre_la_note, notes
@@ -82,7 +82,7 @@ class Depot(Cas):
         chemin = os.path.join(tempfile.mkdtemp(), nom)
         application = self.ouvrir_avec_accroches()
         # La page commence sous le titre et les menus, et finit au bas de la fenêtre.
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         origine = self.origine_de_la_page(fenetre)
         centre = [CENTRE[0] - origine[0], CENTRE[1] - origine[1]]
         self.assertEqual(self.deposer(application, chemin, vu=lambda: ["survol", *centre] in notes(application)[-1:]), "fini")
@@ -188,7 +188,7 @@ class Depot(Cas):
         self.addCleanup(regler_la_resolution, 96)
         regler_la_resolution(144)
         application = self.ouvrir_avec_accroches()
-        (fenetre,) = fenetres(application)
+        fenetre = la_fenetre(application)
         x, y = self.origine_de_la_page(fenetre)
         source = Source(self, "fichiers", "/tmp/a")
         source.prendre()

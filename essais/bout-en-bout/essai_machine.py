@@ -147,10 +147,9 @@ class Taille(Cas):
 
     def redimensionner(self, application, ecran=None):
         """Dans un écran à elle, l’application n’a pas de gestionnaire de fenêtres."""
-        variables = {**os.environ, "DISPLAY": ecran or os.environ["DISPLAY"]}
         application.attendre("page-affichee")
-        (fenetre,) = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--pid", str(application.processus.pid)],
-                                    capture_output=True, text=True, check=True, env=variables).stdout.split()
+        fenetre = str(la_fenetre(application, ecran))
+        variables = {**os.environ, "DISPLAY": ecran or os.environ["DISPLAY"]}
         subprocess.run(["xdotool", "windowsize", fenetre, "900", "600"], check=True, env=variables)
         attendre_la_note(application, 900)
         return fenetre

@@ -2,6 +2,7 @@
 
 import fnmatch
 import os
+import signal
 import sys
 import unittest
 
@@ -31,6 +32,9 @@ def retenir(suite):
     return type(suite)([essai for essai in retenus if isinstance(essai, unittest.TestSuite) or est_voulu(essai)])
 
 
+# Qui nous lance à l’arrière-plan, ou par nohup, nous fait ignorer ces signaux ; les applications n’en doivent rien garder.
+signal.signal(signal.SIGINT, signal.default_int_handler)
+signal.signal(signal.SIGHUP, signal.SIG_DFL)
 suite = retenir(unittest.TestLoader().discover(".", pattern=os.environ.get("KELTROVE_ESSAIS", "essai_*.py")))
 resultat = unittest.TextTestRunner(verbosity=2, resultclass=Compte).run(suite)
 rates = len(resultat.failures) + len(resultat.errors)
