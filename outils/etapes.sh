@@ -4,7 +4,7 @@
 
 etapes_rapides=(linters unitaires serveur bout-en-bout page)
 # Le calcul pur court derrière les essais, qui passent leur temps à attendre, et leur cède la place.
-etapes_de_fond=(assaini courses couverture portabilite analyse)
+etapes_de_fond=(assaini courses couverture portabilite analyse macos)
 etapes_lentes=(paquet cocoa)
 etapes=("${etapes_rapides[@]}" "${etapes_lentes[@]}" "${etapes_de_fond[@]}")
 
@@ -23,6 +23,7 @@ lister_les_etapes() {
   couverture    les lignes du comportement que les essais unitaires parcourent
   portabilite   clang et libc++, puis des entrées cherchées au hasard
   analyse       clang-tidy
+  macos         la version de macOS, compilée, liée et contrôlée sans Mac
 FIN
 }
 
@@ -121,6 +122,8 @@ etape_portabilite() {
   dire "Entrées cherchées au hasard, trente secondes chacune…"
   "$racine/essais/fuzz/lancer.sh" 30
 }
+
+etape_macos() { "$racine/outils/macos/verifier.sh"; }
 
 etape_analyse() {
   local trace
