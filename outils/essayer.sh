@@ -58,7 +58,8 @@ resumer() {
 }
 
 paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}" "${paquets_linters[@]}")
-[ $construction_native = release ] || paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}" "${paquets_cocoa[@]}" "${paquets_macos[@]}")
+[ $construction_native = release ] ||
+  paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}" "${paquets_cocoa[@]}" "${paquets_macos[@]}")
 installer_ce_qui_manque "${paquets[@]}"
 
 bilan=$(mktemp -d)
