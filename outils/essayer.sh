@@ -39,7 +39,7 @@ redire_les_echecs() {
     [ ! -e "$bilan/$etape.etat" ] || read -r etat _ <"$bilan/$etape.etat"
     [ "$etat" != 0 ] || continue
     dire "=== L’étape « $etape » a échoué ; seule : outils/essayer.sh $etape"
-    grep -E '^(FAIL|ERROR): |^not ok |\*\*\*(Failed|Timeout|Exception)' "$bilan/$etape.sortie" || true
+    grep -aE '^(FAIL|ERROR): |^not ok |\*\*\*(Failed|Timeout|Exception)' "$bilan/$etape.sortie" || true
     tail -n 60 "$bilan/$etape.sortie"
   done
 }
