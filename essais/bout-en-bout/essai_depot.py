@@ -74,8 +74,13 @@ class Depot(Cas):
         source.prendre()
         source.mener(*CENTRE, vu or (lambda: self.vus(application, "survol")), "le survol")
         issue = source.lacher()
-        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        self.depots(application)
         return issue
+
+    def depots(self, application):
+        """Dès qu’il y en a."""
+        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        return self.vus(application, "depot")
 
     def test_un_fichier_au_nom_tordu_arrive_tel_quel_au_bon_endroit(self):
         nom = "un nom d’été 'simple' \"double\" 100 %41 $HOME `date`\nà la ligne.txt"
@@ -151,8 +156,7 @@ class Depot(Cas):
         source.prendre()
         source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
         source.lacher()
-        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
-        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/b c", "/tmp/d"])
+        self.assertEqual(self.depots(application)[0][1], ["/tmp/b c", "/tmp/d"])
         application.quitter()
 
     def test_d_un_depot_le_fichier_au_nom_illisible_se_dit_et_les_autres_arrivent(self):
@@ -162,7 +166,7 @@ class Depot(Cas):
         source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
         source.lacher()
         application.attendre("bandeau")
-        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/a", "/tmp/c"])
+        self.assertEqual(self.depots(application)[0][1], ["/tmp/a", "/tmp/c"])
         ecran.attendre_le_texte(application.processus.pid, "Un fichier n’a pas été déposé : son nom est illisible.")
         application.quitter()
 
@@ -180,8 +184,7 @@ class Depot(Cas):
         nombre = len(notes(application))
         suivante.mener(*CENTRE, lambda: len(notes(application)) > nombre, "le survol suivant")
         suivante.lacher()
-        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
-        self.assertEqual(self.vus(application, "depot")[0][1], ["/tmp/b"])
+        self.assertEqual(self.depots(application)[0][1], ["/tmp/b"])
         application.quitter()
 
     def test_sous_un_grand_texte_le_depot_se_fait_au_bon_endroit(self):
@@ -196,7 +199,7 @@ class Depot(Cas):
         source.mener(*CENTRE, lambda: any(abs(note[1] - voulu[0]) + abs(note[2] - voulu[1]) < 1
                                           for note in self.vus(application, "survol")[-1:] if note[1]), f"le survol en {voulu}")
         source.lacher()
-        attendre(lambda: self.vus(application, "depot"), quoi="le dépôt")
+        self.depots(application)
         application.quitter()
 
     def test_le_serveur_meurt_pendant_le_survol_qui_finit(self):
