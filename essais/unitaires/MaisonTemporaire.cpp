@@ -1,7 +1,9 @@
 #include "MaisonTemporaire.hpp"
 
 #include "Prise.hpp"
+#include "moteur/ArbreProcessus.hpp"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -37,6 +39,8 @@ MaisonTemporaire::MaisonTemporaire() : port_(portLibre()) {
 }
 
 MaisonTemporaire::~MaisonTemporaire() {
+  for (const auto enfant : moteur::descendants(::getpid(), 1))
+    ::kill(enfant, SIGKILL);
   ::setenv("HOME", ancienneMaison_.c_str(), 1);
   std::error_code ignoree;
   fs::remove_all(racine_, ignoree);

@@ -1,6 +1,7 @@
 // MaisonTemporaire : un dossier personnel d’essai, au nom plein d’espaces et d’accents, avec son propre port.
 //
-// HOME le désigne tant qu’il existe ; il disparaît avec tout ce qu’il contient.
+// HOME le désigne tant qu’il existe ; il disparaît avec tout ce qu’il contient, et avec ce que l’essai a
+// lancé : un serveur que l’application a lancé puis rejoint, elle le laisse.
 #pragma once
 
 #include <string>
