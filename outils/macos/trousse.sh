@@ -45,6 +45,15 @@ prendre_metadonnees() {
   tar -xzf "$archive" -C "$trousse/metadonnees" --strip-components=1 package/types package/build/RelWithDebInfo/NativeScript.apple.node/macos-arm64
 }
 
+# Celui de Debian 12 (npm 9) n’installe que les modules de sa propre machine.
+prendre_npm() {
+  local archive
+  archive=$(telecharger npm 10.9.4 \
+    3a7506f37e85c1ba1021baad79f0cd9724748131f321fc117c4dc3ba235ec01be7327584a41d15117c01945560aa9373220628fcc1e1dddd877a5fe9b336a900)
+  mkdir -p "$trousse/npm-10"
+  tar -xzf "$archive" -C "$trousse/npm-10" --strip-components=1
+}
+
 # libc++ 19 pour les en-têtes ; les symboles sont ceux de libc++ 14, au plus ce que porte macOS 13.0. Une Debian qui ne
 # l’a plus donne la plus ancienne qu’elle ait : les en-têtes savent encore ce que macOS 13.0 n’a pas.
 prendre_bibliotheque_standard() {
@@ -82,10 +91,11 @@ prendre_tiers() {
 }
 
 dire "J’assemble la trousse de macOS…"
-rm -rf "$systeme" "$trousse"/{darwin,metadonnees,debian}
+rm -rf "$systeme" "$trousse"/{darwin,metadonnees,npm-10,debian}
 mkdir -p "$trousse/npm"
 prendre_darwin
 prendre_metadonnees
+prendre_npm
 prendre_bibliotheque_standard
 prendre_tiers
 # L’éditeur de liens lit ici pour quelle version du système les bibliothèques sont décrites.

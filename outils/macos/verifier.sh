@@ -15,7 +15,8 @@ construire_pour() {
   local KELTROVE_ARCHITECTURE=$1 dossier=$racine/build/macos-$1
   export KELTROVE_ARCHITECTURE
   dire "Je construis pour macOS ($1)…"
-  { cmake -G Ninja -S "$racine" -B "$dossier" --toolchain "$ici/verification.cmake" -DKELTROVE_STRICT=ON "${@:2}" &&
+  { cmake -G Ninja -S "$racine" -B "$dossier" --toolchain "$ici/verification.cmake" -DKELTROVE_STRICT=ON \
+    -DNPM="$trousse/npm-10/bin/npm-cli.js" "${@:2}" &&
     cmake --build "$dossier" && rm -rf "$dossier/copie" && cmake --install "$dossier" --prefix "$dossier/copie"; } >"$dossier.trace" 2>&1 ||
     { grep -aE -A4 'error:|FAILED|Error' "$dossier.trace" | tail -n 60 >&2; abandonner "La construction pour $1 échoue : la trace est dans build/macos-$1.trace."; }
   ! grep -aE 'warning:' "$dossier.trace" || abandonner "La construction pour $1 avertit."
