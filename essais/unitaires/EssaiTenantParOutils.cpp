@@ -47,6 +47,12 @@ TEST_F(TenantParOutils, UnePriseQueNousNeTenonsPasEstDUnEtranger) {
             Tenant::etranger);
 }
 
+TEST_F(TenantParOutils, UneSortieIllisibleNeProuvePasQuElleEstANous) {
+  EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n",
+                 "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n\xff\n"),
+            Tenant::etranger);
+}
+
 TEST_F(TenantParOutils, PersonneNYEcouteDoncUnEtranger) {
   EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.77777        *.*                    LISTEN     \n"
                  "tcp4       0      0  192.168.1.9.7777       *.*                    LISTEN     \n"
