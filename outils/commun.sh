@@ -46,8 +46,9 @@ installer_ce_qui_manque() {
   if [ ${#manquants[@]} -gt 0 ]; then
     dire "J’installe : ${manquants[*]}"
     en_administrateur apt-get update -qq || abandonner "Impossible de lire la liste des paquets : vérifiez la connexion et /etc/apt/sources.list."
+    # Un réglage de la machine que le paquet apporte aussi reste tel quel, sans question : personne n’y répondrait.
     en_administrateur env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-      "${manquants[@]}" >/dev/null || abandonner "Debian n’a pas pu installer ces paquets : ${manquants[*]}"
+      -o Dpkg::Options::=--force-confdef -o Dpkg::Options::=--force-confold "${manquants[@]}" >/dev/null || abandonner "Debian n’a pas pu installer ces paquets : ${manquants[*]}"
   fi
   [ "$(node -p 'process.versions.node.split(".")[0]')" -ge 18 ] ||
     abandonner "Le serveur demande Node 18 ou plus récent ; celui-ci est $(node --version)."
