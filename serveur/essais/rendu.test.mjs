@@ -209,6 +209,15 @@ essai('une inondation ne demande plus d’images, et se redessine à son rythme'
   assert.deepEqual(vu, [2, 2, 1, 'rappel', 3, [66, 66]]);
 });
 
+essai('un terminal fermé ne se dessine plus', async (page, dansLaPage) => {
+  await dansLaPage(`
+    const cadence = terminal._core._renderService._renderDebouncer;
+    cadence.refresh(0, 0, 1);
+    cadence.refresh(0, 0, 1);
+    terminal.dispose();
+    await image();`);
+});
+
 essai('ce qui défile ne redessine pas une sélection qui n’existe pas', async (page, dansLaPage) => {
   const redessinees = await dansLaPage(`
     let vues = 0;

@@ -31,6 +31,12 @@ export class Cadence {
     return this.#suivant;
   }
 
+  // Ce qui était demandé ne se dessine plus : le terminal n’est plus là.
+  arreter() {
+    this.#dessiner = () => {};
+    this.#rappels = [];
+  }
+
   // Une image demandée en est une que le moteur compose et que la fenêtre recopie, même si rien n’y a changé.
   #attendre(inondee = false) {
     this.#suivant ??= inondee ? setTimeout(() => this.#reprendre(), REPIT) : requestAnimationFrame(() => this.#reprendre());

@@ -22,6 +22,7 @@ export class Rendu {
   #encres;
   #curseur;
   #cellule;
+  #cadence;
   #abonnements;
   #glyphes = null;
   #bande = null;
@@ -61,14 +62,16 @@ export class Rendu {
     const redessinerLaSelection = choix.refresh.bind(choix);
     choix.refresh = (...suite) => (choix.hasSelection || this.#selection) && redessinerLaSelection(...suite);
     service._renderDebouncer.dispose();
-    service._renderDebouncer = new Cadence((debut, fin) => {
+    this.#cadence = new Cadence((debut, fin) => {
       this.#passees = 0;
       placerLaSaisie();
       service._renderRows(debut, fin);
     }, inonde);
+    service._renderDebouncer = this.#cadence;
   }
 
   dispose() {
+    this.#cadence.arreter();
     this.#curseur.dispose();
     for (const abonnement of this.#abonnements) abonnement.dispose();
     this.#toile.remove();
