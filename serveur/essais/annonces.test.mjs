@@ -118,6 +118,7 @@ test('une longue commande dit sa fin une fois, une courte jamais', () => {
   assert.deepEqual(fins('\x1b]133;C\x07', 60, '\x1b]133;D\x07'), [['', 60_000, null]]);
   assert.deepEqual(fins('\x1b]133;C;cmdline_url=%E9\x07', 60, '\x1b]133;D;peu\x07'), [['', 60_000, null]]);
   assert.deepEqual(fins(`\x1b]133;C;aid=3;cmdline_url=${'x'.repeat(200)}%0a\x07`, 60, '\x1b]133;D;130;aid=3\x07'), [[`${'x'.repeat(59)}…`, 60_000, 130]]);
+  assert.deepEqual(fins('\x1b]133;C;cmdline_url=%20mysql%20-psecret\x07', 60, D), [['', 60_000, 0]], 'tenue secrète par une espace');
   const { annonces } = suivre('\x1b]133;A\x07', '\x1b]9;4;1;50\x07', '\x1b]133;C\x07');
   assert.deepEqual([annonces.commandes.aLInvite, annonces.progression], [false, null], 'la progression d’une autre commande');
   assert.equal(suivre('\x1b]133;C\x07', '\x1b]133;D;0\x07').annonces.commandes.aLInvite, true);

@@ -35,8 +35,10 @@ export class Commandes {
   }
 
   #commencer(attributs) {
-    const nom = attributs.find((attribut) => attribut.startsWith('cmdline_url='))?.slice('cmdline_url='.length) ?? '';
-    this.#enCours = { commande: abreger(essayer(() => decodeURIComponent(nom), '')), debut: this.#horloge() };
+    const code = attributs.find((attribut) => attribut.startsWith('cmdline_url='))?.slice('cmdline_url='.length) ?? '';
+    const nom = essayer(() => decodeURIComponent(code), '');
+    // Une ligne tenue secrète par une espace reste sans nom ; fish, à partir de la version 4, la dit tout entière.
+    this.#enCours = { commande: nom.startsWith(' ') ? '' : abreger(nom), debut: this.#horloge() };
   }
 
   #finir(statut) {
