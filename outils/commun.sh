@@ -23,9 +23,9 @@ paquets_linters=(clang-format-19 pyflakes3 shellcheck)
 paquets_portabilite=(clang-19 clang-tidy-19 clang-format-19 gcovr libclang-rt-19-dev libc++-19-dev libc++abi-19-dev)
 # Pour contrôler la version de macOS sans Mac.
 paquets_macos=(clang-19 lld-19 llvm-19 libc++-19-dev libgtest-dev binutils python3)
-# Pour le bureau macOS, construit et essayé ici contre GNUstep. Chaque Debian a sa version du moteur d’affichage.
+# Pour le bureau macOS, construit et essayé ici contre le GNUstep de Debian 12.
 paquets_cocoa=(clang-19 libclang-rt-19-dev libobjc-12-dev libblocksruntime-dev libgnustep-base-dev libgnustep-gui-dev
-  'gnustep-back0.*-cairo' gnustep-back-common gnustep-gui-runtime fonts-dejavu-core python3)
+  gnustep-back0.29-cairo gnustep-back-common gnustep-gui-runtime fonts-dejavu-core python3)
 
 est_installe() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 

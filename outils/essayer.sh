@@ -19,7 +19,10 @@ for choix in "$@"; do
       ;;
   esac
 done
-[ $# -gt 0 ] || devant=("${etapes_rapides[@]}" "${etapes_lentes[@]}") fond=("${etapes_de_fond[@]}")
+if [ $# -eq 0 ]; then
+  gnustep_est_connu || dire "Sans le bureau macOS, qui ne s’essaie que sous Debian 12."
+  devant=("${etapes_rapides[@]}" "${etapes_lentes[@]}") fond=("${etapes_de_fond[@]}")
+fi
 
 # passer <étape> : son état, sa durée et ce qu’elle dit vont dans $bilan. Une étape ratée n’empêche pas les suivantes de dire ce
 # qu’elles ont à dire. À part et attendue, et non dans une condition, où bash ne s’arrêterait plus à la première faute.
@@ -59,7 +62,8 @@ resumer() {
 
 paquets=("${paquets_construction[@]}" "${paquets_execution[@]}" "${paquets_ecran[@]}" "${paquets_essais[@]}" "${paquets_linters[@]}")
 [ $construction_native = release ] ||
-  paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}" "${paquets_cocoa[@]}" "${paquets_macos[@]}")
+  paquets+=("${paquets_portabilite[@]}" "${paquets_paquet[@]}" "${paquets_macos[@]}")
+[[ " ${devant[*]} " != *" cocoa "* ]] || ! gnustep_est_connu || paquets+=("${paquets_cocoa[@]}")
 installer_ce_qui_manque "${paquets[@]}"
 
 bilan=$(mktemp -d)

@@ -5,8 +5,12 @@
 etapes_rapides=(linters unitaires serveur bout-en-bout page)
 # Le calcul pur court derrière les essais, qui passent leur temps à attendre, et leur cède la place.
 etapes_de_fond=(assaini courses couverture portabilite analyse macos)
-etapes_lentes=(paquet cocoa)
-etapes=("${etapes_rapides[@]}" "${etapes_lentes[@]}" "${etapes_de_fond[@]}")
+# Les essais du bureau macOS ajoutent à GNUstep 0.29, celui de Debian 12, ce qu’un plus récent a déjà, autrement.
+gnustep_est_connu() { [ "$(. /etc/os-release && echo "${VERSION_ID:-}")" = 12 ]; }
+
+etapes_lentes=(paquet)
+! gnustep_est_connu || etapes_lentes+=(cocoa)
+etapes=("${etapes_rapides[@]}" paquet cocoa "${etapes_de_fond[@]}")
 
 lister_les_etapes() {
   cat <<'FIN'
@@ -17,7 +21,7 @@ lister_les_etapes() {
   bout-en-bout  l’application entière, sur un écran virtuel : son code natif, adresses et comportements indéfinis surveillés
   page          l’application entière de la version livrée : sa page, ses mesures, son installation
   paquet        le paquet Debian, contrôlé par l’outil de chacune de ses parties
-  cocoa         le bureau macOS, contre GNUstep, adresses et comportements indéfinis surveillés
+  cocoa         le bureau macOS, contre GNUstep, adresses et comportements indéfinis surveillés (sous Debian 12 seulement)
   assaini       les essais unitaires, adresses et comportements indéfinis surveillés
   courses       les essais unitaires, courses surveillées
   couverture    les lignes du comportement que les essais unitaires parcourent
@@ -93,6 +97,7 @@ etape_page() {
 etape_paquet() { "$racine/outils/paquet.sh"; }
 
 etape_cocoa() {
+  gnustep_est_connu || abandonner "Le bureau macOS ne s’essaie que sous Debian 12 : ailleurs, GNUstep n’est pas le même."
   construire cocoa -DKELTROVE_STRICT=ON
   "$racine/essais/cocoa/lancer.sh"
 }
