@@ -210,13 +210,16 @@ class BureauLinux:
         return [nom for nom in titres if not nom.startswith("  ")]
 
     def ecran(self):
-        return " | ".join([*self.textes()[:1], *ecran.boutons(self.pid)]) or "page"
+        # Sans lui, les boutons sont ceux de la page, que les GTK récents donnent aussi à lire.
+        titre = self.textes()[:1]
+        return " | ".join([*titre, *ecran.boutons(self.pid)]) if titre else "page"
 
     def texte(self, rang):
         return " ".join(self.textes()[rang:][:1]).replace("\n", " ")
 
     def detail(self):
-        return " ".join(ecran.textes(self.pid)[len(ecran.noms_du_role(self.pid, "label")):]) or "aucun"
+        textes = ecran.textes(self.pid)[len(ecran.noms_du_role(self.pid, "label")):]
+        return " ".join(filter(None, textes)) or "aucun"
 
     def bandeau(self):
         return " ".join(nom for nom in ecran.noms_du_role(self.pid, "label") if nom.startswith("  ")).strip() or "aucun"
