@@ -30,7 +30,10 @@ construire_pour x86_64 -DCMAKE_UNITY_BUILD=ON
 
 for processeur in arm64 x86_64; do
   dire "Ce que le bureau demande à Objective-C ($processeur)…"
-  python3 "$ici/auditer_objc.py" "$trousse/metadonnees" "$racine/build/macos-$processeur/bureau/cocoa/CMakeFiles/keltrove_cocoa.dir/"*.o ||
+  # Un CMake récent en compile aussi plusieurs à la fois, et les range alors plus bas.
+  mapfile -t objets < <(find "$racine/build/macos-$processeur/bureau/cocoa/CMakeFiles/keltrove_cocoa.dir" -name '*.o')
+  [ ${#objets[@]} -gt 0 ] || abandonner "Rien à contrôler pour $processeur."
+  python3 "$ici/auditer_objc.py" "$trousse/metadonnees" "${objets[@]}" ||
     abandonner "Le bureau de macOS demande ce que le système n’a pas : voir ci-dessus."
 done
 dire "Le paquet…"
