@@ -87,7 +87,7 @@ TEST_F(EssaiFermeture, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
 }
 
 TEST_F(EssaiFermeture, SansEcranNotreServeurEstArreteEtAttenduSurPlace) {
-  poserLeServeur("process.on('SIGTERM', () => setTimeout(() => process.exit(0), 200));");
+  poserLeServeur("process.on('SIGTERM', () => setTimeout(() => process.exit(0), 20));");
   delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   delegue.partirSansEcran();
