@@ -18,9 +18,10 @@ UN_SEUL_LECTEUR = threading.Lock()
 PAS = 0.05  # lire un écran occupe aussi son application
 
 
-def _parcourir(objet):
+def _parcourir(objet, sauf=None):
     try:
-        objet.get_role_name()
+        if objet.get_role_name() == sauf:
+            return
         nombre = objet.get_child_count()
     except GLib.Error as erreur:
         # Celui d’une page tuée : la boîte à outils lui garde sa place jusqu’à la suivante.
@@ -31,7 +32,7 @@ def _parcourir(objet):
     for i in range(nombre):
         enfant = objet.get_child_at_index(i)
         if enfant is not None:
-            yield from _parcourir(enfant)
+            yield from _parcourir(enfant, sauf)
 
 
 def _application(pid):
@@ -74,7 +75,12 @@ def noms_du_role(pid, role):
 
 
 def boutons(pid):
-    return noms_du_role(pid, BOUTON)
+    """Ceux de la fenêtre, et non de sa page, que les GTK récents donnent aussi à lire."""
+    def lus(objets):
+        return [objet.get_name() for application in objets[:1] for objet in _parcourir(application, "document web")
+                if objet.get_role_name() == BOUTON]
+
+    return _lire(pid, lus)
 
 
 def presser(pid, nom):

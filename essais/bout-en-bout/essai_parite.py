@@ -210,9 +210,7 @@ class BureauLinux:
         return [nom for nom in titres if not nom.startswith("  ")]
 
     def ecran(self):
-        # Sans lui, les boutons sont ceux de la page, que les GTK récents donnent aussi à lire.
-        titre = self.textes()[:1]
-        return " | ".join([*titre, *ecran.boutons(self.pid)]) if titre else "page"
+        return " | ".join([*self.textes()[:1], *ecran.boutons(self.pid)]) or "page"
 
     def texte(self, rang):
         return " ".join(self.textes()[rang:][:1]).replace("\n", " ")
