@@ -105,8 +105,10 @@ essai('côte à côte puis l’un au-dessus de l’autre, des bords que l’on d
 
 essai('on va d’un panneau à son voisin ; sans voisin, la touche est au programme', async (page) => {
   const choisi = (rang) => page.attendre(`document.querySelectorAll(".panneau:not([hidden])")[${rang}]?.contains(document.activeElement)`);
-  await page.ecrire('cat -v');
+  // Avant que cat ait le terminal, l’interpréteur prendrait la touche sans la montrer.
+  await page.ecrire('echo pret-$((1 + 1)); cat -v');
   await page.touche('Entrée');
+  await page.attendreLeTexte('/pret-2/');
   await page.touche('Ctrl+Maj+Gauche');
   await page.attendreLeTexte('/\\^\\[\\[1;6D/');
   await diviser(page, 'Ctrl+Maj+D');
