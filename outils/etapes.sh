@@ -118,7 +118,7 @@ etape_couverture() {
   dire "Lignes du comportement parcourues (au moins 95 %)…"
   cd "$racine"
   gcovr -r . build/couverture -f '(socle|moteur|verification|pont|fenetre|app)/' -s --fail-under-line 95 ||
-    abandonner "Les essais parcourent moins de 95 % des lignes du comportement."
+    abandonner "Les essais parcourent moins de 95 % des lignes du comportement, ou gcovr n’a pas pu les compter."
 }
 
 etape_portabilite() {
