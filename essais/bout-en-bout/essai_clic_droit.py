@@ -70,8 +70,13 @@ class ClicDroit(Terminal):
 
     def test_le_programme_qui_a_pris_la_souris_recoit_le_clic_et_maj_le_garde(self):
         application = self.ouvrir()
-        taper("clear; stty -icanon -echo; printf '\\033[?1000h\\033[?1006h'; touch pris; cat > recu\n")
+        # La page a lu que la souris est prise quand le fond qui suit se voit.
+        taper("clear; stty -icanon -echo; printf '\\033[?1000h\\033[?1006h\\033[48;2;200;30;30m\\033[2J'; "
+              "read -rn1; printf '\\033[m\\033[2J'; cat > recu\n")
+        self.peint(ICI[0] + 4, ICI[1] + 4, "#C81E1E")
+        taper("x")
         self.attendre_le_fichier(application, "recu")
+        self.peint(ICI[0] + 4, ICI[1] + 4, FOND_DU_TERMINAL)
         souris("mousemove", *ICI, "click", 3)
         # Pressé, puis relâché.
         clic = re.compile(rb"\x1b\[<2;\d+;\d+M\x1b\[<2;\d+;\d+m")
