@@ -1,7 +1,6 @@
 #include "BureauDeParite.hpp"
 
 #include "BureauEnregistreur.hpp"
-#include "HorlogeAcceleree.hpp"
 #include "app/DelegueApplication.hpp"
 #include "essais/parite/Entendu.hpp"
 #include "fenetre/SondeContenu.hpp"
@@ -46,10 +45,11 @@ struct BureauDeParite::Application {
   std::size_t evaluationsVues = 0;
   std::size_t liensVus = 0;
 
-  Application(const std::shared_ptr<BoucleVirtuelle>& boucle, moteur::Emplacements emplacements)
+  Application(const std::shared_ptr<BoucleVirtuelle>& boucle, const std::shared_ptr<socle::Horloge>& horloge,
+              moteur::Emplacements emplacements)
       : moteur(std::make_shared<moteur::MoteurServeur>(
             moteur::MoteurServeur::Contexte{.boucle = boucle,
-                                            .horloge = std::make_shared<HorlogeAcceleree>(),
+                                            .horloge = horloge,
                                             .emplacements = std::move(emplacements),
                                             .environnement = socle::Environnement::duProcessus()})),
         delegue(moteur, boucle, bureau) {}
@@ -101,8 +101,8 @@ void BureauDeParite::accueillir(const std::string& qui) {
 
 void BureauDeParite::creerLApplication() {
   const auto nodes = sansNode_ ? std::vector<std::string>() : moteur::Emplacements::nodesDuSysteme;
-  applications_.push_back(
-      std::make_unique<Application>(boucle_, moteur::Emplacements(maison_.chemin("ressources"), nodes)));
+  applications_.push_back(std::make_unique<Application>(
+      boucle_, horloge_, moteur::Emplacements(maison_.chemin("ressources"), nodes)));
 }
 
 BureauDeParite::~BureauDeParite() {
@@ -235,13 +235,18 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
       {"le serveur gèle", [](Bureau& b, Texte) { b.poser("gele"); }},
       {"le serveur se dégèle", [](Bureau& b, Texte) { b.degelerLeServeur(); }},
       {"le serveur finit", [](Bureau& b, Texte) { b.poser("finis"); }},
-      {"le temps passe", [](Bureau& b, Texte) { b.leTempsPasse_ = true; }},
+      {"le temps passe",
+       [](Bureau& b, Texte) {
+         b.leTempsPasse_ = true;
+         b.horloge_->presser();
+       }},
   };
   return tous;
 }
 
 void BureauDeParite::faire(const std::string& geste, const std::string& objet) {
   leTempsPasse_ = false;
+  horloge_->patienter();
   gestes().at(geste)(*this, objet);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "BoucleVirtuelle.hpp"
+#include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
 #include "SortieDErreurNotee.hpp"
@@ -72,6 +73,7 @@ private:
   MaisonTemporaire maison_;
   SortieDErreurNotee sortie_;
   std::shared_ptr<BoucleVirtuelle> boucle_ = std::make_shared<BoucleVirtuelle>();
+  std::shared_ptr<HorlogeAcceleree> horloge_ = std::make_shared<HorlogeAcceleree>();
   bool leTempsPasse_ = false; // jusqu’au geste suivant
   int devantAvant_ = 0;       // combien de fois la fenêtre est venue devant, avant qu’une autre ne la couvre
   bool sansNode_ = false;

@@ -11,7 +11,11 @@ TEST_F(EssaiFermeture, FermerNotreServeurLeDitAttendSaFinPuisPart) {
   poserLeServeur();
   delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
+  vue.observateur->quandNavigationFinie();
+  boucle->avancer(5); // plus rien d’autre que le guet n’attend
+  ASSERT_EQ(boucle->minuteursEnAttente(), 1U);
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::plusTard);
+  EXPECT_EQ(boucle->minuteursEnAttente(), 0U);
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
   EXPECT_EQ(vue.ecran().phrase, "Je laisse le serveur noter la liste des terminaux avant de partir.");
   EXPECT_TRUE(vue.ecran().roue);
@@ -19,7 +23,8 @@ TEST_F(EssaiFermeture, FermerNotreServeurLeDitAttendSaFinPuisPart) {
   vue.observateur->quandNavigationFinie();
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
   EXPECT_TRUE(vue.ecran().visible);
-  EXPECT_FALSE(aEteNotee("page-ratee") || aEteNotee("page-affichee"));
+  EXPECT_FALSE(aEteNotee("page-ratee"));
+  EXPECT_EQ(std::ranges::count(etapes(), "page-affichee"), 1);
   EXPECT_EQ(bureau.departs, 0);
   ASSERT_TRUE(boucle->attendre([&] { return bureau.departs == 1; }));
   const auto message = std::get<std::string>(detailsDe("arret-fini").at("message"));
@@ -54,14 +59,26 @@ TEST_F(EssaiFermeture, QuitterPendantUnDemarrageArreteLeServeurLanceEtGardeLEcra
   EXPECT_EQ(vue.ecran().titre, "Fermeture…");
 }
 
-TEST_F(EssaiFermeture, QuitterAvantLeLancementInterditDeLancerQuoiQueCeSoit) {
-  maison.ecrire("ressources/keltrove/serveur.mjs",
-                "import fs from 'node:fs'; fs.writeFileSync('lance', '');");
-  // Un étranger muet sur le port retient le démarrage avant tout lancement.
-  const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
-  maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
-  delegue.applicationDidFinishLaunching();
+// Un étranger muet sur le port retient le démarrage avant tout lancement.
+class EssaiFermetureAvantLeLancement : public EssaiFermeture {
+protected:
+  EssaiFermetureAvantLeLancement() {
+    maison.ecrire("ressources/keltrove/serveur.mjs", "setInterval(() => {}, 1000);");
+    maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
+    delegue.applicationDidFinishLaunching();
+  }
+  const essais::ServeurFactice muet{[](const essais::Connexion& c) { c.attendreSonDepart(20); }};
+};
+
+TEST_F(EssaiFermetureAvantLeLancement, QuitterInterditDeLancerQuoiQueCeSoit) {
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
+  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
+  EXPECT_FALSE(moteur->nousLavonsAllume());
+}
+
+TEST_F(EssaiFermetureAvantLeLancement, PartirSansEcranAussi) {
+  delegue.partirSansEcran();
+  EXPECT_EQ(etapes().back(), "quitte-sans-toucher-au-serveur");
   ASSERT_TRUE(attendreLEtape("echec-demarrage"));
   EXPECT_FALSE(moteur->nousLavonsAllume());
 }
@@ -87,11 +104,12 @@ TEST_F(EssaiFermeture, HorsDuModeEssaiLHeureDeFermetureEstSansEffet) {
 }
 
 TEST_F(EssaiFermeture, SansEcranNotreServeurEstArreteEtAttenduSurPlace) {
-  poserLeServeur("process.on('SIGTERM', () => setTimeout(() => process.exit(0), 20));");
+  poserLeServeur("process.on('SIGTERM', () => setTimeout(() => process.exit(0), 200));");
   delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
   delegue.partirSansEcran();
-  EXPECT_EQ(etapes().back(), "arret-fini");
+  EXPECT_EQ(etapes(),
+            (std::vector<std::string>{"demarrage-demande", "allume", "arret-demande", "arret-fini"}));
   EXPECT_FALSE(moteur->cEstBienKeltrove(maison.port())) << "au retour, il est parti";
   const auto dites = etapes().size();
   delegue.partirSansEcran();

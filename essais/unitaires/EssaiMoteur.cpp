@@ -4,6 +4,7 @@
 #include "HorlogeAcceleree.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
+#include "moteur/ArbreProcessus.hpp"
 #include "moteur/MoteurServeur.hpp"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -31,6 +33,11 @@ import fs from 'node:fs';
 fs.appendFileSync('pid', process.pid + '\n');
 const servir = (port, hote) => http.createServer((_, r) => r.end('<meta name="keltrove-jeton">')).listen(port, hote);
 )";
+
+// Une session à lui, donc un groupe à lui. Il se note après le serveur.
+const std::string unTerminal =
+    "import { spawn } from 'node:child_process'; "
+    "fs.appendFileSync('pid', spawn('sleep', ['1000'], { detached: true }).pid + '\\n'); ";
 
 class EssaiMoteur : public testing::Test {
 protected:
@@ -61,10 +68,22 @@ protected:
     return numeros;
   }
 
+  std::pair<Identite, Identite> serveurEtTerminal() const {
+    EXPECT_EQ(pids().size(), 2U);
+    return {identifier(pids().at(0)), identifier(pids().at(1))};
+  }
+
   std::optional<Demarrage> demarrer() {
     std::optional<Demarrage> issue;
     moteur->demarrer([&](const Demarrage& recue) { issue = recue; });
     EXPECT_TRUE(boucle->attendre([&] { return issue.has_value(); }));
+    return issue;
+  }
+  // Les quarante secondes ne passent qu’une fois le serveur au travail.
+  std::optional<Demarrage> demarrerSansReponse() {
+    horloge->presser([this, deja = pids().size()] { return pids().size() > deja; });
+    auto issue = demarrer();
+    horloge->patienter();
     return issue;
   }
   std::string arreter() {
@@ -74,7 +93,7 @@ protected:
     return message.value_or("rien");
   }
   static Demarrage echec(ErreurServeur erreur) { return std::unexpected(std::move(erreur)); }
-  static bool vivant(pid_t pid) { return ::kill(pid, 0) == 0; }
+  static bool vivant(pid_t pid) { return enVie(identifier(pid)); }
 
   essais::MaisonTemporaire maison;
   std::shared_ptr<essais::BoucleVirtuelle> boucle = std::make_shared<essais::BoucleVirtuelle>();
@@ -178,7 +197,7 @@ TEST_F(EssaiMoteur, LeServeurEstChercheJusquAuxPetitsEnfantsDuScriptPasPlusLoin)
 
 TEST_F(EssaiMoteur, QuaranteSecondesSansReponseLeDisentEtLaissentTournerLeServeur) {
   poser("console.log('je réfléchis'); setInterval(() => {}, 1000);");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, "je réfléchis"}));
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, "je réfléchis"}));
   EXPECT_EQ(horloge->sommeils(), 160);
   EXPECT_TRUE(moteur->nousLavonsAllume());
   EXPECT_TRUE(vivant(pids().at(0)));
@@ -202,7 +221,7 @@ TEST_F(EssaiMoteur, UnAutrePortSeTrouveAuHuitiemeTourAuPlusTotEnIPv4CommeEnIPv6)
 TEST_F(EssaiMoteur, UnAutrePortQuiNeRepondPasEnNotreNomNEstPasPris) {
   const int autre = essais::portLibre();
   poser("http.createServer((_, r) => r.end('bonjour')).listen(" + std::to_string(autre) + ", '127.0.0.1');");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
 }
 
 TEST_F(EssaiMoteur, LePetitEnfantQuiSertEstArreteAvecSonScript) {
@@ -221,10 +240,20 @@ TEST_F(EssaiMoteur, LeServeurLanceDirectementNeRecoitQuUnSignal) {
   EXPECT_EQ(maison.lire("ressources/keltrove/recus"), "T");
 }
 
+TEST_F(EssaiMoteur, LeServeurQuiSertEstSeulSignaleEtNonSesTerminaux) {
+  poser(unTerminal + "servir(PORT);");
+  EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
+  const auto [serveur, terminal] = serveurEtTerminal();
+  EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
+  EXPECT_FALSE(enVie(serveur));
+  EXPECT_TRUE(enVie(terminal));
+}
+
 TEST_F(EssaiMoteur, UnServeurSourdEstLaisseEnVieAuBoutDeDouzeSecondes) {
   poser("servir(PORT); process.on('SIGTERM', () => {});");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
   const double debut = horloge->maintenant();
+  horloge->presser();
   EXPECT_EQ(arreter(), "Le serveur met du temps à se fermer : je le laisse finir d’écrire sa liste.");
   EXPECT_GE(horloge->maintenant() - debut, 12.0);
   EXPECT_LT(horloge->maintenant() - debut, 12.2);
@@ -251,6 +280,24 @@ TEST_F(EssaiMoteur, LaMortPendantUnArretNeSAnnoncePas) {
   EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement"));
   boucle->vider();
   EXPECT_EQ(morts, 0);
+}
+
+TEST_F(EssaiMoteur, UnServeurQuiRepondUneFoisPrieDeFinirResteEnArret) {
+  bool morte = false;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur&) { morte = true; };
+  poser("setInterval(() => {}, 1000); process.on('SIGTERM', () => { servir(PORT); "
+        "fs.watch('.', () => process.exit(0)); }); fs.writeFileSync('pret', 'oui');");
+  std::optional<Demarrage> issue;
+  moteur->demarrer([&](const Demarrage& recue) { issue = recue; });
+  ASSERT_TRUE(boucle->attendre([&] { return maison.lire("ressources/keltrove/pret") == "oui"; }));
+  std::optional<std::string> message;
+  moteur->arreter([&](const std::string& recu) { message = recu; });
+  ASSERT_TRUE(boucle->attendre([&] { return issue.has_value(); }));
+  EXPECT_EQ(issue, Demarrage(Allume{maison.port()}));
+  EXPECT_EQ(arreter(), ArretServeur::rienAArreter);
+  maison.ecrire("ressources/keltrove/fin", "");
+  ASSERT_TRUE(boucle->attendre([&] { return message.has_value() && !vivant(pids().at(0)); }));
+  EXPECT_FALSE(morte);
 }
 
 TEST_F(EssaiMoteur, UnServeurRejointPuisMortNeSAnnoncePas) {
@@ -312,7 +359,7 @@ TEST_F(EssaiMoteur, LaDureeDUneFermetureSeDitAuDixiemeAvecUnPoint) {
 
 TEST_F(EssaiMoteur, UnServeurMuetPuisRemplaceEstArreteAvecSonRemplacant) {
   poser("setInterval(() => {}, 1000);");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
   poser("servir(PORT); process.on('SIGTERM', () => setTimeout(() => process.exit(0), 20));");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
   ASSERT_EQ(pids().size(), 2U);
@@ -327,11 +374,12 @@ TEST_F(EssaiMoteur, LesRemplacesSontTousSignalesEtPartagentLesDouzeSecondes) {
   };
   for (const auto* nom : {"A", "B"}) {
     poser("setInterval(() => {}, 1000);" + sourd(nom));
-    EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+    EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
   }
   poser("servir(PORT); process.on('SIGTERM', () => { fs.appendFileSync('recus', 'C'); process.exit(0); });");
   EXPECT_EQ(demarrer(), Demarrage(Allume{maison.port()}));
   const double debut = horloge->maintenant();
+  horloge->presser();
   EXPECT_TRUE(arreter().starts_with("Serveur fermé proprement en 12.0"));
   EXPECT_LT(horloge->maintenant() - debut, 12.2);
   // Envoyés dans l’ordre des lancements ; reçus quand chacun a la main.
@@ -343,7 +391,7 @@ TEST_F(EssaiMoteur, LesRemplacesSontTousSignalesEtPartagentLesDouzeSecondes) {
 
 TEST_F(EssaiMoteur, UnServeurRejointNEstPasSignaleMemeLancePresDUnAutreDesNotres) {
   poser("setInterval(() => {}, 1000);");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
   const essais::ServeurFactice dejaLa(essais::reponseHTTP("200 OK", "keltrove-jeton"));
   maison.ecrire(".zelcor/keltrove.json", "{\"port\": " + std::to_string(dejaLa.port()) + "}");
   EXPECT_EQ(demarrer(), Demarrage(Rattache{dejaLa.port()}));
@@ -355,21 +403,18 @@ TEST_F(EssaiMoteur, LeServeurDUnScriptQuiNEcoutePasEncoreEstPrieDeFinirAussi) {
   poser("setInterval(() => {}, 1000); process.on('SIGTERM', () => { fs.writeFileSync('recu', 'TERM'); "
         "process.exit(0); });");
   poserLaPorte("cd keltrove; sh -c 'node serveur.mjs; :'; :");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
   EXPECT_EQ(arreter(), "Le serveur n’a pas été retrouvé : rien à fermer.");
   EXPECT_EQ(maison.lire("ressources/keltrove/recu"), "TERM");
 }
 
 TEST_F(EssaiMoteur, UnTerminalDUnServeurQuiNEcoutePlusNEstPasSignale) {
-  // Comme un terminal : une session à lui, donc un groupe à lui.
-  poser("import { spawn } from 'node:child_process'; "
-        "fs.appendFileSync('pid', spawn('sleep', ['1000'], { detached: true }).pid + '\\n'); "
-        "setInterval(() => {}, 1000);");
-  EXPECT_EQ(demarrer(), echec(PasDeReponse{maison.port(), 40, ""}));
+  poser(unTerminal + "setInterval(() => {}, 1000);");
+  EXPECT_EQ(demarrerSansReponse(), echec(PasDeReponse{maison.port(), 40, ""}));
+  const auto [serveur, terminal] = serveurEtTerminal();
   arreter();
-  ASSERT_EQ(pids().size(), 2U);
-  EXPECT_FALSE(vivant(pids().at(0)));
-  EXPECT_TRUE(vivant(pids().at(1)));
+  EXPECT_FALSE(enVie(serveur));
+  EXPECT_TRUE(enVie(terminal));
 }
 
 TEST_F(EssaiMoteur, LaMortDUnServeurQueLOnARejointDepuisSAnnonceEncore) {
