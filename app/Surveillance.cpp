@@ -25,7 +25,6 @@ Surveillance::Surveillance(std::shared_ptr<socle::BoucleEvenements> boucle, socl
           std::move(boucle), std::move(arrierePlan), std::move(verifier), std::move(quandPerdu), {}, 0})) {}
 
 void Surveillance::demarrer() {
-  arreter();
   compte_->echecsDaffilee = 0;
   compte_->minuteur = compte_->boucle->chaque(intervalle, [faible = std::weak_ptr(compte_)] {
     if (const auto compte = faible.lock()) regarder(compte);

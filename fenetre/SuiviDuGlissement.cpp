@@ -11,7 +11,6 @@ void SuiviDuGlissement::commencer() {
   interrompre();
   if (lache_) effets_.conclure(false);
   contenu_ = Contenu::inconnu;
-  portes_ = {};
   lache_ = false;
 }
 

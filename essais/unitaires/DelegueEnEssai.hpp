@@ -78,6 +78,13 @@ protected:
     return boucle->attendre([&] { return std::ranges::count(etapes(), nom) >= fois; });
   }
 
+  // Le guet regarde une fois de plus, et le délégué en apprend le résultat.
+  void attendreUnRegard() {
+    const int avant = boucle->tachesExecutees();
+    boucle->avancer(6.0);
+    EXPECT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
+  }
+
   essais::MaisonTemporaire maison;
   std::shared_ptr<essais::BoucleVirtuelle> boucle = std::make_shared<essais::BoucleVirtuelle>();
   std::shared_ptr<moteur::MoteurServeur> moteur = std::make_shared<moteur::MoteurServeur>(

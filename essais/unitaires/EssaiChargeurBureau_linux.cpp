@@ -24,6 +24,7 @@ TEST(EssaiChargeurBureau, UnModuleIllisibleDonneSaRaison) {
       "Keltrove ne peut pas ouvrir sa fenêtre : une bibliothèque du bureau manque ou ne convient pas (" +
       maison.chemin("bin/")))
       << lancer.error();
+  EXPECT_TRUE(lancer.error().contains("libkeltrove-bureau.so: file too short")) << lancer.error();
   EXPECT_TRUE(lancer.error().ends_with("). Réinstallez l’application.")) << lancer.error();
 }
 

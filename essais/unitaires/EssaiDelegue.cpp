@@ -138,8 +138,12 @@ TEST_F(EssaiDelegue, LaMortDuServeurEnServiceSeMontreAussitotEtLaSurveillanceSAr
       "import fs from 'node:fs'; fs.watch('.', () => { console.log('au revoir'); process.exit(3); });");
   delegue.applicationDidFinishLaunching();
   ASSERT_TRUE(attendreLEtape("allume"));
+  vue.observateur->quandNavigationFinie();
+  boucle->avancer(5); // plus rien d’autre que le guet n’attend
+  ASSERT_EQ(boucle->minuteursEnAttente(), 1U);
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
+  EXPECT_EQ(boucle->minuteursEnAttente(), 0U);
   EXPECT_EQ(detailsDe("serveur-mort-en-route"), Journal::Details{});
   EXPECT_EQ(vue.ecran().titre, "Le serveur s’est arrêté");
   EXPECT_EQ(vue.ecran().detail, "au revoir");
@@ -155,11 +159,8 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
   ASSERT_TRUE(attendreLEtape("allume"));
   vue.observateur->quandNavigationFinie();
   maison.ecrire("ressources/keltrove/geler", "");
-  for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards) {
-    const int avant = boucle->tachesExecutees();
-    boucle->avancer(6.0);
-    ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
-  }
+  for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards)
+    attendreUnRegard();
   ASSERT_TRUE(attendreLEtape("serveur-ne-repond-plus"));
   EXPECT_EQ(
       vue.ecran(),
@@ -174,6 +175,17 @@ TEST_F(EssaiDelegue, TroisVerificationsRateesMontrentLeProblemeParDessusLaPage) 
           .detail = "dernière ligne"}));
 }
 
+TEST_F(EssaiDelegue, LeGuetNAttendPasQueLaPageSoitLa) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.kill(process.pid, 'SIGSTOP'));");
+  delegue.applicationDidFinishLaunching();
+  ASSERT_TRUE(attendreLEtape("allume"));
+  maison.ecrire("ressources/keltrove/geler", "");
+  for (int regards = 0; regards < 9 && !aEteNotee("serveur-ne-repond-plus"); ++regards)
+    attendreUnRegard();
+  EXPECT_TRUE(aEteNotee("serveur-ne-repond-plus"));
+  EXPECT_FALSE(aEteNotee("page-ratee"));
+}
+
 TEST_F(EssaiDelegue, UnNouvelEssaiPendantQueLeGuetRateLArreteAussitot) {
   poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.kill(process.pid, 'SIGSTOP'));");
   delegue.applicationDidFinishLaunching();
@@ -181,11 +193,8 @@ TEST_F(EssaiDelegue, UnNouvelEssaiPendantQueLeGuetRateLArreteAussitot) {
   vue.observateur->quandNavigationFinie();
   boucle->avancer(5); // plus rien d’autre que le guet n’attend
   maison.ecrire("ressources/keltrove/geler", "");
-  for (int regards = 0; regards < 2; ++regards) {
-    const int avant = boucle->tachesExecutees();
-    boucle->avancer(6.0);
-    ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
-  }
+  for (int regards = 0; regards < 2; ++regards)
+    attendreUnRegard();
   ASSERT_FALSE(aEteNotee("serveur-ne-repond-plus"));
   ASSERT_EQ(boucle->minuteursEnAttente(), 1U);
   vue.observateur->quandOnRecharge();
@@ -233,12 +242,33 @@ TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
   vue.observateur->quandNavigationCommence();
   vue.observateur->quandNavigationFinie();
   EXPECT_FALSE(vue.ecran().visible);
-  for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards) {
-    const int avant = boucle->tachesExecutees();
-    boucle->avancer(6.0);
-    ASSERT_TRUE(boucle->attendre([&] { return boucle->tachesExecutees() > avant; }));
-  }
+  for (int regards = 0; regards < 10 && !aEteNotee("serveur-ne-repond-plus"); ++regards)
+    attendreUnRegard();
   EXPECT_TRUE(aEteNotee("serveur-ne-repond-plus"));
+}
+
+TEST_F(EssaiDelegue, UnePageRevenueDElleMemeApresUnNouvelEssaiRateSeMontre) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
+  delegue.applicationDidFinishLaunching();
+  ASSERT_TRUE(attendreLEtape("allume"));
+  vue.observateur->quandNavigationFinie();
+  maison.ecrire("ressources/keltrove/serveur.mjs", "process.exit(4);");
+  ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
+  vue.observateur->quandOnRecharge();
+  ASSERT_TRUE(attendreLEtape("echec-demarrage"));
+  vue.observateur->quandNavigationCommence();
+  vue.observateur->quandNavigationFinie();
+  EXPECT_FALSE(vue.ecran().visible);
+  EXPECT_EQ(std::ranges::count(etapes(), "page-affichee"), 2);
+}
+
+TEST_F(EssaiDelegue, PartiIlNEcoutePlusLeMoteur) {
+  {
+    DelegueApplication bref(moteur, boucle, bureau);
+    bref.applicationDidFinishLaunching();
+    EXPECT_TRUE(moteur->quandLeServeurMeurt);
+  }
+  EXPECT_FALSE(moteur->quandLeServeurMeurt);
 }
 
 TEST_F(EssaiDelegue, UnSecondDemarrageNInterromptPasLeGuetDuPremier) {

@@ -24,6 +24,12 @@ TEST_F(EssaiEcran, NaitVisibleEtVideSansRienDessiner) {
   EXPECT_TRUE(dessins.empty());
 }
 
+TEST_F(EssaiEcran, LeClavierVaAuBoutonSIlYEnAUnEtALaPageUneFoisLEcranEfface) {
+  EXPECT_EQ(EtatEcran{}.clavier(), EtatEcran::Clavier::ecran);
+  EXPECT_EQ(EtatEcran{.boutonReessayer = true}.clavier(), EtatEcran::Clavier::reessayer);
+  EXPECT_EQ((EtatEcran{.visible = false, .boutonReessayer = true}.clavier()), EtatEcran::Clavier::page);
+}
+
 TEST_F(EssaiEcran, LAttenteMontreTitrePhraseEtRoueRienDAutre) {
   ecran.montrerAttente("Titre", "Phrase");
   EXPECT_EQ(dessins.back(), (EtatEcran{.roue = true, .titre = "Titre", .phrase = "Phrase"}));

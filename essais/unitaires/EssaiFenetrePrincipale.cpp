@@ -311,6 +311,9 @@ TEST_F(EssaiFenetre, UnePageMuetteSoixanteSecondesEstRatee) {
   EXPECT_EQ(derniereEtape().at("etape"), Journal::Valeur("page-ratee"));
   EXPECT_EQ(derniereEtape().at("raison"), Journal::Valeur("La page a mis trop longtemps à répondre."));
   EXPECT_TRUE(vue.ecran().boutonReessayer);
+  vue.observateur->quandNavigationAvance(); // ce qui était déjà en route
+  boucle.avancer(300);
+  EXPECT_EQ(nomsDesEtapes(), std::vector<std::string>{"page-ratee"});
 }
 
 TEST_F(EssaiFenetre, UnChargementAbandonneNADeFinNiDEchecNiDeDelai) {

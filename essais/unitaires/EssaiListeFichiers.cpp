@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -100,6 +101,12 @@ TEST(EssaiListeFichiers, UnDossierAbsentEtUneBoucleSontIllisiblesPlutotQueDemesu
   fs::create_directories(code.chemin("x"));
   fs::create_directory_symlink(code.dossier(), code.chemin("x/boucle"));
   EXPECT_EQ(refusDe(code, {}), Refus::illisible);
+}
+
+TEST(EssaiListeFichiers, UneErreurDAvantNEnFaitPasUneLecture) {
+  const essais::DossierSigne code;
+  errno = EIO;
+  EXPECT_EQ(refusDe(code, {}), std::nullopt);
 }
 
 TEST(EssaiListeFichiers, UnArbreBienPlusProfondQueLesDescripteursSeListeEnEntier) {

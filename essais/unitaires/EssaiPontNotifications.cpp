@@ -93,6 +93,8 @@ TEST_F(EssaiPont, TitreEtCorpsOntLeursTextesParDefautEtLeursMaximums) {
 TEST_F(EssaiPont, SansTerminalChaqueNotificationEstUnique) {
   ecrire(R"({"action":"notifier"})");
   const auto premiere = posee();
+  ecrire(R"({"action":"notifier","id":""})");
+  EXPECT_EQ(posee().terminal, std::nullopt);
   ecrire(R"({"action":"notifier","id":7})");
   EXPECT_EQ(premiere.identifiant.size(), std::string("keltrove-").size() + 36);
   EXPECT_NE(premiere.identifiant, posee().identifiant);

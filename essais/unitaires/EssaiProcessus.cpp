@@ -1,6 +1,7 @@
 #include "EssaiProcessus.hpp"
 
 #include "MaisonTemporaire.hpp"
+#include "socle/Descripteur.hpp"
 
 #include <atomic>
 #include <cerrno>
@@ -36,7 +37,13 @@ TEST_F(EssaiProcessus, LEnfantNAHeriteQueDeTroisDescripteurs) {
 
 TEST_F(EssaiProcessus, LEnfantTravailleDansSonDossierEtSonEntreeEstVide) {
   const essais::MaisonTemporaire maison;
-  ASSERT_TRUE(lancer("/bin/sh", {"-c", "pwd; cat; echo fin"}, maison.racine()));
+  maison.ecrire("entree", "la nôtre");
+  const Descripteur avant(::dup(STDIN_FILENO));
+  const Descripteur entree(::open(maison.chemin("entree").c_str(), O_RDONLY));
+  ::dup2(entree.numero(), STDIN_FILENO);
+  const bool lance = lancer("/bin/sh", {"-c", "pwd; cat; echo fin"}, maison.racine());
+  ::dup2(avant.numero(), STDIN_FILENO);
+  ASSERT_TRUE(lance);
   EXPECT_EQ(toutCeQuIlDit(), maison.racine() + "\nfin\n");
 }
 

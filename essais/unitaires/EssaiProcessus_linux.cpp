@@ -1,6 +1,9 @@
 #include "EssaiProcessus.hpp"
 
+#include <filesystem>
+#include <iterator>
 #include <string>
+#include <thread>
 
 #include <unistd.h>
 
@@ -25,6 +28,18 @@ TEST_F(EssaiProcessus, LEnfantALesSignauxParDefautEtSonPropreGroupe) {
   const auto attendu = std::to_string(processus->pid()) + " (cat) R " + std::to_string(::getpid()) + " " +
                        std::to_string(processus->pid()) + " ";
   EXPECT_NE(texte.find(attendu), std::string::npos) << texte;
+}
+
+TEST_F(EssaiProcessus, NiSonAttenteNiSaLectureNeLuiSurvivent) {
+  const auto fils = [] {
+    const std::filesystem::directory_iterator taches("/proc/self/task");
+    return std::distance(begin(taches), end(taches));
+  };
+  std::thread([] {}).join(); // qui surveille les courses a lui-même un fil, né avec le premier
+  const auto avant = fils();
+  ASSERT_TRUE(lancerLeShell("echo un"));
+  EXPECT_EQ(toutCeQuIlDit(), "un\n");
+  EXPECT_TRUE(essais::attendre([&] { return fils() == avant; }));
 }
 
 } // namespace keltrove::socle

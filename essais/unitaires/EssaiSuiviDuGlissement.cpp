@@ -20,10 +20,12 @@ protected:
   Textes lues() { return std::exchange(notes, {}); }
 
   Textes notes;
+  std::vector<nlohmann::json> survols;
   SuiviDuGlissement suivi{
       {.appelerLaPage =
            [this](const char* corps, const nlohmann::json& arguments) {
              const std::string texte = corps;
+             if (texte.contains("Survol") && !texte.contains("null")) survols.push_back(arguments);
              notes.push_back(texte.contains("null")     ? "fin du survol"
                              : texte.contains("Survol") ? "survol"
                                                         : "dépôt " + arguments.dump());
@@ -49,6 +51,20 @@ TEST_F(EssaiSuivi, DesFichiersSeSurvolentPuisSeDeposent) {
   EXPECT_FALSE(suivi.survole());
 }
 
+TEST_F(EssaiSuivi, SurvolsEtDepotSontOuEstLaSourisDansLaPage) {
+  suivi.commencer();
+  entrer();
+  suivi.apprendre(fichiers());
+  suivi.bouger({11, 21}, {.agrandissement = 2});
+  suivi.sortir();
+  suivi.entrer({30, 40}, {});
+  EXPECT_EQ(survols, (std::vector<nlohmann::json>{
+                         {{"x", 10.0}, {"y", 20.0}}, {{"x", 5.5}, {"y", 10.5}}, {{"x", 30.0}, {"y", 40.0}}}));
+  lues();
+  suivi.deposer({50, 60}, {.agrandissement = 2});
+  EXPECT_EQ(lues(), (Textes{"survol", R"(dépôt {"chemins":["/a","/b"],"x":25.0,"y":30.0})", "remis"}));
+}
+
 TEST_F(EssaiSuivi, UnDepotPlusRapideQueLaLectureAttendEtUnDepartEntreLesDeuxNyChangeRien) {
   for (const bool depart : {false, true}) {
     suivi.commencer();
@@ -66,6 +82,7 @@ TEST_F(EssaiSuivi, UnDepartJusteAvantLeDepotNeLePerdPas) {
   entrer();
   suivi.apprendre(fichiers());
   suivi.sortir();
+  EXPECT_FALSE(suivi.survole());
   deposer();
   EXPECT_EQ(lues(), (Textes{"survol", "fin du survol", "survol", depose, "remis"}));
 }
@@ -138,6 +155,9 @@ TEST_F(EssaiSuivi, LeSuivantFinitLeSurvolEtLeDepotQuUnAutreALaisses) {
   deposer();
   suivi.commencer();
   EXPECT_EQ(lues(), Textes{"refusé"});
+  entrer();
+  suivi.apprendre(fichiers());
+  EXPECT_EQ(lues(), Textes{"survol"}) << "rien n’a encore été lâché";
 }
 
 TEST_F(EssaiSuivi, LaPageCouverteNeRecoitPlusRienPuisReprend) {

@@ -1,4 +1,5 @@
 #include "MaisonTemporaire.hpp"
+#include "moteur/AnalyseOutils.hpp"
 #include "moteur/TenantParOutils.hpp"
 
 #include <gtest/gtest.h>
@@ -34,7 +35,7 @@ protected:
 
 TEST_F(TenantParOutils, UnePriseQueNosProcessusTiennentEstANous) {
   EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n"
-                 "tcp4       0      0  192.168.1.9.52100      17.57.146.20.5223      ESTABLISHED\n"
+                 "tcp4       0      0  127.0.0.1.7777         127.0.0.1.52100        ESTABLISHED\n"
                  "udp4       0      0  *.7777                 *.*                               \n",
                  "node      812 moi    18u  IPv4 0xa1b2c3d4e5f60718      0t0  TCP 127.0.0.1:7777 (LISTEN)\n"),
             Tenant::nousOuLAdministrateur);
@@ -44,6 +45,12 @@ TEST_F(TenantParOutils, UnePriseQueNosProcessusTiennentEstANous) {
 
 TEST_F(TenantParOutils, UnePriseQueNousNeTenonsPasEstDUnEtranger) {
   EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n", ""),
+            Tenant::etranger);
+}
+
+TEST_F(TenantParOutils, UneDesNotresAUneAutreAdresseNeProuveRien) {
+  EXPECT_EQ(avec("tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n",
+                 "node      812 moi    18u  IPv4 0x1      0t0  TCP 192.168.1.9:7777 (LISTEN)\n"),
             Tenant::etranger);
 }
 
@@ -78,6 +85,32 @@ TEST_F(TenantParOutils, UnAutreSurLaMemeMachineSuffitParOuQueCeSoit) {
            tenue +
                "sh        813 moi    18u  IPv4 0xa1b2c3d4e5f60718      0t0  TCP 127.0.0.1:7777 (LISTEN)\n"),
       Tenant::etranger);
+}
+
+TEST_F(TenantParOutils, UneLigneQuiNeSeLitPasNeCompteNiPourNousNiContreNous) {
+  const std::string laNotre =
+      "tcp4       0      0  127.0.0.1.7777         *.*                    LISTEN     \n";
+  const std::string tenue = "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
+  for (const char* illisible :
+       {"tcp4       0      0  localhost.7777         *.*                    LISTEN     \n",
+        "tcp4       0      0  127.0.0.1.*            *.*                    LISTEN     \n",
+        "tcp4       0      0  7777                   *.*                    LISTEN     \n", "tcp4 7777\n"})
+    EXPECT_EQ(avec(laNotre + illisible, tenue), Tenant::nousOuLAdministrateur) << illisible;
+  for (const char* illisible : {"node      812 moi    18u  IPv4 0x1      0t0  TCP localhost:7777 (LISTEN)\n",
+                                "node      812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:* (LISTEN)\n",
+                                "node      812 moi    18u  IPv6 0x1      0t0  TCP [::1:7777 (LISTEN)\n",
+                                "node      812 moi    18u  IPv4 0x1      0t0  TCP\n"})
+    EXPECT_EQ(avec(laNotre, illisible), Tenant::etranger) << illisible;
+}
+
+TEST_F(TenantParOutils, LesPrisesDUnCompteSontSiennesChacuneUneFois) {
+  const std::string ligne = "812 moi    18u  IPv4 0x1      0t0  TCP 127.0.0.1:7777 (LISTEN)\n";
+  const auto prises =
+      lirePrisesDeLsof(titresDeLsof + ("node      " + ligne) + "sh        " + ligne, notreCompte);
+  ASSERT_EQ(prises.size(), 1U);
+  EXPECT_EQ(prises[0].compte, notreCompte);
+  EXPECT_EQ(prises[0].numero, "0x1");
+  EXPECT_EQ(prises[0].port, lePort);
 }
 
 TEST_F(TenantParOutils, DesDeuxFamillesEtDeToutesLesAdresses) {

@@ -1,5 +1,6 @@
 #include "DossierSigne.hpp"
 #include "Patience.hpp"
+#include "socle/Descripteur.hpp"
 #include "socle/Texte.hpp"
 #include "verification/Empreintes.hpp"
 #include "verification/Memoire.hpp"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -150,10 +152,12 @@ TEST_F(EssaiHostile, DeuxCentsNiveauxEtDesNomsDeDeuxCentCinquanteCinqOctetsPasse
   EXPECT_EQ(verdict(), "fichier ajouté, non prévu : " + profond + "g");
 }
 
+// Répété, met sous Linux une barre juste à la longueur que le système refuse.
+const std::string etage(240, 'e');
+
 // Un chemin trop long pour le système se crée de proche en proche.
 void ecrireAuFond(const std::string& dossier, int niveaux, const std::string& nom) {
   int ici = ::open(dossier.c_str(), O_RDONLY | O_DIRECTORY);
-  const std::string etage(200, 'e');
   for (int i = 0; i < niveaux; ++i) {
     ::mkdirat(ici, etage.c_str(), 0700);
     const int suivant = ::openat(ici, etage.c_str(), O_RDONLY | O_DIRECTORY);
@@ -169,14 +173,14 @@ void ecrireAuFond(const std::string& dossier, int niveaux, const std::string& no
 
 TEST_F(EssaiHostile, UnCheminPlusLongQueLeSystemeNEnPrendNeCacheRien) {
   // Le deuxième fait tout juste la longueur que le système refuse, sa fin comprise.
-  constexpr int auBord = PATH_MAX / 201;
-  constexpr std::size_t resteAuBord = PATH_MAX % 201;
+  constexpr int auBord = PATH_MAX / 241;
+  constexpr std::size_t resteAuBord = PATH_MAX % 241;
   const std::pair<int, std::string> fonds[] = {
       {auBord - 1, "f"}, {auBord, std::string(resteAuBord, 'f')}, {60, "f"}};
   for (const auto& [niveaux, nom] : fonds) {
     std::string chemin;
     for (int i = 0; i < niveaux; ++i)
-      chemin += std::string(200, 'e') + "/";
+      chemin += etage + "/";
     ecrireAuFond(code.dossier(), niveaux, nom);
     chemin += nom;
     code.signer();
@@ -276,6 +280,18 @@ TEST(EssaiMemoire, UnFichierRaccourciSousLaLectureEstUnEchec) {
     return true;
   }));
   ::close(fichier);
+}
+
+TEST(EssaiMemoire, LeSignalDetourneEstRendu) {
+  const essais::DossierSigne code;
+  code.ecrire("f", "abc");
+  const socle::Descripteur fichier(::open(code.chemin("f").c_str(), O_RDONLY));
+  struct sigaction avant{};
+  struct sigaction apres{};
+  ::sigaction(SIGBUS, nullptr, &avant);
+  EXPECT_TRUE(Memoire(fichier.numero(), 3).confier([](std::span<const char>) { return true; }));
+  ::sigaction(SIGBUS, nullptr, &apres);
+  EXPECT_EQ(apres.sa_handler, avant.sa_handler);
 }
 
 TEST(EssaiEmpreintes, CeQuiVientApresLaTailleAnnonceeEstVu) {

@@ -1,10 +1,18 @@
 #include "DossierSigne.hpp"
+#include "socle/Descripteur.hpp"
 #include "verification/Empreintes.hpp"
+#include "verification/Memoire.hpp"
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <limits>
+#include <optional>
+#include <span>
+#include <sstream>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -19,6 +27,25 @@ TEST(EssaiHostileLinux, UnFichierQuiSeDitVideEtNeLEstPasEstIllisible) {
   std::filesystem::remove(code.chemin("a"));
   std::filesystem::create_symlink("/proc/self/status", code.chemin("a"));
   EXPECT_EQ(code.verifier().message, "fichier illisible : a");
+}
+
+TEST(EssaiMemoire, CeQueLeSystemeNeProjettePasSeLit) {
+  constexpr const char* chemin = "/proc/version";
+  std::ostringstream attendu;
+  attendu << std::ifstream(chemin).rdbuf();
+  const auto taille = attendu.str().size();
+  const auto lire = [&](std::size_t combien) {
+    const socle::Descripteur fichier(::open(chemin, O_RDONLY | O_CLOEXEC));
+    std::optional<std::string> lu;
+    Memoire(fichier.numero(), combien).confier([&](std::span<const char> octets) {
+      lu.emplace(octets.begin(), octets.end());
+      return true;
+    });
+    return lu;
+  };
+  EXPECT_EQ(lire(taille), attendu.str());
+  EXPECT_EQ(lire(taille + 1), std::nullopt) << "il en manque";
+  EXPECT_EQ(lire(std::numeric_limits<std::ptrdiff_t>::max()), std::nullopt) << "plus que la machine n’a";
 }
 
 TEST(EssaiMemoire, UnFichierLuNeTientPlusDePlace) {
