@@ -262,6 +262,28 @@ TEST_F(EssaiDelegue, UnePageRevenueDElleMemeApresUnNouvelEssaiRateSeMontre) {
   EXPECT_EQ(std::ranges::count(etapes(), "page-affichee"), 2);
 }
 
+TEST_F(EssaiDelegue, UnePageRevenueDElleMemePendantUnNouvelEssaiNEstPasEncoreSurveillee) {
+  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
+  delegue.applicationDidFinishLaunching();
+  ASSERT_TRUE(attendreLEtape("allume"));
+  vue.observateur->quandNavigationFinie();
+  boucle->avancer(5); // plus rien d’autre que le guet n’attend
+  // Un étranger muet sur le port retient le nouvel essai.
+  const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
+  maison.ecrire(".zelcor/keltrove.json", fmt::format("{{\"port\": {}}}", muet.port()));
+  vue.observateur->quandOnRecharge();
+  maison.ecrire("ressources/keltrove/fin", "");
+  ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
+  vue.observateur->quandNavigationCommence();
+  vue.observateur->quandNavigationFinie();
+  ASSERT_EQ(std::ranges::count(etapes(), "page-affichee"), 2);
+  ASSERT_FALSE(aEteNotee("echec-demarrage"));
+  boucle->avancer(1); // le temps de sonder la page
+  EXPECT_EQ(boucle->minuteursEnAttente(), 0U);
+  delegue.applicationShouldTerminate();
+  EXPECT_TRUE(attendreLEtape("echec-demarrage"));
+}
+
 TEST_F(EssaiDelegue, PartiIlNEcoutePlusLeMoteur) {
   {
     DelegueApplication bref(moteur, boucle, bureau);
