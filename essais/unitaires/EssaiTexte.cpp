@@ -16,14 +16,21 @@ TEST(Texte, LUTF8SeReconnaitEtSesContrefaconsNon) {
   EXPECT_TRUE(estUTF8(std::string_view("a\0b", 3)));
 }
 
+TEST(Texte, CeQuiNEstPasDeLUTF8EstRemplaceOctetParOctet) {
+  EXPECT_EQ(enUTF8(std::string_view("a\0é", 4)), std::string_view("a\0é", 4));
+  EXPECT_EQ(enUTF8("\xc3\x28 \xff\xfe é"), "\ufffd( \ufffd\ufffd é");
+}
+
 TEST(Texte, LUTF16SeTraduitEtUneMoitieSeuleEstRemplacee) {
   EXPECT_EQ(enUTF8(u""), "");
   EXPECT_EQ(enUTF8(u"aé€😀"), "aé€😀");
+  EXPECT_EQ(enUTF8(u"😀a"), "😀a");
   EXPECT_EQ(enUTF8(std::u16string_view(u"a\0b", 3)), std::string("a\0b", 3));
   EXPECT_EQ(enUTF8(std::u16string{u'a', 0xD83D}), "a\xEF\xBF\xBD");
   EXPECT_EQ(enUTF8(std::u16string{0xDE00, u'b'}), "\xEF\xBF\xBD"
                                                   "b");
   EXPECT_EQ(enUTF8(std::u16string{0xD83D, 0xD83D, 0xDE00}), "\xEF\xBF\xBD😀");
+  EXPECT_EQ(enUTF8(std::u16string_view(u"😀", 1)), "\xEF\xBF\xBD") << "la suite n’en est pas";
 }
 
 TEST(Texte, RognerRetireBlancsEtFinsDeLigneUnicodeDesDeuxBouts) {
@@ -37,6 +44,7 @@ TEST(Texte, RognerRetireBlancsEtFinsDeLigneUnicodeDesDeuxBouts) {
 TEST(Texte, RognerGardeCeQuiNEstPasUnBlanc) {
   EXPECT_EQ(rogner("\u200Babc\uFEFF"), "\u200Babc\uFEFF");
   EXPECT_EQ(rogner("\xff abc \x80"), "\xff abc \x80");
+  EXPECT_EQ(rogner("\x80"), "\x80");
 }
 
 TEST(Texte, RognerEspacesGardeLesFinsDeLigne) {
