@@ -8,6 +8,7 @@ import signal
 import socket
 import subprocess
 import threading
+import time
 from collections.abc import Callable
 
 import ecran
@@ -114,9 +115,18 @@ def epuiser_les_descripteurs(banc):
     # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs.
     guetter(lambda: ecran.textes(pid), quoi="la fenêtre")
     guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
-    tenus = set.intersection(*[set(os.listdir(f"/proc/{pid}/fd")) for _ in range(20)])  # les autres ne font que passer
-    premier_libre = next(i for i in itertools.count() if str(i) not in tenus)
-    resource.prlimit(pid, resource.RLIMIT_NOFILE, (premier_libre, banc.limites[1]))
+    # Ce qui se rend dans la seconde ne faisait que passer : une sonde entière y tiendrait. Celle dont on retient la réponse
+    # garde les siens.
+    pas = 0 if banc.moment == "reponse" else 0.05
+    libre, releves = banc.limites[0], 0
+    while releves < 20:
+        tenus = {int(numero) for numero in os.listdir(f"/proc/{pid}/fd")}
+        premier = next(i for i in itertools.count() if i not in tenus)
+        releves += 1
+        if premier < libre:
+            libre, releves = premier, 0
+            resource.prlimit(pid, resource.RLIMIT_NOFILE, (libre, banc.limites[1]))
+        time.sleep(pas)
 
 
 def rendre_les_descripteurs(banc):
