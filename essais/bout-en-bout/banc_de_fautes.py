@@ -90,11 +90,16 @@ class Banc(contextlib.ExitStack):
             self.poser(RETENUES[self.moment])
         if self.rattache:
             self.lancer_le_serveur()
+        if self.moment == "reponse":
+            self.retenir_la_sonde()
 
     def mener(self):
         """Jusqu’au moment voulu, et l’y tenir. Rattachée, l’application ferme sans attendre : on s’arrête juste avant."""
         if self.moment in ("usage", "fermeture"):
             self.application.attendre("page-affichee")
+        if self.moment == "reponse":
+            self.attendre_la_fenetre()
+            self.lacher_la_sonde()
         if self.moment == "fermeture" and not self.rattache:
             self.poser("retenir-fin")
             self.application.processus.terminate()
@@ -120,6 +125,18 @@ class Banc(contextlib.ExitStack):
                 return prise.connect_ex(("127.0.0.1", self.application.port)) == 0
 
         guetter(ecoute, quoi="le serveur à l’écoute")
+
+    # Une sonde n’attend sa réponse qu’une seconde et demie : ce que l’on attend d’abord de la fenêtre n’en prend rien.
+    def retenir_la_sonde(self):
+        with open(os.path.join(self.fautes, "sonde-retenue"), "w"):
+            pass
+
+    def lacher_la_sonde(self):
+        os.remove(os.path.join(self.fautes, "sonde-retenue"))
+
+    def attendre_la_fenetre(self):
+        guetter(lambda: ecran.textes(self.application.processus.pid), quoi="la fenêtre")
+        guetter(lambda: self.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
 
     def pid_du_serveur(self):
         return self.serveur.pid if self.serveur else self.application.serveurs()[0]

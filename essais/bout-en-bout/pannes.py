@@ -11,7 +11,6 @@ import threading
 import time
 from collections.abc import Callable
 
-import ecran
 from application import commande, port_libre
 from banc_de_fautes import CADRE, CADRE_ECRIT, guetter
 from bus import Bus
@@ -112,12 +111,12 @@ def epuiser_les_descripteurs(banc):
         return DESCRIPTEURS_AU_LANCEMENT.faire(banc)
     pid = banc.application.processus.pid
     banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
-    # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs.
-    guetter(lambda: ecran.textes(pid), quoi="la fenêtre")
-    guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
+    # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs ; plus tard, ils sont déjà là.
+    if banc.moment == "attente":
+        banc.attendre_la_fenetre()
     # Ce qui se rend dans la seconde ne faisait que passer : une sonde entière y tiendrait. Celle dont on retient la réponse
-    # garde les siens.
-    pas = 0 if banc.moment == "reponse" else 0.05
+    # garde les siens, et une application qui se ferme ne sonde plus.
+    pas = 0 if banc.moment in ("reponse", "fermeture") else 0.05
     libre, releves = banc.limites[0], 0
     while releves < 20:
         tenus = {int(numero) for numero in os.listdir(f"/proc/{pid}/fd")}
