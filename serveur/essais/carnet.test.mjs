@@ -83,6 +83,38 @@ test('après une mort brutale, ordre, groupes et dernières lignes reviennent', 
   await seconde.attendreLeTexte(premier, /vu-dernier\r\n[^]*── fin de la session précédente ──/);
 });
 
+test('une session où rien n’est tapé ne laisse ni invite ni marque de plus', async (t) => {
+  const maison = await preparerMaison(t);
+  writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '\n");
+  const ouvrir = async () => {
+    const { serveur, page } = await lancerAvecUnePage(t, maison);
+    const [{ id }] = page.terminaux;
+    await page.attendreLeTexte(id, /\$ $/);
+    return { serveur, page, id };
+  };
+  const premiere = await ouvrir();
+  premiere.page.envoyer({ type: 'saisie', id: premiere.id, texte: 'echo vu-$((1 + 1))\r' });
+  await premiere.page.attendreLeTexte(premiere.id, /vu-2\r\n[^]*\$ $/);
+  await arreter(premiere.serveur);
+  const [{ lignes }] = maison.lireLeCarnet();
+  assert.ok(lignes.includes('vu-2'));
+  for (let i = 0; i < 2; i += 1) {
+    await arreter((await ouvrir()).serveur);
+    assert.deepEqual(maison.lireLeCarnet()[0].lignes, lignes);
+  }
+  // Tapé, ou dit sans que rien ne le soit : cela se garde.
+  const { serveur, page, id } = await ouvrir();
+  page.envoyer({ type: 'saisie', id, texte: 'x' });
+  await page.attendreLeTexte(id, /\$ x$/);
+  await arreter(serveur);
+  const [{ lignes: apres }] = maison.lireLeCarnet();
+  assert.deepEqual(apres.slice(0, lignes.length), lignes);
+  assert.match(apres.slice(lignes.length).join('\n'), /^── fin de la session précédente ──\n.*\$ x$/);
+  writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '; seq 4\n");
+  await arreter((await ouvrir()).serveur);
+  assert.deepEqual(maison.lireLeCarnet()[0].lignes.slice(-5), ['1', '2', '3', '4', '$ ']);
+});
+
 test('un programme plein écran ne chasse pas les lignes d’avant lui', async (t) => {
   const maison = await preparerMaison(t);
   const { serveur, page } = await lancerAvecUnePage(t, maison);

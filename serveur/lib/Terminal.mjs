@@ -1,7 +1,7 @@
 import { statSync } from 'node:fs';
 import { essayer } from '../page/essayer.js';
 import { Annonces } from './Annonces.mjs';
-import { lireLesDernieresLignes, NOMBRE_DE_LIGNES, rejouerLesLignes } from './dernieresLignes.mjs';
+import { lireLesDernieresLignes, nAjoutentQuUneInvite, NOMBRE_DE_LIGNES, rejouerLesLignes } from './dernieresLignes.mjs';
 import { Interpreteur } from './Interpreteur.mjs';
 import { maison } from './reglages.mjs';
 import { Tampon } from './Tampon.mjs';
@@ -40,6 +40,7 @@ export class Terminal {
   #dossierLu = null;
   #dernieresLignes;
   #lignesPerimees = false;
+  #aSaisi = false;
   #aDire = '';
   #repit = null;
   #aParle = false;
@@ -102,11 +103,14 @@ export class Terminal {
     if (!relire || !this.#lignesPerimees) return this.#dernieresLignes;
     this.#lignesPerimees = false;
     const lues = await lireLesDernieresLignes(this.tampon.rejouer(SORTIE_RELUE), this);
-    return (this.#dernieresLignes = lues ?? this.#dernieresLignes);
+    const intactes = !lues || (!this.#aSaisi && nAjoutentQuUneInvite(lues, this.#dernieresLignes));
+    if (!intactes) this.#dernieresLignes = lues;
+    return this.#dernieresLignes;
   }
 
   // Faux quand le programme ne lit pas : rien de ce texte n’est alors gardé.
   saisir(texte, quandEcrit) {
+    this.#aSaisi = true;
     return this.#interpreteur?.saisir(texte, quandEcrit) ?? true;
   }
 

@@ -5,6 +5,8 @@ import { compterLesLargeurs } from '../page/largeurs.js';
 import { lireLesLignes } from '../page/lignes.js';
 
 export const NOMBRE_DE_LIGNES = 200;
+const FIN_DE_SESSION = '── fin de la session précédente ──';
+const LIGNES_D_UNE_INVITE = 3;
 // Relue d’un trait, une longue sortie retarderait les touches de tous les terminaux. La bibliothèque passe d’un morceau
 // au suivant par un minuteur, et des minuteurs échus s’enchaînent sans qu’une touche passe entre eux.
 const MORCEAU = 4096;
@@ -53,5 +55,11 @@ async function lireUnEcran(sortie, { colonnes, lignes }) {
 export function rejouerLesLignes(lignes) {
   if (!Array.isArray(lignes) || lignes.length === 0) return '';
   const propres = lignes.slice(-NOMBRE_DE_LIGNES).map((ligne) => `${String(ligne).replace(/\p{Cc}/gu, '')}\r\n`);
-  return `${propres.join('')}\x1b[2m── fin de la session précédente ──\x1b[0m\r\n`;
+  return `${propres.join('')}\x1b[2m${FIN_DE_SESSION}\x1b[0m\r\n`;
+}
+
+// Rien, après les lignes passées, qu’une invite où rien n’a été tapé. La garder en mettrait une de plus à chaque session.
+export function nAjoutentQuUneInvite(lues, passees) {
+  const fin = lues.lastIndexOf(FIN_DE_SESSION);
+  return fin > 0 && lues.length - fin - 1 <= LIGNES_D_UNE_INVITE && passees.slice(-fin).join('\n') === lues.slice(0, fin).join('\n');
 }
