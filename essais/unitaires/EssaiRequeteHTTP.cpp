@@ -24,5 +24,23 @@ TEST(EssaiRequeteHTTP, UneReponseLenteMaisVivanteArriveEntiere) {
   EXPECT_EQ(reponse->corps, "xxxxx");
 }
 
+TEST(EssaiRequeteHTTP, CinqStatutsMenentAilleursLesAutresSontLaReponse) {
+  for (const int statut : {200, 201, 300, 301, 302, 303, 304, 305, 306, 307, 308, 404}) {
+    const essais::ServeurFactice serveur([statut](const essais::Connexion& c) {
+      c.envoyer(c.requete.starts_with("GET /suite ")
+                    ? essais::reponseHTTP("200 OK", "la suite")
+                    : essais::reponseHTTP(fmt::format("{} Ici", statut), "", "Location: /suite\r\n"));
+    });
+    const auto reponse = obtenir({.url = fmt::format("http://127.0.0.1:{}/", serveur.port()),
+                                  .entetes = {},
+                                  .inactiviteMaximale = 20,
+                                  .dureeMaximale = 20});
+    const bool suivie = statut == 301 || statut == 302 || statut == 303 || statut == 307 || statut == 308;
+    ASSERT_TRUE(reponse) << statut;
+    EXPECT_EQ(reponse->statut, suivie ? 200 : statut);
+    EXPECT_EQ(reponse->corps, suivie ? "la suite" : "") << statut;
+  }
+}
+
 } // namespace
 } // namespace keltrove::socle
