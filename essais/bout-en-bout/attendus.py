@@ -44,7 +44,7 @@ def allume(banc):
 def patience(banc):
     """Une mauvaise réponse n’est pas la fin : la bonne, venue plus tard, ouvre la page."""
     banc.liberer()
-    banc.attendre_les_sondes(2)
+    banc.attendre_les_sondes(2)  # sans rendre sa place : la bonne réponse doit venir avant quarante secondes
     banc.verifier.assertNotIn("allume", banc.application.etapes())
     banc.panne.defaire(banc)
     banc.attendre("page-contenu")
@@ -105,7 +105,8 @@ def rien(banc):
     """La page se montre, et la surveillance passe au moins une fois après la panne."""
     banc.liberer()
     banc.attendre("page-contenu")
-    banc.attendre_les_sondes(1)
+    with banc.places.longue_attente():
+        banc.attendre_les_sondes(1)
     if banc.moment != "avant" or "bus" not in vars(banc):  # sans bus au départ, l’écran ne se lit pas
         guetter(banc.montre_la_page, quoi="un écran sans problème")
     for mauvaise in MAUVAISES:

@@ -147,8 +147,7 @@ class Banc(contextlib.ExitStack):
 
     def attendre_les_sondes(self, nombre):
         deja = self.vus("sonde")
-        with self.places.longue_attente():
-            guetter(lambda: self.vus("sonde") >= deja + nombre, quoi=f"{nombre} sonde(s) de plus")
+        guetter(lambda: self.vus("sonde") >= deja + nombre, quoi=f"{nombre} sonde(s) de plus")
 
     def clients(self):
         """Les connexions que l’application tient vers le port, par leur bout à elle."""
