@@ -61,6 +61,7 @@ def perdu(banc):
 
 def degel(banc):
     """Une connexion se perd pendant le gel, sans que rien ne s’affiche ; la page vient au dégel."""
+    banc.rendre_le_temps()
     if banc.moment != "attente":
         banc.attendre_un_client()  # qui vient donc pendant le gel
     banc.liberer()

@@ -91,15 +91,12 @@ class Banc(contextlib.ExitStack):
         if self.rattache:
             self.lancer_le_serveur()
         if self.moment == "reponse":
-            self.retenir_la_sonde()
+            self.suspendre_le_temps()
 
     def mener(self):
         """Jusqu’au moment voulu, et l’y tenir. Rattachée, l’application ferme sans attendre : on s’arrête juste avant."""
         if self.moment in ("usage", "fermeture"):
             self.application.attendre("page-affichee")
-        if self.moment == "reponse":
-            self.attendre_la_fenetre()
-            self.lacher_la_sonde()
         if self.moment == "fermeture" and not self.rattache:
             self.poser("retenir-fin")
             self.application.processus.terminate()
@@ -109,6 +106,7 @@ class Banc(contextlib.ExitStack):
     def liberer(self):
         if self.moment in LIBERATIONS:
             self.poser(LIBERATIONS[self.moment])
+        self.rendre_le_temps()
 
     def lancer_le_serveur(self):
         self.application.poser("keltrove/serveur.mjs", TENU)
@@ -126,13 +124,17 @@ class Banc(contextlib.ExitStack):
 
         guetter(ecoute, quoi="le serveur à l’écoute")
 
-    # Une sonde n’attend sa réponse qu’une seconde et demie : ce que l’on attend d’abord de la fenêtre n’en prend rien.
-    def retenir_la_sonde(self):
-        with open(os.path.join(self.fautes, "sonde-retenue"), "w"):
+    # Une sonde n’attend sa réponse qu’une seconde et demie, et une machine lente mettrait plus à faire la panne.
+    def suspendre_le_temps(self):
+        with open(self.suspension(), "w"):
             pass
 
-    def lacher_la_sonde(self):
-        os.remove(os.path.join(self.fautes, "sonde-retenue"))
+    def rendre_le_temps(self):
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(self.suspension())
+
+    def suspension(self):
+        return os.path.join(self.fautes, "temps-suspendu")
 
     def attendre_la_fenetre(self):
         guetter(lambda: ecran.textes(self.application.processus.pid), quoi="la fenêtre")

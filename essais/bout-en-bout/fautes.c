@@ -72,19 +72,12 @@ ssize_t write(int descripteur, const void *octets, size_t taille) {
   return VRAI(write)(descripteur, octets, taille);
 }
 
-// Juste avant de joindre le serveur, l’application regarde qui tient le port.
-static void retenirLaSonde(const char *chemin) {
-  while (strncmp(chemin, "/proc/self/net/", 15) == 0 && faute("sonde-retenue"))
-    usleep(20000);
-}
-
 #define OUVRIR(nom)                                                                                                    \
   int nom(const char *chemin, int options, ...) {                                                                      \
     va_list suite;                                                                                                     \
     va_start(suite, options);                                                                                          \
     const mode_t droits = va_arg(suite, mode_t);                                                                       \
     va_end(suite);                                                                                                     \
-    retenirLaSonde(chemin);                                                                                            \
     if ((options & (O_WRONLY | O_RDWR | O_CREAT)) && disqueRefuse(chemin)) return -1;                                  \
     return VRAI(nom)(chemin, options, droits);                                                                         \
   }
@@ -116,9 +109,42 @@ int pthread_create(pthread_t *fil, const pthread_attr_t *attributs, void *(*trav
 
 static long decalage(void) { return faute("horloge-avance") ? 3600 : faute("horloge-recule") ? -3600 : 0; }
 
+// Le temps que mesurent l’application et ses requêtes s’arrête, puis repart d’où il en était ; celui de la boîte à outils,
+// non. Suspendu dès le lancement ou jamais : ailleurs, rien ne ralentit.
+static int suspendable;
+static pthread_mutex_t verrou = PTHREAD_MUTEX_INITIALIZER;
+
+__attribute__((constructor)) static void suspendre(void) { suspendable = faute("temps-suspendu"); }
+
+static int mesureeParNous(const void *appelant) {
+  Dl_info lieu;
+  return dladdr(appelant, &lieu) != 0 && (strstr(lieu.dli_fname, "libstdc++") || strstr(lieu.dli_fname, "libcurl"));
+}
+
+static struct timespec horsDeLaSuspension(struct timespec instant) {
+  static long long rendu, perdu;
+  static int suspendu;
+  const long long vrai = instant.tv_sec * 1000000000LL + instant.tv_nsec;
+  pthread_mutex_lock(&verrou);
+  if (rendu == 0) rendu = vrai;
+  if (faute("temps-suspendu")) {
+    suspendu = 1;
+  } else {
+    // Il repart à la première mesure d’après : entre les deux, personne ne l’a vu passer.
+    if (suspendu) perdu = vrai - rendu;
+    suspendu = 0;
+    rendu = vrai - perdu;
+  }
+  const long long mesure = rendu;
+  pthread_mutex_unlock(&verrou);
+  return (struct timespec){mesure / 1000000000LL, mesure % 1000000000LL};
+}
+
 int clock_gettime(clockid_t horloge, struct timespec *instant) {
   const int issue = VRAI(clock_gettime)(horloge, instant);
   if (issue == 0 && horloge == CLOCK_REALTIME) instant->tv_sec += decalage();
+  if (issue == 0 && horloge == CLOCK_MONOTONIC && suspendable && mesureeParNous(__builtin_return_address(0)))
+    *instant = horsDeLaSuspension(*instant);
   return issue;
 }
 

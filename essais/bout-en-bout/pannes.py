@@ -112,7 +112,7 @@ def epuiser_les_descripteurs(banc):
     pid = banc.application.processus.pid
     banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
     # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs ; plus tard, ils sont déjà là.
-    if banc.moment == "attente":
+    if banc.moment in ("attente", "reponse"):
         banc.attendre_la_fenetre()
     # Ce qui se rend dans la seconde ne faisait que passer : une sonde entière y tiendrait. Celle dont on retient la réponse
     # garde les siens, et une application qui se ferme ne sonde plus.
