@@ -42,5 +42,22 @@ TEST(EssaiRequeteHTTP, CinqStatutsMenentAilleursLesAutresSontLaReponse) {
   }
 }
 
+TEST(EssaiRequeteHTTP, UnTemoinSuitSesRedirectionsEtNeLeurSurvitPas) {
+  const essais::ServeurFactice serveur([](const essais::Connexion& c) {
+    c.envoyer(c.requete.starts_with("GET /suite ")
+                  ? essais::reponseHTTP("200 OK", c.requete.contains("Cookie: a=b") ? "avec" : "sans")
+                  : essais::reponseHTTP("302 Ici", "", "Location: /suite\r\nSet-Cookie: a=b\r\n"));
+  });
+  const auto demander = [&](const char* chemin) {
+    const auto reponse = obtenir({.url = fmt::format("http://127.0.0.1:{}{}", serveur.port(), chemin),
+                                  .entetes = {},
+                                  .inactiviteMaximale = 20,
+                                  .dureeMaximale = 20});
+    return reponse ? reponse->corps : "rien";
+  };
+  EXPECT_EQ(demander("/"), "avec");
+  EXPECT_EQ(demander("/suite"), "sans");
+}
+
 } // namespace
 } // namespace keltrove::socle
