@@ -136,10 +136,6 @@ class Banc(contextlib.ExitStack):
     def suspension(self):
         return os.path.join(self.fautes, "temps-suspendu")
 
-    def attendre_la_fenetre(self):
-        guetter(lambda: ecran.textes(self.application.processus.pid), quoi="la fenêtre")
-        guetter(lambda: self.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
-
     def pid_du_serveur(self):
         return self.serveur.pid if self.serveur else self.application.serveurs()[0]
 

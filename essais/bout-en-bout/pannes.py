@@ -11,6 +11,7 @@ import threading
 import time
 from collections.abc import Callable
 
+import ecran
 from application import commande, port_libre
 from banc_de_fautes import CADRE, CADRE_ECRIT, guetter
 from bus import Bus
@@ -113,7 +114,8 @@ def epuiser_les_descripteurs(banc):
     banc.limites = resource.prlimit(pid, resource.RLIMIT_NOFILE)
     # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs ; plus tard, ils sont déjà là.
     if banc.moment in ("attente", "reponse"):
-        banc.attendre_la_fenetre()
+        guetter(lambda: ecran.textes(pid), quoi="la fenêtre")
+        guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
     # Ce qui se rend dans la seconde ne faisait que passer : une sonde entière y tiendrait. Celle dont on retient la réponse
     # garde les siens, et une application qui se ferme ne sonde plus.
     pas = 0 if banc.moment in ("reponse", "fermeture") else 0.05

@@ -5,7 +5,16 @@
 namespace keltrove::app {
 namespace {
 
-class EssaiDelegue : public DelegueEnEssai {};
+class EssaiDelegue : public DelegueEnEssai {
+protected:
+  // Il meurt dès qu’un fichier se pose dans son dossier.
+  void montrerUnePageQuiPerdraSonServeur() {
+    poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
+    delegue.applicationDidFinishLaunching();
+    ASSERT_TRUE(attendreLEtape("allume"));
+    vue.observateur->quandNavigationFinie();
+  }
+};
 
 TEST_F(EssaiDelegue, LePremierEcranPrecedeLaFenetreEtLeDemarrage) {
   delegue.applicationDidFinishLaunching();
@@ -232,10 +241,7 @@ TEST_F(EssaiDelegue, LaMortPendantLeChargementResteLaRaisonMontree) {
 }
 
 TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
-  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
-  delegue.applicationDidFinishLaunching();
-  ASSERT_TRUE(attendreLEtape("allume"));
-  vue.observateur->quandNavigationFinie();
+  montrerUnePageQuiPerdraSonServeur();
   maison.ecrire("ressources/keltrove/fin", "");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
   // Un autre l’a rallumé, et la page s’est rechargée ; puis il disparaît à son tour.
@@ -248,10 +254,7 @@ TEST_F(EssaiDelegue, UnePageRevenueDElleMemeEstDeNouveauSurveillee) {
 }
 
 TEST_F(EssaiDelegue, UnePageRevenueDElleMemeApresUnNouvelEssaiRateSeMontre) {
-  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
-  delegue.applicationDidFinishLaunching();
-  ASSERT_TRUE(attendreLEtape("allume"));
-  vue.observateur->quandNavigationFinie();
+  montrerUnePageQuiPerdraSonServeur();
   maison.ecrire("ressources/keltrove/serveur.mjs", "process.exit(4);");
   ASSERT_TRUE(attendreLEtape("serveur-mort-en-route"));
   vue.observateur->quandOnRecharge();
@@ -263,10 +266,7 @@ TEST_F(EssaiDelegue, UnePageRevenueDElleMemeApresUnNouvelEssaiRateSeMontre) {
 }
 
 TEST_F(EssaiDelegue, UnePageRevenueDElleMemePendantUnNouvelEssaiNEstPasEncoreSurveillee) {
-  poserLeServeur("import fs from 'node:fs'; fs.watch('.', () => process.exit(3));");
-  delegue.applicationDidFinishLaunching();
-  ASSERT_TRUE(attendreLEtape("allume"));
-  vue.observateur->quandNavigationFinie();
+  montrerUnePageQuiPerdraSonServeur();
   boucle->avancer(5); // plus rien d’autre que le guet n’attend
   // Un étranger muet sur le port retient le nouvel essai.
   const essais::ServeurFactice muet([](const essais::Connexion& c) { c.attendreSonDepart(20); });
