@@ -86,9 +86,13 @@ test('après une mort brutale, ordre, groupes et dernières lignes reviennent', 
 test('une session où rien n’est tapé ne laisse ni invite ni marque de plus', async (t) => {
   const maison = await preparerMaison(t);
   writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '\n");
-  const ouvrir = async () => {
+  const ouvrir = async (reponse) => {
     const { serveur, page } = await lancerAvecUnePage(t, maison);
     const [{ id }] = page.terminaux;
+    if (reponse) {
+      await page.attendreLeTexte(id, /\x1b\[c$/);
+      page.envoyer({ type: 'reponse', id, texte: reponse });
+    }
     await page.attendreLeTexte(id, /\$ $/);
     return { serveur, page, id };
   };
@@ -102,6 +106,11 @@ test('une session où rien n’est tapé ne laisse ni invite ni marque de plus',
     await arreter((await ouvrir()).serveur);
     assert.deepEqual(maison.lireLeCarnet()[0].lignes, lignes);
   }
+  // Ce que la page répond d’office à un interpréteur qui l’interroge n’est pas tapé.
+  writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '; printf '\\033[c'; read -rs -d c\n");
+  await arreter((await ouvrir('\x1b[?62;22c')).serveur);
+  assert.deepEqual(maison.lireLeCarnet()[0].lignes, lignes);
+  writeFileSync(join(maison.maison, '.bashrc'), "PS1='$ '\n");
   // Tapé, ou dit sans que rien ne le soit : cela se garde.
   const { serveur, page, id } = await ouvrir();
   page.envoyer({ type: 'saisie', id, texte: 'x' });

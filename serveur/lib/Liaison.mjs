@@ -166,6 +166,7 @@ export class Liaison {
     },
     saisie: (terminal, message, page) => {
       this.#interlocutrice = page;
+      terminal.noterUneFrappe();
       this.#saisir(terminal, message, page);
     },
     reponse: (terminal, message, page) => {

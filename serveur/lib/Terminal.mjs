@@ -40,7 +40,7 @@ export class Terminal {
   #dossierLu = null;
   #dernieresLignes;
   #lignesPerimees = false;
-  #aSaisi = false;
+  #frappe = false;
   #aDire = '';
   #repit = null;
   #aParle = false;
@@ -103,14 +103,17 @@ export class Terminal {
     if (!relire || !this.#lignesPerimees) return this.#dernieresLignes;
     this.#lignesPerimees = false;
     const lues = await lireLesDernieresLignes(this.tampon.rejouer(SORTIE_RELUE), this);
-    const intactes = !lues || (!this.#aSaisi && nAjoutentQuUneInvite(lues, this.#dernieresLignes));
+    const intactes = !lues || (!this.#frappe && nAjoutentQuUneInvite(lues, this.#dernieresLignes));
     if (!intactes) this.#dernieresLignes = lues;
     return this.#dernieresLignes;
   }
 
+  noterUneFrappe() {
+    this.#frappe = true;
+  }
+
   // Faux quand le programme ne lit pas : rien de ce texte n’est alors gardé.
   saisir(texte, quandEcrit) {
-    this.#aSaisi = true;
     return this.#interpreteur?.saisir(texte, quandEcrit) ?? true;
   }
 
