@@ -9,8 +9,10 @@ import ecran
 import page_notee
 from application import VERT, attendre, couleur, fenetres, la_fenetre, regler_la_resolution
 from cas import Cas
+from compositeur import DANS_UNE_FENETRE, Compositeur
 from glissement import Source, souris
 from page_notee import attendre_la_note, notes
+from points import Image
 
 ACCROCHES = page_notee.code("""<script>
   addEventListener('dragover', (e) => noter(['vue-par-la-page', e.dataTransfer.types.join()]));
@@ -28,6 +30,7 @@ SANS_ACCROCHE = page_notee.code("""<script>
   addEventListener('error', (e) => noter(['erreur', e.message]));
   addEventListener('unhandledrejection', (e) => noter(['erreur', String(e.reason)])); noter('prete');</script>""")
 CENTRE = (680, 500)
+TEINTE_DE_LA_PAGE = (0x2B, 0x8A, 0x3E)
 
 
 class Noteur:
@@ -244,4 +247,25 @@ class Depot(Cas):
             souris("mousemove", CENTRE[0] + pas, CENTRE[1])
         self.assertFalse(source.admis())
         self.assertEqual(source.lacher(), "refuse")
+        application.quitter()
+
+    def test_sous_wayland_tout_ce_que_le_compositeur_admet_arrive(self):
+        variables = Compositeur(self, DANS_UNE_FENETRE).variables
+        application = self.application(code=ACCROCHES, variables=variables).lancer()
+        application.attendre("page-affichee")
+        attendre_la_note(application, ["marque", True, "fixe"])
+        attendre(lambda: Image().etendue(TEINTE_DE_LA_PAGE), quoi="la page à l’écran")
+        gauche, _, _, bas = Image().etendue(TEINTE_DE_LA_PAGE)
+        source = Source(self, "fichiers", "/tmp/a", variables=variables)
+
+        def jeter(pas):
+            source.prendre()
+            return source.jeter(gauche + 40, bas - 40, pas)
+
+        for rang in range(1, 11):
+            # Ce que l’application n’a pas eu le temps d’accepter, le compositeur le refuse lui-même : un peu moins vite alors.
+            self.assertIn("fini", map(jeter, range(200)))
+            attendre(lambda: len(self.vus(application, "depot")) == rang, quoi=f"le dépôt {rang}")
+            self.assertEqual(self.vus(application, "depot")[-1][1], ["/tmp/a"])
+            self.assertEqual(notes(application)[-1][0], "depot", "plus de survol après le dépôt")
         application.quitter()

@@ -27,15 +27,29 @@ def contenu(sorte, valeurs):
     return Gdk.ContentProvider.new_for_value(valeur)
 
 
+def dire(mot):
+    print(mot, flush=True)
+
+
 def ouvrir(application):
+    couleur = Gtk.CssProvider()
+    couleur.load_from_data(b"window > label { background: #d6336c; }")
+    Gtk.StyleContext.add_provider_for_display(Gdk.Display.get_default(), couleur, Gtk.STYLE_PROVIDER_PRIORITY_APPLICATION)
     etiquette = Gtk.Label(label="À tirer")
     source = Gtk.DragSource(actions=Gdk.DragAction.COPY)
     source.connect("prepare", lambda *_: contenu(sys.argv[1], sys.argv[2:]))
     source.connect("drag-begin", lambda _, glissement: glissement.connect(
-        "notify::selected-action", lambda *_: print("admis" if glissement.get_selected_action() else "non admis", flush=True)))
-    source.connect("drag-end", lambda *_: print("fini", flush=True))
-    source.connect("drag-cancel", lambda *_: print("refuse", flush=True))
+        "notify::selected-action", lambda *_: dire("admis" if glissement.get_selected_action() else "non admis")))
+    source.connect("drag-end", lambda *_: dire("fini"))
+    source.connect("drag-cancel", lambda *_: dire("refuse"))
     etiquette.add_controller(source)
+    souris = Gtk.EventControllerMotion()
+    souris.connect("enter", lambda *_: dire("sous la souris"))
+    etiquette.add_controller(souris)
+    # Un glissement qui se montre à nous, le système le connaît : la souris lâchée plus tôt, il ne finirait jamais.
+    retour = Gtk.DropControllerMotion()
+    retour.connect("enter", lambda *_: dire("pris"))
+    etiquette.add_controller(retour)
     fenetre = Gtk.ApplicationWindow(application=application, title="source", child=etiquette, default_width=160,
                                     default_height=90)
     fenetre.present()
