@@ -16,6 +16,10 @@ inline std::string regard(bool ici) {
 // Le collage qui suit est celui de la sélection, non du presse-papiers : rien d’autre ne les distingue.
 inline constexpr const char* voiciLaSelection = "dispatchEvent(new Event('collerlaselection'))";
 
+// Finit quand un glissement entre dans la page.
+inline constexpr const char* attendreUnGlissement =
+    "await new Promise((entre) => addEventListener('dragenter', entre, { capture: true, once: true }));";
+
 // Une vue web ne passe ni liste ni objet à une fonction : ceux-ci voyagent en un seul texte, `arguments`, que
 // la fonction de corps `fonction` reçoit sous le nom `keltroveArguments`.
 struct Appel {

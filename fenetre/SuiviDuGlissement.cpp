@@ -9,9 +9,7 @@ SuiviDuGlissement::SuiviDuGlissement(Effets effets)
 
 void SuiviDuGlissement::commencer() {
   interrompre();
-  if (lache_) effets_.conclure(false);
   contenu_ = Contenu::inconnu;
-  lache_ = false;
 }
 
 void SuiviDuGlissement::apprendre(Portes portes) {
@@ -20,7 +18,13 @@ void SuiviDuGlissement::apprendre(Portes portes) {
   glissement_.chemins = portes_.chemins;
   if (lache_) return remettre();
   if (dessus_) survoler();
-  if (dessus_ && contenu_ == Contenu::autre) effets_.rendreALaVueWeb();
+}
+
+void SuiviDuGlissement::quandLaPageRepond(bool vu) {
+  if (!rendu_) return;
+  if (!vu) return interrompre();
+  vu_ = true;
+  if (lache_) remettre();
 }
 
 void SuiviDuGlissement::entrer(const Point& point, const MesuresDeLaVue& vue) {
@@ -35,22 +39,30 @@ void SuiviDuGlissement::bouger(const Point& point, const MesuresDeLaVue& vue) {
 }
 
 void SuiviDuGlissement::sortir() {
-  dessus_ = false;
   depot_.draggingExited();
+  if (lache_) return;
+  dessus_ = false;
+  quitterLaVueWeb();
 }
 
 void SuiviDuGlissement::interrompre() {
   dessus_ = false;
   depot_.draggingEnded();
+  quitterLaVueWeb();
+  if (std::exchange(lache_, false)) effets_.conclure(false);
 }
 
 void SuiviDuGlissement::couvrir(bool couverte) {
   couverte_ = couverte;
-  if (couverte) depot_.draggingEnded();
+  if (!couverte) return;
+  depot_.draggingEnded();
+  quitterLaVueWeb();
+  if (lache_ && contenu_ == Contenu::autre) interrompre();
 }
 
 void SuiviDuGlissement::deposer(const Point& point, const MesuresDeLaVue& vue) {
   aller(point, vue);
+  dessus_ = true; // un départ a pu précéder le dépôt
   lache_ = true;
   if (contenu_ != Contenu::inconnu) remettre();
 }
@@ -61,25 +73,42 @@ void SuiviDuGlissement::aller(const Point& point, const MesuresDeLaVue& vue) {
 }
 
 void SuiviDuGlissement::survoler() {
-  if (contenu_ != Contenu::fichiers || couverte_) return;
+  if (contenu_ == Contenu::inconnu || couverte_) return;
+  if (contenu_ == Contenu::autre) {
+    if (!std::exchange(rendu_, true)) effets_.rendreALaVueWeb();
+    return;
+  }
   if (depot_.glisserDeFichiers())
     depot_.draggingUpdated(glissement_);
   else
     depot_.draggingEntered(glissement_);
 }
 
+void SuiviDuGlissement::quitterLaVueWeb() {
+  vu_ = false;
+  if (std::exchange(rendu_, false)) effets_.quitterLaVueWeb();
+}
+
 void SuiviDuGlissement::remettre() {
+  if (contenu_ == Contenu::autre) return remettreALaVueWeb();
   lache_ = false;
   dessus_ = false;
   effets_.conclure(!couverte_ && remettreALaPage());
 }
 
+void SuiviDuGlissement::remettreALaVueWeb() {
+  if (couverte_) return interrompre();
+  survoler();
+  if (!vu_) return;
+  lache_ = false;
+  dessus_ = false;
+  rendu_ = false;
+  vu_ = false;
+  effets_.deposerDansLaVueWeb();
+}
+
 bool SuiviDuGlissement::remettreALaPage() {
-  if (contenu_ == Contenu::autre) {
-    if (!portes_.adresses.empty()) depot_.deposerDesAdresses(portes_.adresses, glissement_);
-    return !portes_.adresses.empty();
-  }
-  survoler(); // un départ a pu précéder le dépôt
+  survoler();
   const bool pret = depot_.prepareForDragOperation() == VueWebDepot::Reponse::copie;
   const bool remis = pret && depot_.performDragOperation(glissement_).value_or(false);
   depot_.concludeDragOperation();

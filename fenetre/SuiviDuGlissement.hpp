@@ -3,7 +3,8 @@
 //
 // Le bureau rapporte dans l’ordre où tout lui vient ; un départ peut suivre le dépôt, ou manquer. Un survol
 // commencé dans la page y finit toujours, et un dépôt est toujours conclu : une source qui attend sans fin
-// figerait le programme d’où il vient. Fil principal seulement.
+// figerait le programme d’où il vient. Ce qui ne porte pas de fichiers est rendu à la vue web ; lâché avant
+// qu’elle ne l’ait lu, il s’y perdrait : le dépôt attend que la page l’ait vu. Fil principal seulement.
 #pragma once
 
 #include "fenetre/VueWebDepot.hpp"
@@ -20,14 +21,17 @@ struct Portes {
   std::vector<std::string> chemins; // comme dans Glissement
   // Les fichiers d’ici dont le nom n’est pas en UTF-8 : la page n’en peut rien faire.
   std::size_t illisibles = 0;
-  std::string adresses; // chacune sur sa ligne, sans fin de ligne après la dernière
 };
 
 class SuiviDuGlissement {
 public:
   struct Effets {
     VueWebDepot::AppelDeLaPage appelerLaPage;
-    std::function<void()> rendreALaVueWeb;                 // il ne porte pas de fichiers, et la survole déjà
+    // Ce qu’elle en aurait reçu s’il était à elle depuis le début : il entre, il part, il est lâché. Une
+    // entrée est suivie d’un quandLaPageRepond() ; lâché, c’est à elle de conclure.
+    std::function<void()> rendreALaVueWeb;
+    std::function<void()> quitterLaVueWeb;
+    std::function<void()> deposerDansLaVueWeb;
     std::function<void(bool remis)> conclure;              // le dépôt, une fois ; remis : la page l’a reçu
     std::function<void(std::size_t)> ecarterDesIllisibles; // en dire le nombre à l’utilisateur
   };
@@ -37,8 +41,8 @@ public:
   void commencer();
   // Ce qu’il porte, une fois par glissement ; rien du tout en fait celui de la vue web.
   void apprendre(Portes portes);
-  // Faux dès qu’il est à la vue web.
-  bool estANous() const { return contenu_ != Contenu::autre; }
+  // Il est rendu à la vue web, et la page l’a vu entrer ou ne le verra jamais.
+  void quandLaPageRepond(bool vu);
 
   // Ce que le bureau en voit, dans l’ordre où cela lui vient. Un mouvement avant que l’on sache ce qu’il
   // porte n’est que retenu ; un dépôt alors attend, et se conclut à apprendre().
@@ -46,19 +50,24 @@ public:
   void bouger(const Point& point, const MesuresDeLaVue& vue);
   void sortir();
   void deposer(const Point& point, const MesuresDeLaVue& vue);
-  // Il est mort sans le dire : sa source n’est plus là.
+  // Il est mort sans le dire, ou ce qu’il attend ne viendra plus.
   void interrompre();
   // L’écran d’attente couvre la page, qui ne reçoit plus rien.
   void couvrir(bool couverte);
 
-  // Il est au-dessus de la vue, quoi qu’il porte.
+  // Il est au-dessus de la vue, quoi qu’il porte ; ou lâché, tant que son dépôt n’est pas conclu.
   bool survole() const { return dessus_; }
+  bool estALaVueWeb() const { return rendu_; }
+  // Ce que la vue web répond est ce que la page en veut.
+  bool laPageLeVoit() const { return vu_; }
 
 private:
   enum class Contenu { inconnu, fichiers, autre };
   void aller(const Point& point, const MesuresDeLaVue& vue);
   void survoler();
+  void quitterLaVueWeb();
   void remettre();
+  void remettreALaVueWeb();
   bool remettreALaPage();
 
   const Effets effets_;
@@ -67,7 +76,9 @@ private:
   Glissement glissement_;
   Portes portes_;
   bool dessus_ = false;
-  bool lache_ = false; // et l’on attend de savoir quoi
+  bool rendu_ = false;
+  bool vu_ = false;
+  bool lache_ = false; // et l’on attend de savoir quoi, ou que la page l’ait vu
   bool couverte_ = false;
 };
 

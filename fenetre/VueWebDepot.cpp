@@ -15,11 +15,6 @@ constexpr const char* finDuSurvol =
     "if (window.keltroveSurvolChemins) window.keltroveSurvolChemins(null, null);";
 constexpr const char* depot =
     "if (window.keltroveDeposerChemins) window.keltroveDeposerChemins(chemins, x, y);";
-// Ce que la vue web aurait dit à la page, si le dépôt avait attendu.
-constexpr const char* depotDAdresses =
-    "const porte = new DataTransfer(); porte.setData('text/uri-list', adresses); "
-    "(document.elementFromPoint(x, y) ?? document.documentElement).dispatchEvent(new DragEvent('drop', "
-    "{ dataTransfer: porte, clientX: x, clientY: y, bubbles: true, cancelable: true }));";
 
 } // namespace
 
@@ -61,11 +56,6 @@ std::optional<bool> VueWebDepot::performDragOperation(const Glissement& glisseme
   const auto [x, y] = pointDansLaPage(glissement.point, glissement.vue);
   appelerLaPage_(depot, {{"chemins", glissement.chemins}, {"x", x}, {"y", y}});
   return !glissement.chemins.empty();
-}
-
-void VueWebDepot::deposerDesAdresses(const std::string& adresses, const Glissement& glissement) {
-  const auto [x, y] = pointDansLaPage(glissement.point, glissement.vue);
-  appelerLaPage_(depotDAdresses, {{"adresses", adresses}, {"x", x}, {"y", y}});
 }
 
 VueWebDepot::Reponse VueWebDepot::concludeDragOperation() {

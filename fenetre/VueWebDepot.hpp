@@ -71,8 +71,6 @@ public:
   std::optional<bool> performDragOperation(const Glissement& glissement);
   // Remis ou non, il n’y a plus de glissement.
   Reponse concludeDragOperation();
-  // Un dépôt d’adresses que la vue web ne verra pas : la page le reçoit comme elle l’aurait reçu d’elle.
-  void deposerDesAdresses(const std::string& adresses, const Glissement& glissement);
 
   // Des fichiers survolent la page, et elle le sait.
   bool glisserDeFichiers() const { return glisserDeFichiers_; }

@@ -12,7 +12,12 @@ namespace keltrove::bureau {
 
 namespace {
 
-constexpr unsigned int entreDeuxRegards = 300; // millisecondes
+// Millisecondes.
+constexpr unsigned int entreDeuxRegards = 300;
+constexpr unsigned int suiteDuDepot = 5000;
+
+// De places dites par la source avant de la lire.
+constexpr int avantDeLire = 2;
 
 } // namespace
 
@@ -21,6 +26,8 @@ DepotGtk::DepotGtk(VueWeb& vueWeb, std::function<void(std::size_t)> ecarterDesIl
       suivi_({.appelerLaPage = [this](const char* corps,
                                       const nlohmann::json& arguments) { vueWeb_.appeler(corps, arguments); },
               .rendreALaVueWeb = [this] { rendreAWebKit(); },
+              .quitterLaVueWeb = [this] { quitterWebKit(); },
+              .deposerDansLaVueWeb = [this] { deposerDansWebKit(); },
               .conclure = [this](bool remis) { conclure(remis); },
               .ecarterDesIllisibles = std::move(ecarterDesIllisibles)}) {
   garderCelleDeWebKit();
@@ -49,7 +56,7 @@ void DepotGtk::garderCelleDeWebKit() {
   notreAccord_ =
       g_signal_connect(celleDeWebKit_, "accept",
                        G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
-                         return !pourraitPorterDesFichiers(glissement) && moi->accepterPourWebKit(glissement);
+                         return !moi->estANous(glissement) && moi->accepterPourWebKit(glissement);
                        }),
                        this);
 }
@@ -65,7 +72,9 @@ bool DepotGtk::accepterPourWebKit(GdkDrop* glissement) {
 }
 
 void DepotGtk::poserLaNotre() {
-  auto* cible = gtk_drop_target_async_new(nullptr, GDK_ACTION_COPY);
+  // Des fichiers ne se copient que ; le reste, comme la page le demande.
+  auto* cible = gtk_drop_target_async_new(
+      nullptr, static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_MOVE | GDK_ACTION_LINK));
   gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(cible), GTK_PHASE_CAPTURE);
   g_signal_connect(cible, "accept",
                    G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
@@ -94,36 +103,66 @@ void DepotGtk::poserLaNotre() {
   gtk_widget_add_controller(vue_, GTK_EVENT_CONTROLLER(cible));
 }
 
+// Ce que WebKit ne sait pas lire ne nous dit rien non plus.
+bool DepotGtk::estANous(GdkDrop* glissement) const {
+  return celleDeWebKit_ != nullptr && gdk_drop_get_drag(glissement) == nullptr &&
+         gdk_content_formats_match(gtk_drop_target_async_get_formats(celleDeWebKit_),
+                                   gdk_drop_get_formats(glissement));
+}
+
 bool DepotGtk::accepter(GdkDrop* glissement) {
-  if (!pourraitPorterDesFichiers(glissement)) return false;
-  if (glissement != courant_) examiner(glissement);
+  if (!estANous(glissement)) return false;
+  if (glissement == courant_) return true;
+  suivi_.commencer();
+  g_set_object(&courant_, glissement);
+  places_ = 0;
+  lu_ = false;
   return true;
 }
 
-void DepotGtk::examiner(GdkDrop* glissement) {
-  suivi_.commencer();
-  g_set_object(&courant_, glissement);
-  deWebKit_ = {};
-  lireCeQuIlPorte(glissement, temoin_.garder([this, glissement](fenetre::Portes portes) {
+// Une source que l’on lâche au moment où elle entre ne répond plus, et sous X la lecture restée sans réponse
+// prendrait celle du glissement suivant, qui n’arriverait jamais. On ne lit donc que celle qui a redit sa
+// place, ce qu’elle ne fait que sachant que l’on veut d’elle, ou qui a été lâchée chez nous.
+void DepotGtk::lire() {
+  lu_ = true;
+  lireCeQuIlPorte(courant_, temoin_.garder([this, glissement = courant_](fenetre::Portes portes) {
     if (glissement == courant_) suivi_.apprendre(std::move(portes));
   }));
 }
 
-// GTK ne change pas de cible en plein glissement : WebKit reçoit de nous ce qu’il aurait reçu de lui.
+// GTK ne change pas de cible en plein glissement : WebKit reçoit de nous ce qu’il aurait reçu de lui. Il
+// répond d’abord ce que la page voulait du glissement d’avant, et lâcherait celui-ci dans le vide s’il ne l’a
+// pas encore lu : seule la page dit quand elle l’a vu.
 void DepotGtk::rendreAWebKit() {
-  if (accepterPourWebKit(courant_)) direAWebKit("drag-enter");
+  vueWeb_.quandUnGlissementEntre(temoin_.garder([this, remise = ++remise_](bool vu) {
+    if (remise == remise_) suivi_.quandLaPageRepond(vu);
+  }));
+  accepterPourWebKit(courant_);
+  direAWebKit("drag-enter");
 }
 
 GdkDragAction DepotGtk::direAWebKit(const char* signal) {
-  if (celleDeWebKit_ != nullptr) g_signal_emit_by_name(celleDeWebKit_, signal, courant_, x_, y_, &deWebKit_);
-  return deWebKit_ != GdkDragAction{} ? deWebKit_ : GDK_ACTION_COPY;
+  GdkDragAction reponse{};
+  g_signal_emit_by_name(celleDeWebKit_, signal, courant_, x_, y_, &reponse);
+  return suivi_.laPageLeVoit() ? reponse : GDK_ACTION_COPY;
+}
+
+void DepotGtk::quitterWebKit() {
+  g_signal_emit_by_name(celleDeWebKit_, "drag-leave", courant_);
+}
+
+// La page n’a peut-être vu qu’une entrée, et ailleurs : elle n’accepte que ce qui la survole.
+void DepotGtk::deposerDansWebKit() {
+  direAWebKit("drag-motion");
+  gboolean pris = FALSE;
+  g_signal_emit_by_name(celleDeWebKit_, "drop", courant_, x_, y_, &pris);
+  if (!pris) conclure(false);
 }
 
 GdkDragAction DepotGtk::entrer(double x, double y) {
   x_ = x;
   y_ = y;
   suivi_.entrer({.x = x, .y = y}, mesures());
-  if (estAWebKit()) rendreAWebKit();
   guetterLaSource();
   return GDK_ACTION_COPY;
 }
@@ -143,27 +182,31 @@ GdkDragAction DepotGtk::bouger(double x, double y) {
   x_ = x;
   y_ = y;
   suivi_.bouger({.x = x, .y = y}, mesures());
-  return estAWebKit() ? direAWebKit("drag-motion") : GDK_ACTION_COPY;
+  if (!lu_ && ++places_ == avantDeLire) lire();
+  return suivi_.estALaVueWeb() ? direAWebKit("drag-motion") : GDK_ACTION_COPY;
 }
 
 void DepotGtk::sortir() {
   suivi_.sortir();
-  if (estAWebKit()) quitterWebKit();
 }
 
-void DepotGtk::quitterWebKit() {
-  if (celleDeWebKit_ != nullptr) g_signal_emit_by_name(celleDeWebKit_, "drag-leave", courant_);
-}
-
-// Lâché avant que WebKit ne l’ait lu, il s’y perdrait.
 void DepotGtk::deposer(double x, double y) {
-  if (estAWebKit() && deWebKit_ != GdkDragAction{}) {
-    gboolean pris = FALSE;
-    g_signal_emit_by_name(celleDeWebKit_, "drop", courant_, x, y, &pris);
-    return;
-  }
-  if (estAWebKit()) quitterWebKit();
+  x_ = x;
+  y_ = y;
   suivi_.deposer({.x = x, .y = y}, mesures());
+  if (!lu_) lire();
+  if (suivi_.survole()) attendreLaSuite();
+}
+
+// Ni une source ni une page qui se taisent ne laissent l’autre programme attendre.
+void DepotGtk::attendreLaSuite() {
+  guet_.disconnect();
+  guet_ = Glib::signal_timeout().connect(
+      [this] {
+        suivi_.interrompre();
+        return false;
+      },
+      suiteDuDepot);
 }
 
 void DepotGtk::conclure(bool remis) {

@@ -1,9 +1,10 @@
 // DepotGtk : les glissements au-dessus de la page, rapportés au comportement.
 //
-// Une cible à nous, posée sur la vue, prend tout ce qui pourrait être des fichiers ; celle de WebKit garde le
-// reste. Ce qu’un glissement porte ne se sait qu’après l’avoir lu : s’il n’en est pas, notre cible répète à
-// WebKit tout ce qu’elle reçoit. La règle est dans fenetre::SuiviDuGlissement ; ici, seulement ce que GTK en
-// dit et attend en retour. Fil principal seulement.
+// Une cible à nous, posée sur la vue, prend tout ce qui vient d’un autre programme ; celle de WebKit garde ce
+// qui est né dans la page, dont les liens et les images se disent aussi listes d’adresses. Ce qu’un
+// glissement porte ne se sait qu’après l’avoir lu : si ce ne sont pas des fichiers, notre cible répète à
+// WebKit ce qu’elle reçoit. La règle est dans fenetre::SuiviDuGlissement ; ici, seulement ce que GTK en dit
+// et attend en retour. Fil principal seulement.
 #pragma once
 
 #include "bureau/gtk/VueWeb.hpp"
@@ -34,18 +35,20 @@ private:
   void garderCelleDeWebKit();
   void poserLaNotre();
 
+  bool estANous(GdkDrop* glissement) const;
   bool accepter(GdkDrop* glissement);
   bool accepterPourWebKit(GdkDrop* glissement);
-  void examiner(GdkDrop* glissement);
+  void lire();
   void rendreAWebKit();
-  bool estAWebKit() const { return !suivi_.estANous(); }
   GdkDragAction direAWebKit(const char* signal);
   void quitterWebKit();
+  void deposerDansWebKit();
   void guetterLaSource();
   GdkDragAction entrer(double x, double y);
   GdkDragAction bouger(double x, double y);
   void sortir();
   void deposer(double x, double y);
+  void attendreLaSuite();
   void conclure(bool remis);
   fenetre::MesuresDeLaVue mesures() const;
 
@@ -57,7 +60,9 @@ private:
   gulong notreAccord_ = 0;
 
   GdkDrop* courant_ = nullptr; // tenu
-  GdkDragAction deWebKit_{};   // ce qu’il en ferait : rien tant qu’il ne l’a pas lu à son tour
+  int places_ = 0;             // qu’il a dites
+  bool lu_ = false;            // ou en train de l’être
+  std::size_t remise_ = 0;     // combien de fois un glissement a été rendu à WebKit
   double x_ = 0;
   double y_ = 0;
   sigc::connection guet_;

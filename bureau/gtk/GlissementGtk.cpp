@@ -30,8 +30,6 @@ fenetre::Portes portesPar(const std::string& liste) {
     char* hote = nullptr;
     const PourGLib<char> chemin(g_filename_from_uri(*adresse, &hote, nullptr), &g_free);
     const PourGLib<char> nomDeLHote(hote, &g_free);
-    if (g_utf8_validate(*adresse, -1, nullptr))
-      portes.adresses += (portes.adresses.empty() ? "" : "\n") + std::string(*adresse);
     if (!chemin || !estCetteMachine(hote)) continue;
     if (g_utf8_validate(chemin.get(), -1, nullptr))
       portes.chemins.emplace_back(chemin.get());
@@ -75,12 +73,9 @@ private:
 
 } // namespace
 
-bool pourraitPorterDesFichiers(GdkDrop* glissement) {
-  return gdk_drop_get_drag(glissement) == nullptr &&
-         gdk_content_formats_contain_mime_type(gdk_drop_get_formats(glissement), listeDAdresses);
-}
-
 void lireCeQuIlPorte(GdkDrop* glissement, std::function<void(fenetre::Portes)> fini) {
+  if (!gdk_content_formats_contain_mime_type(gdk_drop_get_formats(glissement), listeDAdresses))
+    return fini({});
   using Suite = std::function<void(fenetre::Portes)>;
   const char* formats[] = {listeDAdresses, nullptr};
   gdk_drop_read_async(

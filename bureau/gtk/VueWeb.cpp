@@ -223,13 +223,26 @@ void VueWeb::appeler(const char* corps, const nlohmann::json& arguments) {
   executer(appel.fonction, appel.arguments.c_str());
 }
 
-void VueWeb::executer(const std::string& fonction, const char* arguments) {
+void VueWeb::quandUnGlissementEntre(std::function<void(bool)> fini) {
+  executer(fenetre::PourLaPage::attendreUnGlissement, "{}", std::move(fini));
+}
+
+void VueWeb::executer(const std::string& fonction, const char* arguments,
+                      std::function<void(bool abouti)> fini) {
+  using Suite = std::function<void(bool)>;
   GVariantDict valeurs;
   g_variant_dict_init(&valeurs, nullptr);
   g_variant_dict_insert(&valeurs, "keltroveArguments", "s", arguments);
-  webkit_web_view_call_async_javascript_function(vue_, fonction.data(), static_cast<gssize>(fonction.size()),
-                                                 g_variant_dict_end(&valeurs), nullptr, nullptr, nullptr,
-                                                 nullptr, nullptr);
+  webkit_web_view_call_async_javascript_function(
+      vue_, fonction.data(), static_cast<gssize>(fonction.size()), g_variant_dict_end(&valeurs), nullptr,
+      nullptr, nullptr,
+      [](GObject* vue, GAsyncResult* resultat, gpointer donnees) {
+        const std::unique_ptr<Suite> suite(static_cast<Suite*>(donnees));
+        const Objet<JSCValue> valeur(
+            webkit_web_view_call_async_javascript_function_finish(WEBKIT_WEB_VIEW(vue), resultat, nullptr));
+        if (*suite) (*suite)(valeur != nullptr);
+      },
+      new Suite(std::move(fini)));
 }
 
 void VueWeb::editer(const char* commande) {

@@ -38,6 +38,8 @@ public:
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini);
   // Exécute le corps d’une fonction dont les arguments sont nommés ; résultat et erreurs sont ignorés.
   void appeler(const char* corps, const nlohmann::json& arguments);
+  // Vrai quand un glissement dont WebKit parle à la page y est entré ; faux si elle s’en va avant.
+  void quandUnGlissementEntre(std::function<void(bool)> fini);
   // Ce que l’on voit tant que la page n’a rien peint.
   void peindreLeFond(const fenetre::Apparence::Couleur& couleur);
 
@@ -51,7 +53,8 @@ public:
 private:
   template <const char* const& canal>
   void ouvrirLeCanal();
-  void executer(const std::string& fonction, const char* arguments);
+  void executer(const std::string& fonction, const char* arguments,
+                std::function<void(bool abouti)> fini = nullptr);
   void garderLaPage();
   void collerAuClavier();
   bool permettre(WebKitPermissionRequest* demande);

@@ -36,6 +36,27 @@ class Glissement(Terminal):
         self.assertEqual(application.etapes().count("page-affichee"), 1)
         application.quitter()
 
+    def test_laches_d_un_trait_ils_arrivent(self):
+        application = self.ouvrir()
+        taper("stty -icanon; cat > recu\n")
+        self.attendre_le_fichier(application, "recu")
+        recu = ""
+        for sorte, texte in (("texte", "tiré "), ("fichiers", "/tmp/a"), ("adresses", "http://exemple.test/"),
+                             ("texte", " encore ")):
+            source = Source(self, sorte, texte)
+
+            def jeter(pas, source=source):
+                source.prendre()
+                return source.jeter(*GAUCHE, pas)
+
+            for _ in range(5):
+                # Lâchée avant que l’on n’ait dit en vouloir, la source garde tout : un peu moins vite alors.
+                self.assertIn("fini", map(jeter, range(200)))
+                recu += texte + " " * (sorte == "fichiers")
+                self.contenu(application, "recu", recu)
+            source.fermer()
+        application.quitter()
+
     def test_plusieurs_lignes_ne_partent_pas_seules(self):
         application = self.ouvrir()
         taper("cat > recu\n")

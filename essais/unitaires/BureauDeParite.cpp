@@ -60,6 +60,8 @@ BureauDeParite::BureauDeParite(const ScenarioDeParite& scenario)
     : glissement_({.appelerLaPage = [this](const char* corps,
                                            const nlohmann::json& a) { page_.push_back(entendu(corps, a)); },
                    .rendreALaVueWeb = [this] { page_.push_back("texte(\"" + texteGlisse_ + "\")"); },
+                   .quitterLaVueWeb = [] {},
+                   .deposerDansLaVueWeb = [] {},
                    .conclure = [](bool) {},
                    .ecarterDesIllisibles = [](std::size_t) {}}) {
   const auto mode = scenario.auDepart("mode");
@@ -218,7 +220,7 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
       {"cliquer la notification", [](Bureau& b, Texte numero) { b.cliquer(numero); }},
       {"glisser des fichiers",
        [](Bureau& b, Texte chemins) {
-         b.entrer({.chemins = mots(chemins), .adresses = {}});
+         b.entrer({.chemins = mots(chemins)});
          b.glissement_.deposer({.x = 2, .y = 2}, {});
        }},
       {"glisser un texte",
@@ -228,7 +230,7 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
        }},
       {"survoler avec un fichier",
        [](Bureau& b, Texte chemin) {
-         b.entrer({.chemins = {chemin}, .adresses = {}});
+         b.entrer({.chemins = {chemin}});
          b.glissement_.sortir();
        }},
       {"le serveur meurt", [](Bureau& b, Texte) { b.tuerLeServeur(); }},

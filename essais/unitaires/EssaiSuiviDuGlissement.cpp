@@ -10,10 +10,8 @@ using Textes = std::vector<std::string>;
 
 class EssaiSuivi : public testing::Test {
 protected:
-  static Portes fichiers() {
-    return {.chemins = {"/a", "/b"}, .illisibles = 0, .adresses = "file:///a\nfile:///b"};
-  }
-  static Portes lien() { return {.chemins = {}, .illisibles = 0, .adresses = "http://a.test/"}; }
+  static Portes fichiers() { return {.chemins = {"/a", "/b"}, .illisibles = 0}; }
+  static Portes lien() { return {}; }
 
   void entrer() { suivi.entrer({10, 20}, {}); }
   void deposer() { suivi.deposer({10, 20}, {}); }
@@ -31,11 +29,12 @@ protected:
                                                         : "dépôt " + arguments.dump());
            },
        .rendreALaVueWeb = [this] { notes.emplace_back("rendu"); },
+       .quitterLaVueWeb = [this] { notes.emplace_back("quitté"); },
+       .deposerDansLaVueWeb = [this] { notes.emplace_back("lâché"); },
        .conclure = [this](bool remis) { notes.emplace_back(remis ? "remis" : "refusé"); },
        .ecarterDesIllisibles =
            [this](std::size_t combien) { notes.push_back(std::to_string(combien) + " illisible"); }}};
   const std::string depose = R"(dépôt {"chemins":["/a","/b"],"x":10.0,"y":20.0})";
-  const std::string lienDepose = R"(dépôt {"adresses":"http://a.test/","x":10.0,"y":20.0})";
 };
 
 TEST_F(EssaiSuivi, DesFichiersSeSurvolentPuisSeDeposent) {
@@ -45,7 +44,7 @@ TEST_F(EssaiSuivi, DesFichiersSeSurvolentPuisSeDeposent) {
   suivi.apprendre(fichiers());
   suivi.bouger({11, 20}, {});
   EXPECT_EQ(lues(), (Textes{"survol", "survol"}));
-  EXPECT_TRUE(suivi.estANous());
+  EXPECT_FALSE(suivi.estALaVueWeb());
   deposer();
   EXPECT_EQ(lues(), (Textes{"survol", depose, "remis"}));
   EXPECT_FALSE(suivi.survole());
@@ -87,32 +86,88 @@ TEST_F(EssaiSuivi, UnDepartJusteAvantLeDepotNeLePerdPas) {
   EXPECT_EQ(lues(), (Textes{"survol", "fin du survol", "survol", depose, "remis"}));
 }
 
-TEST_F(EssaiSuivi, UnLienEstRenduALaVueWeb) {
+TEST_F(EssaiSuivi, UnLienEstRenduALaVueWebQuiLeQuitteEtLeReprend) {
   suivi.commencer();
   entrer();
   suivi.apprendre(lien());
-  EXPECT_FALSE(suivi.estANous());
+  suivi.bouger({11, 20}, {});
   EXPECT_EQ(lues(), Textes{"rendu"});
+  EXPECT_TRUE(suivi.estALaVueWeb());
+  EXPECT_FALSE(suivi.laPageLeVoit());
+  suivi.quandLaPageRepond(true);
+  EXPECT_TRUE(suivi.laPageLeVoit());
   suivi.sortir();
+  EXPECT_EQ(lues(), Textes{"quitté"});
+  EXPECT_FALSE(suivi.estALaVueWeb());
+  EXPECT_FALSE(suivi.laPageLeVoit());
+  suivi.quandLaPageRepond(true);
+  EXPECT_FALSE(suivi.laPageLeVoit()) << "elle parlait d’avant";
+  entrer();
+  EXPECT_EQ(lues(), Textes{"rendu"});
+  suivi.quandLaPageRepond(true);
+  deposer();
+  EXPECT_EQ(lues(), Textes{"lâché"});
+  EXPECT_FALSE(suivi.survole());
+  suivi.sortir(); // GTK ne le dit qu’ensuite
+  suivi.commencer();
   EXPECT_EQ(lues(), Textes{});
 }
 
-TEST_F(EssaiSuivi, UnLienLacheAvantDAvoirEteRenduArriveQuandMeme) {
+TEST_F(EssaiSuivi, UnLienLacheAttendQueLaPageLAitVu) {
+  for (const bool luAvant : {false, true}) {
+    for (const bool depart : {false, true}) {
+      suivi.commencer();
+      entrer();
+      if (luAvant) suivi.apprendre(lien());
+      deposer();
+      if (depart) suivi.sortir();
+      if (!luAvant) suivi.apprendre(lien());
+      EXPECT_EQ(lues(), Textes{"rendu"}) << luAvant << depart;
+      EXPECT_TRUE(suivi.survole());
+      suivi.quandLaPageRepond(true);
+      EXPECT_EQ(lues(), Textes{"lâché"}) << luAvant << depart;
+      EXPECT_FALSE(suivi.survole());
+      EXPECT_FALSE(suivi.estALaVueWeb());
+    }
+  }
+}
+
+TEST_F(EssaiSuivi, UnLienLacheQueLaPageNeVerraPasEstRefuse) {
+  const auto lacher = [this] {
+    suivi.commencer();
+    entrer();
+    suivi.apprendre(lien());
+    deposer();
+    EXPECT_EQ(lues(), Textes{"rendu"});
+  };
+  lacher();
+  suivi.quandLaPageRepond(false);
+  EXPECT_EQ(lues(), (Textes{"quitté", "refusé"})) << "elle s’en est allée";
+  lacher();
+  suivi.interrompre();
+  EXPECT_EQ(lues(), (Textes{"quitté", "refusé"})) << "elle se tait";
+  lacher();
+  suivi.couvrir(true);
+  EXPECT_EQ(lues(), (Textes{"quitté", "refusé"})) << "elle n’est plus à l’écran";
+  deposer();
+  EXPECT_EQ(lues(), Textes{"refusé"});
+  suivi.couvrir(false);
+  lacher();
+  suivi.commencer();
+  EXPECT_EQ(lues(), (Textes{"quitté", "refusé"})) << "un autre vient";
+  EXPECT_FALSE(suivi.survole());
+}
+
+TEST_F(EssaiSuivi, CouverteLaPagePerdLeLienPuisLeReprend) {
   suivi.commencer();
   entrer();
-  deposer();
   suivi.apprendre(lien());
-  EXPECT_EQ(lues(), (Textes{lienDepose, "remis"})) << "lâché avant d’être lu";
-  suivi.commencer();
-  entrer();
-  suivi.apprendre(lien());
-  deposer();
-  EXPECT_EQ(lues(), (Textes{"rendu", lienDepose, "remis"})) << "lâché avant que la vue web ne le prenne";
-  suivi.commencer();
-  entrer();
-  deposer();
-  suivi.apprendre({});
-  EXPECT_EQ(lues(), Textes{"refusé"}) << "rien qui se lise";
+  suivi.couvrir(true);
+  suivi.bouger({11, 20}, {});
+  EXPECT_EQ(lues(), (Textes{"rendu", "quitté"}));
+  suivi.couvrir(false);
+  suivi.bouger({12, 20}, {});
+  EXPECT_EQ(lues(), Textes{"rendu"});
 }
 
 TEST_F(EssaiSuivi, UnNomIllisibleNEmpecheQueLuiEtSeDit) {
@@ -125,8 +180,8 @@ TEST_F(EssaiSuivi, UnNomIllisibleNEmpecheQueLuiEtSeDit) {
   EXPECT_EQ(lues(), (Textes{"survol", "survol", depose, "1 illisible", "remis"}));
   suivi.commencer();
   entrer();
-  suivi.apprendre({.chemins = {}, .illisibles = 2, .adresses = "file:///%FF"});
-  EXPECT_TRUE(suivi.estANous()) << "un fichier reste un fichier";
+  suivi.apprendre({.chemins = {}, .illisibles = 2});
+  EXPECT_FALSE(suivi.estALaVueWeb()) << "un fichier reste un fichier";
   deposer();
   EXPECT_EQ(lues(), (Textes{"2 illisible", "refusé"}));
 }
