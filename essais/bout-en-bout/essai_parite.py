@@ -170,7 +170,9 @@ class BureauLinux:
     def emporter(self, chemin):
         source = Source(self.cas, "fichiers", chemin)
         source.prendre()
-        source.mener(*CENTRE, source.admis, "le glissement admis par la page")
+        # Admis avant d’être lu : il ne survole la page que si elle l’apprend avant qu’il ne parte.
+        nombre = len(self.notes())
+        source.mener(*CENTRE, lambda: len(self.notes()) > nombre, "le survol de la page")
         source.mener(*DEHORS, lambda: not source.admis(), "le glissement ailleurs")
         source.lacher()
         source.fermer()
