@@ -22,7 +22,7 @@ void SuiviDuGlissement::apprendre(Portes portes) {
 
 void SuiviDuGlissement::quandLaPageRepond(bool vu) {
   if (!rendu_) return;
-  if (!vu) return interrompre();
+  if (!vu) return lache_ ? interrompre() : quitterLaVueWeb();
   vu_ = true;
   if (lache_) remettre();
 }

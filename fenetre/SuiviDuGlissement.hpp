@@ -41,11 +41,13 @@ public:
   void commencer();
   // Ce qu’il porte, une fois par glissement ; rien du tout en fait celui de la vue web.
   void apprendre(Portes portes);
-  // Il est rendu à la vue web, et la page l’a vu entrer ou ne le verra jamais.
+  // La page a vu entrer ce qui vient d’être rendu à la vue web, ou ne le verra jamais. D’une remise d’avant,
+  // ne rien dire ; d’une page qui se tait, interrompre() au bout d’un temps.
   void quandLaPageRepond(bool vu);
 
   // Ce que le bureau en voit, dans l’ordre où cela lui vient. Un mouvement avant que l’on sache ce qu’il
-  // porte n’est que retenu ; un dépôt alors attend, et se conclut à apprendre().
+  // porte n’est que retenu ; un dépôt alors attend apprendre(), et s’il ne porte pas de fichiers que la page
+  // l’ait vu.
   void entrer(const Point& point, const MesuresDeLaVue& vue);
   void bouger(const Point& point, const MesuresDeLaVue& vue);
   void sortir();

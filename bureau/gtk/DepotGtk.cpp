@@ -16,8 +16,14 @@ namespace {
 constexpr unsigned int entreDeuxRegards = 300;
 constexpr unsigned int suiteDuDepot = 5000;
 
-// De places dites par la source avant de la lire.
+// De places dites par la source avant de la lire : GTK donne aussi pour un mouvement celle où elle entre.
 constexpr int avantDeLire = 2;
+
+constexpr auto toutes = static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_MOVE | GDK_ACTION_LINK);
+
+bool estNeDansLaPage(GdkDrop* glissement) {
+  return gdk_drop_get_drag(glissement) != nullptr;
+}
 
 } // namespace
 
@@ -26,7 +32,7 @@ DepotGtk::DepotGtk(VueWeb& vueWeb, std::function<void(std::size_t)> ecarterDesIl
       suivi_({.appelerLaPage = [this](const char* corps,
                                       const nlohmann::json& arguments) { vueWeb_.appeler(corps, arguments); },
               .rendreALaVueWeb = [this] { rendreAWebKit(); },
-              .quitterLaVueWeb = [this] { quitterWebKit(); },
+              .quitterLaVueWeb = [this] { quitterWebKit(courant_); },
               .deposerDansLaVueWeb = [this] { deposerDansWebKit(); },
               .conclure = [this](bool remis) { conclure(remis); },
               .ecarterDesIllisibles = std::move(ecarterDesIllisibles)}) {
@@ -39,7 +45,9 @@ DepotGtk::~DepotGtk() {
   g_clear_object(&courant_);
 }
 
-// Retirer sa cible à WebKit, puis la lui rendre, arrête le programme : on ne remplace que sa réponse.
+// Retirer sa cible à WebKit, puis la lui rendre, arrête le programme : on ne remplace que ses réponses. Son
+// départ en est une : GTK le lui dit même d’un glissement qu’elle a refusé, et celui qui suit sous Wayland un
+// dépôt le lui ferait oublier pendant que la page le découvre.
 void DepotGtk::garderCelleDeWebKit() {
   auto* controleurs = gtk_widget_observe_controllers(vue_);
   for (guint i = 0; i < g_list_model_get_n_items(controleurs); ++i) {
@@ -49,32 +57,44 @@ void DepotGtk::garderCelleDeWebKit() {
   }
   g_object_unref(controleurs);
   if (celleDeWebKit_ == nullptr) return;
-  accordDeWebKit_ = g_signal_handler_find(celleDeWebKit_, G_SIGNAL_MATCH_ID,
-                                          g_signal_lookup("accept", GTK_TYPE_DROP_TARGET_ASYNC), 0, nullptr,
-                                          nullptr, nullptr);
-  if (accordDeWebKit_ != 0) g_signal_handler_block(celleDeWebKit_, accordDeWebKit_);
-  notreAccord_ =
-      g_signal_connect(celleDeWebKit_, "accept",
-                       G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
-                         return !moi->estANous(glissement) && moi->accepterPourWebKit(glissement);
-                       }),
-                       this);
+  repondreAuLieuDeWebKit(accord_,
+                         G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
+                           return estNeDansLaPage(glissement) && moi->accepterPourWebKit(glissement);
+                         }));
+  repondreAuLieuDeWebKit(depart_, G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) {
+                           if (estNeDansLaPage(glissement)) moi->quitterWebKit(glissement);
+                         }));
+}
+
+void DepotGtk::repondreAuLieuDeWebKit(Reponse& reponse, GCallback notre) {
+  reponse.deWebKit = g_signal_handler_find(celleDeWebKit_, G_SIGNAL_MATCH_ID,
+                                           g_signal_lookup(reponse.signal, GTK_TYPE_DROP_TARGET_ASYNC), 0,
+                                           nullptr, nullptr, nullptr);
+  if (reponse.deWebKit != 0) g_signal_handler_block(celleDeWebKit_, reponse.deWebKit);
+  reponse.notre = g_signal_connect(celleDeWebKit_, reponse.signal, notre, this);
+}
+
+template <typename... Resultat>
+void DepotGtk::laisserRepondreWebKit(const Reponse& reponse, GdkDrop* glissement, Resultat*... resultat) {
+  g_signal_handler_block(celleDeWebKit_, reponse.notre);
+  if (reponse.deWebKit != 0) g_signal_handler_unblock(celleDeWebKit_, reponse.deWebKit);
+  g_signal_emit_by_name(celleDeWebKit_, reponse.signal, glissement, resultat...);
+  if (reponse.deWebKit != 0) g_signal_handler_block(celleDeWebKit_, reponse.deWebKit);
+  g_signal_handler_unblock(celleDeWebKit_, reponse.notre);
 }
 
 bool DepotGtk::accepterPourWebKit(GdkDrop* glissement) {
-  g_signal_handler_block(celleDeWebKit_, notreAccord_);
-  if (accordDeWebKit_ != 0) g_signal_handler_unblock(celleDeWebKit_, accordDeWebKit_);
   gboolean accepte = FALSE;
-  g_signal_emit_by_name(celleDeWebKit_, "accept", glissement, &accepte);
-  if (accordDeWebKit_ != 0) g_signal_handler_block(celleDeWebKit_, accordDeWebKit_);
-  g_signal_handler_unblock(celleDeWebKit_, notreAccord_);
+  laisserRepondreWebKit(accord_, glissement, &accepte);
   return accepte;
 }
 
+void DepotGtk::quitterWebKit(GdkDrop* glissement) {
+  laisserRepondreWebKit(depart_, glissement);
+}
+
 void DepotGtk::poserLaNotre() {
-  // Des fichiers ne se copient que ; le reste, comme la page le demande.
-  auto* cible = gtk_drop_target_async_new(
-      nullptr, static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_MOVE | GDK_ACTION_LINK));
+  auto* cible = gtk_drop_target_async_new(nullptr, GDK_ACTION_COPY);
   gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(cible), GTK_PHASE_CAPTURE);
   g_signal_connect(cible, "accept",
                    G_CALLBACK(+[](GtkDropTargetAsync*, GdkDrop* glissement, DepotGtk* moi) -> gboolean {
@@ -101,11 +121,12 @@ void DepotGtk::poserLaNotre() {
       }),
       this);
   gtk_widget_add_controller(vue_, GTK_EVENT_CONTROLLER(cible));
+  laNotre_ = cible;
 }
 
 // Ce que WebKit ne sait pas lire ne nous dit rien non plus.
 bool DepotGtk::estANous(GdkDrop* glissement) const {
-  return celleDeWebKit_ != nullptr && gdk_drop_get_drag(glissement) == nullptr &&
+  return celleDeWebKit_ != nullptr && !estNeDansLaPage(glissement) &&
          gdk_content_formats_match(gtk_drop_target_async_get_formats(celleDeWebKit_),
                                    gdk_drop_get_formats(glissement));
 }
@@ -115,6 +136,7 @@ bool DepotGtk::accepter(GdkDrop* glissement) {
   if (glissement == courant_) return true;
   suivi_.commencer();
   g_set_object(&courant_, glissement);
+  gtk_drop_target_async_set_actions(laNotre_, GDK_ACTION_COPY);
   places_ = 0;
   lu_ = false;
   return true;
@@ -141,14 +163,14 @@ void DepotGtk::rendreAWebKit() {
   direAWebKit("drag-enter");
 }
 
+// Ce que la page n’a pas encore vu ne peut qu’être copié, comme des fichiers ; le reste, selon ce qu’elle
+// veut.
 GdkDragAction DepotGtk::direAWebKit(const char* signal) {
   GdkDragAction reponse{};
   g_signal_emit_by_name(celleDeWebKit_, signal, courant_, x_, y_, &reponse);
-  return suivi_.laPageLeVoit() ? reponse : GDK_ACTION_COPY;
-}
-
-void DepotGtk::quitterWebKit() {
-  g_signal_emit_by_name(celleDeWebKit_, "drag-leave", courant_);
+  const bool vu = suivi_.laPageLeVoit();
+  gtk_drop_target_async_set_actions(laNotre_, vu ? toutes : GDK_ACTION_COPY);
+  return vu ? reponse : GDK_ACTION_COPY;
 }
 
 // La page n’a peut-être vu qu’une entrée, et ailleurs : elle n’accepte que ce qui la survole.

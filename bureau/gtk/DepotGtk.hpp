@@ -32,16 +32,26 @@ public:
   void couvrir(bool couverte);
 
 private:
+  // Un signal de la cible de WebKit, et qui y répond.
+  struct Reponse {
+    const char* signal;
+    gulong deWebKit = 0;
+    gulong notre = 0;
+  };
+
   void garderCelleDeWebKit();
+  void repondreAuLieuDeWebKit(Reponse& reponse, GCallback notre);
+  template <typename... Resultat>
+  void laisserRepondreWebKit(const Reponse& reponse, GdkDrop* glissement, Resultat*... resultat);
   void poserLaNotre();
 
   bool estANous(GdkDrop* glissement) const;
   bool accepter(GdkDrop* glissement);
   bool accepterPourWebKit(GdkDrop* glissement);
+  void quitterWebKit(GdkDrop* glissement);
   void lire();
   void rendreAWebKit();
   GdkDragAction direAWebKit(const char* signal);
-  void quitterWebKit();
   void deposerDansWebKit();
   void guetterLaSource();
   GdkDragAction entrer(double x, double y);
@@ -56,8 +66,9 @@ private:
   GtkWidget* const vue_;
   fenetre::SuiviDuGlissement suivi_;
   GtkDropTargetAsync* celleDeWebKit_ = nullptr;
-  gulong accordDeWebKit_ = 0;
-  gulong notreAccord_ = 0;
+  Reponse accord_{.signal = "accept"};
+  Reponse depart_{.signal = "drag-leave"};
+  GtkDropTargetAsync* laNotre_ = nullptr; // à la vue
 
   GdkDrop* courant_ = nullptr; // tenu
   int places_ = 0;             // qu’il a dites

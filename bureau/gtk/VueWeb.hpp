@@ -38,7 +38,7 @@ public:
   void evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini);
   // Exécute le corps d’une fonction dont les arguments sont nommés ; résultat et erreurs sont ignorés.
   void appeler(const char* corps, const nlohmann::json& arguments);
-  // Vrai quand un glissement dont WebKit parle à la page y est entré ; faux si elle s’en va avant.
+  // Vrai quand un glissement dont WebKit parle à la page y est entré ; faux, tard ou jamais, si elle s’en va.
   void quandUnGlissementEntre(std::function<void(bool)> fini);
   // Ce que l’on voit tant que la page n’a rien peint.
   void peindreLeFond(const fenetre::Apparence::Couleur& couleur);

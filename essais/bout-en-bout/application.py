@@ -176,6 +176,10 @@ class Application:
         return [pid for pid in processus_marques(self.marque)
                 if "serveur.mjs" in commande(pid) or "demarrer-keltrove.sh" in commande(pid)]
 
+    def pages(self):
+        """Les programmes qui dessinent la page, sans ceux qui les tiennent dans leur bac à sable."""
+        return [pid for pid in self.enfants("WebKitWebProcess") if "bwrap" not in commande(pid)]
+
     def enfants(self, motif):
         return [pid for pid in processus_marques(self.marque) if motif in commande(pid)]
 

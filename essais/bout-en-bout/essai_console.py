@@ -5,7 +5,7 @@ import os
 import subprocess
 import unittest
 
-from application import SERVEUR, commande, lire
+from application import SERVEUR, lire
 from bus import Bus
 from cas import Cas
 
@@ -48,7 +48,7 @@ class Rendu(Cas):
         application = self.application(code=SERVEUR + "servir();").lancer()
         application.attendre("page-contenu")
         # Le programme de la page a reçu les réglages que l’application s’est donnés.
-        page = next(pid for pid in application.enfants("WebKitWebProcess") if "bwrap" not in commande(pid))
+        [page] = application.pages()
         recues = dict(variable.split("=", 1) for variable in lire(f"/proc/{page}/environ").decode().split("\0") if variable)
         choisies = {nom: valeur for nom, valeur in recues.items() if nom.startswith("GDK_D")}
         reponse = subprocess.run(["/usr/bin/python3", "-c", DEMANDER_GL], env={**os.environ, **choisies},

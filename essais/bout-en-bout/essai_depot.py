@@ -2,6 +2,7 @@
 
 import http.server
 import os
+import signal
 import tempfile
 import threading
 
@@ -26,6 +27,15 @@ CHAMP = page_notee.code("""<textarea style="width:100%; height:100%"></textarea>
   const champ = document.querySelector('textarea');
   addEventListener('dragover', () => noter('vu'));
   champ.addEventListener('input', () => noter(champ.value)); noter('prete');</script>""")
+# Occupée, elle ne voit entrer un glissement qu’après coup.
+LENTE = page_notee.code("""<script>
+  addEventListener('dragenter', () => { for (const debut = Date.now(); Date.now() - debut < 300;); });
+  addEventListener('dragover', (e) => e.preventDefault());
+  addEventListener('drop', (e) => {
+    e.preventDefault();
+    noter(['recu', e.dataTransfer.getData('text/uri-list') || e.dataTransfer.getData('text/plain')]);
+  });
+  noter('prete');</script>""")
 SANS_ACCROCHE = page_notee.code("""<script>
   addEventListener('error', (e) => noter(['erreur', e.message]));
   addEventListener('unhandledrejection', (e) => noter(['erreur', String(e.reason)])); noter('prete');</script>""")
@@ -249,23 +259,73 @@ class Depot(Cas):
         self.assertEqual(source.lacher(), "refuse")
         application.quitter()
 
-    def test_sous_wayland_tout_ce_que_le_compositeur_admet_arrive(self):
+    def test_ce_qui_ne_se_donne_que_pour_de_bon_reste_chez_lui(self):
+        application = self.ouvrir_avec_accroches()
+        source = Source(self, "fichiers", "/tmp/a", action="MOVE")
+        source.prendre()
+        source.mener(*CENTRE, lambda: self.vus(application, "survol"), "le survol")
+        self.assertEqual(source.lacher(), "refuse")
+        self.assertNotIn("admis", source.lignes)
+        attendre_la_note(application, ["survol", None, None])
+        self.assertEqual(self.vus(application, "depot"), [])
+        application.quitter()
+
+    def test_une_page_figee_ne_retient_pas_la_source_d_un_texte_et_recoit_le_suivant(self):
+        application = self.ouvrir(LENTE)
+        [page] = application.pages()
+        source = Source(self, "texte", "tiré")
+        source.prendre()
+        os.kill(page, signal.SIGSTOP)
+        source.mener(*CENTRE, source.admis, "le dépôt admis")
+        source.lacher()
+        os.kill(page, signal.SIGCONT)
+        suivante = Source(self, "texte", "encore")
+        suivante.prendre()
+        suivante.mener(*CENTRE, suivante.admis, "le dépôt admis")
+        suivante.lacher()
+        attendre(lambda: self.vus(application, "recu"), quoi="le dépôt")
+        self.assertEqual(self.vus(application, "recu"), [["recu", "encore"]])
+        application.quitter()
+
+    def ouvrir_sous_wayland(self, code, pret):
         variables = Compositeur(self, DANS_UNE_FENETRE).variables
-        application = self.application(code=ACCROCHES, variables=variables).lancer()
+        application = self.application(code=code, variables={**variables, "WAYLAND_DEBUG": "1"}).lancer()
         application.attendre("page-affichee")
-        attendre_la_note(application, ["marque", True, "fixe"])
+        attendre_la_note(application, pret)
         attendre(lambda: Image().etendue(TEINTE_DE_LA_PAGE), quoi="la page à l’écran")
-        gauche, _, _, bas = Image().etendue(TEINTE_DE_LA_PAGE)
-        source = Source(self, "fichiers", "/tmp/a", variables=variables)
+        return application, variables
 
-        def jeter(pas):
+    def jeter_jusqu_au_depot(self, application, source):
+        """Ce que l’application n’a pas eu le temps d’accepter, le compositeur le refuse lui-même : un peu moins vite alors."""
+        gauche, _, droite, bas = Image().etendue(TEINTE_DE_LA_PAGE)
+        x = gauche + 40 if source.place()[0] > (gauche + droite) / 2 else droite - 40
+        for pas in range(200):
             source.prendre()
-            return source.jeter(gauche + 40, bas - 40, pas)
+            application.lignes.clear()
+            issue = source.jeter(x, bas - 40, pas)
+            if any("drop()" in ligne for ligne in application.lignes):
+                return issue
+        return self.fail("le compositeur n’a rien laissé déposer")
 
+    def test_sous_wayland_tout_ce_que_le_compositeur_admet_arrive(self):
+        application, variables = self.ouvrir_sous_wayland(ACCROCHES, ["marque", True, "fixe"])
+        source = Source(self, "fichiers", "/tmp/a", variables=variables)
         for rang in range(1, 11):
-            # Ce que l’application n’a pas eu le temps d’accepter, le compositeur le refuse lui-même : un peu moins vite alors.
-            self.assertIn("fini", map(jeter, range(200)))
+            self.assertEqual(self.jeter_jusqu_au_depot(application, source), "fini")
             attendre(lambda: len(self.vus(application, "depot")) == rang, quoi=f"le dépôt {rang}")
             self.assertEqual(self.vus(application, "depot")[-1][1], ["/tmp/a"])
             self.assertEqual(notes(application)[-1][0], "depot", "plus de survol après le dépôt")
+        application.quitter()
+
+    def test_sous_wayland_un_texte_et_un_lien_aussi_que_la_page_tarde_a_voir(self):
+        application, variables = self.ouvrir_sous_wayland(LENTE, "prete")
+        recu = []
+        for sorte, texte in (("texte", "tiré"), ("adresses", "http://exemple.test/")):
+            source = Source(self, sorte, texte, variables=variables)
+            for _ in range(5):
+                self.assertEqual(self.jeter_jusqu_au_depot(application, source), "fini")
+                recu.append(["recu", texte])
+                attendre(lambda: self.vus(application, "recu") == recu, quoi=f"{len(recu)} dépôts reçus")
+            source.fermer()
+            attendre(lambda: not source.place(), quoi="la source partie")
         application.quitter()

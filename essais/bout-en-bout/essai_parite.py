@@ -10,7 +10,7 @@ import threading
 import unittest
 
 import ecran
-from application import active, attendre, attendre_le_clavier, commande, fenetres, lire, sans_node, touches
+from application import active, attendre, attendre_le_clavier, fenetres, lire, sans_node, touches
 from bureau import Ouvreur, ServiceDeNotifications
 from bus import Bus
 from cas import Cas
@@ -140,9 +140,8 @@ class BureauLinux:
             self.poser("page", issue)
 
     def tuer_la_page(self):
-        for pid in self.application.enfants("WebKitWebProcess"):
-            if "bwrap" not in commande(pid):
-                os.kill(pid, signal.SIGKILL)
+        for pid in self.application.pages():
+            os.kill(pid, signal.SIGKILL)
 
     def tuer_le_serveur(self):
         self.poser("meurs")

@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 
 import ecran
-from application import active, attendre, attendre_le_clavier, commande, couleur, fenetres, lire, touches
+from application import active, attendre, attendre_le_clavier, couleur, fenetres, lire, touches
 from bureau import ServiceDeNotifications
 from bus import Bus
 from cas import Cas
@@ -198,13 +198,10 @@ class Processus(Terminal):
     def test_la_page_n_occupe_qu_un_processus_meme_rechargee(self):
         application = self.ouvrir(reste_un_serveur=True)
 
-        def pages():
-            return [pid for pid in application.enfants("WebKitWebProcess") if "bwrap" not in commande(pid)]
-
-        self.assertEqual(len(pages()), 1)
+        self.assertEqual(len(application.pages()), 1)
         touches("ctrl+shift+r")
         application.attendre("page-contenu", fois=2)
-        self.assertEqual(len(pages()), 1)
+        self.assertEqual(len(application.pages()), 1)
         application.quitter()
 
 

@@ -37,7 +37,7 @@ class EnService(Cas):
         # L’essai suivant trouve le serveur en route et s’y rattache : il n’est donc plus le nôtre à fermer.
         application = self.application(code=ORDINAIRE, reste_un_serveur=True).lancer()
         application.attendre("page-contenu")
-        (dessinateur,) = [pid for pid in application.enfants("WebKitWebProcess") if "bwrap" not in commande(pid)]
+        [dessinateur] = application.pages()
         os.kill(dessinateur, signal.SIGKILL)
         application.attendre("page-ratee")
         ecran.attendre_le_texte(application.processus.pid, "La page de keltrove ne s’affiche pas")

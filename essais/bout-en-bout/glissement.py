@@ -17,11 +17,11 @@ def souris(*gestes):
 class Source:
     """Sous Wayland (`variables` d’un compositeur), elle s’ouvre où veut le compositeur, devant les autres."""
 
-    def __init__(self, cas, sorte, *valeurs, variables=None):
+    def __init__(self, cas, sorte, *valeurs, action="COPY", variables=None):
         ici = os.path.dirname(os.path.abspath(__file__))
         environnement = {nom: valeur for nom, valeur in {**os.environ, **(variables or {})}.items() if valeur is not None}
-        self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ici, "source_de_glissement.py"), sorte,
-                                           *valeurs], stdout=subprocess.PIPE, text=True, env=environnement)
+        self.processus = subprocess.Popen(["/usr/bin/python3", os.path.join(ici, "source_de_glissement.py"), action,
+                                           sorte, *valeurs], stdout=subprocess.PIPE, text=True, env=environnement)
         cas.addCleanup(self.fermer)
         self.lignes = []
         self.lecture = threading.Thread(target=self.lire, daemon=True)
@@ -29,7 +29,7 @@ class Source:
         if variables is None:
             fenetre = la_fenetre(self)
             souris("windowmove", "--sync", fenetre, 1100, 60, "windowactivate", "--sync", fenetre)
-        attendre(lambda: Image().etendue(TEINTE), quoi="la source à l’écran")
+        attendre(self.place, quoi="la source à l’écran")
 
     def lire(self):
         for ligne in self.processus.stdout:
@@ -41,6 +41,9 @@ class Source:
         self.lecture.join()
         self.processus.stdout.close()
 
+    def place(self):
+        return Image().etendue(TEINTE)
+
     def admis(self):
         """La cible sous le pointeur accepte-t-elle le dépôt ?"""
         return bool(self.lignes) and self.lignes[-1] == "admis"
@@ -48,7 +51,7 @@ class Source:
     def prendre(self):
         """Prend la chose et la tire un peu, jusqu’à ce que le glissement ait commencé."""
         self.lignes.clear()
-        gauche, haut, droite, bas = Image().etendue(TEINTE)
+        gauche, haut, droite, bas = self.place()
         x, y = (gauche + droite) // 2, (haut + bas) // 2
         # Un compositeur dans une fenêtre n’apprend la place de la souris que quand elle y entre.
         souris("mousemove", 0, 0)

@@ -12,7 +12,7 @@ import time
 from collections.abc import Callable
 
 import ecran
-from application import commande, port_libre
+from application import port_libre
 from banc_de_fautes import CADRE, CADRE_ECRIT, guetter
 from bus import Bus
 from compositeur import SANS_ECRAN, Compositeur
@@ -135,9 +135,8 @@ def rendre_les_descripteurs(banc):
 
 
 def tuer_la_page(banc):
-    for pid in banc.application.enfants("WebKitWebProcess"):
-        if "bwrap" not in commande(pid):
-            os.kill(pid, signal.SIGKILL)
+    for pid in banc.application.pages():
+        os.kill(pid, signal.SIGKILL)
 
 
 def ouvrir_un_bus(banc):

@@ -1,8 +1,10 @@
 """Une petite fenêtre d’où l’on tire quelque chose, dans un processus à elle, comme un gestionnaire de fichiers.
 
-  source_de_glissement.py fichiers <chemin…>     une liste de fichiers
-  source_de_glissement.py adresses <texte>       une liste d’adresses, telle quelle
-  source_de_glissement.py texte <texte>          du texte
+  source_de_glissement.py <action> fichiers <chemin…>     une liste de fichiers
+  source_de_glissement.py <action> adresses <texte>       une liste d’adresses, telle quelle
+  source_de_glissement.py <action> texte <texte>          du texte
+
+L’action est ce que l’on en permet : COPY ou MOVE.
 """
 
 import sys
@@ -36,8 +38,8 @@ def ouvrir(application):
     couleur.load_from_data(b"window > label { background: #d6336c; }")
     Gtk.StyleContext.add_provider_for_display(Gdk.Display.get_default(), couleur, Gtk.STYLE_PROVIDER_PRIORITY_APPLICATION)
     etiquette = Gtk.Label(label="À tirer")
-    source = Gtk.DragSource(actions=Gdk.DragAction.COPY)
-    source.connect("prepare", lambda *_: contenu(sys.argv[1], sys.argv[2:]))
+    source = Gtk.DragSource(actions=getattr(Gdk.DragAction, sys.argv[1]))
+    source.connect("prepare", lambda *_: contenu(sys.argv[2], sys.argv[3:]))
     source.connect("drag-begin", lambda _, glissement: glissement.connect(
         "notify::selected-action", lambda *_: dire("admis" if glissement.get_selected_action() else "non admis")))
     source.connect("drag-end", lambda *_: dire("fini"))

@@ -59,9 +59,9 @@ struct BureauDeParite::Application {
 BureauDeParite::BureauDeParite(const ScenarioDeParite& scenario)
     : glissement_({.appelerLaPage = [this](const char* corps,
                                            const nlohmann::json& a) { page_.push_back(entendu(corps, a)); },
-                   .rendreALaVueWeb = [this] { page_.push_back("texte(\"" + texteGlisse_ + "\")"); },
+                   .rendreALaVueWeb = [] {},
                    .quitterLaVueWeb = [] {},
-                   .deposerDansLaVueWeb = [] {},
+                   .deposerDansLaVueWeb = [this] { page_.push_back("texte(\"" + texteGlisse_ + "\")"); },
                    .conclure = [](bool) {},
                    .ecarterDesIllisibles = [](std::size_t) {}}) {
   const auto mode = scenario.auDepart("mode");
@@ -227,6 +227,8 @@ const std::map<std::string, BureauDeParite::Geste>& BureauDeParite::gestes() {
        [](Bureau& b, Texte texte) {
          b.texteGlisse_ = texte;
          b.entrer({});
+         b.glissement_.deposer({.x = 2, .y = 2}, {});
+         b.glissement_.quandLaPageRepond(true);
        }},
       {"survoler avec un fichier",
        [](Bureau& b, Texte chemin) {

@@ -158,6 +158,17 @@ TEST_F(EssaiSuivi, UnLienLacheQueLaPageNeVerraPasEstRefuse) {
   EXPECT_FALSE(suivi.survole());
 }
 
+TEST_F(EssaiSuivi, UnLienQueLaPageNeVerraPasSeSurvoleEncore) {
+  suivi.commencer();
+  entrer();
+  suivi.apprendre(lien());
+  suivi.quandLaPageRepond(false);
+  EXPECT_EQ(lues(), (Textes{"rendu", "quitté"}));
+  EXPECT_TRUE(suivi.survole());
+  suivi.bouger({11, 20}, {});
+  EXPECT_EQ(lues(), Textes{"rendu"}) << "la page d’après le verra peut-être";
+}
+
 TEST_F(EssaiSuivi, CouverteLaPagePerdLeLienPuisLeReprend) {
   suivi.commencer();
   entrer();
