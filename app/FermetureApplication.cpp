@@ -11,14 +11,14 @@ ReponseFermeture DelegueApplication::applicationShouldTerminate() {
   if (fermetureEnCours_) return ReponseFermeture::plusTard;
   fermetureEnCours_ = true;
   surveillance_.arreter();
+  // La fin d’une session atteint aussi les processus de la page : leur mort n’est plus une nouvelle.
+  if (fenetre_) fenetre_->ignorerLaPage();
   moteur_->neLancerPlusRien();
   if (!moteur_->nousLavonsAllume()) {
     Journal::etape("quitte-sans-toucher-au-serveur");
     return ReponseFermeture::maintenant;
   }
   Journal::etape("arret-demande");
-  // La fin d’une session atteint aussi les processus de la page : leur mort n’est plus une nouvelle.
-  fenetre_->ignorerLaPage();
   fenetre_->ecran().montrerAttente("Fermeture…",
                                    "Je laisse le serveur noter la liste des terminaux avant de partir.");
   moteur_->arreter(temoin_.garder([this](const std::string& message) {

@@ -7,17 +7,10 @@
 
 namespace keltrove::app {
 
-struct AppelDuBureau {
-  int nombreDArguments = 0;
-  char** arguments = nullptr;
-  const char* executable = nullptr; // chemin, liens résolus
-};
-
-// Rend l’état de sortie du processus.
-using LancerLeBureau = int (*)(const AppelDuBureau& appel);
+// `executable` : son chemin, liens résolus. Rend l’état de sortie du processus.
+using LancerLeBureau = int (*)(const char* executable);
 
 } // namespace keltrove::app
 
 // L’entrée du bureau.
-extern "C" [[gnu::visibility("default")]] int
-keltroveLancerLeBureau(const keltrove::app::AppelDuBureau& appel);
+extern "C" [[gnu::visibility("default")]] int keltroveLancerLeBureau(const char* executable);

@@ -37,11 +37,11 @@ int verifier(const app::ModeVerification& mode) {
   return resultat.ok ? EXIT_SUCCESS : finirSur(resultat.message);
 }
 
-int ouvrirLeBureau(int argc, char** argv) {
-  const auto executable = socle::cheminDeLExecutable().value_or(argv[0]);
+int ouvrirLeBureau(const char* nomDAppel) {
+  const auto executable = socle::cheminDeLExecutable().value_or(nomDAppel);
   const auto lancer = app::chargerLeBureau(executable);
   if (!lancer) return finirSur(lancer.error());
-  return (*lancer)({.nombreDArguments = argc, .arguments = argv, .executable = executable.c_str()});
+  return (*lancer)(executable.c_str());
 }
 
 } // namespace
@@ -54,5 +54,5 @@ int main(int argc, char** argv) {
   const auto mode = app::choisirLeMode(std::vector<std::string>(argv, argv + argc),
                                        cle != nullptr ? std::optional<std::string>(cle) : std::nullopt);
   if (const auto* verification = std::get_if<app::ModeVerification>(&mode)) return verifier(*verification);
-  return ouvrirLeBureau(argc, argv);
+  return ouvrirLeBureau(argv[0]);
 }

@@ -32,9 +32,9 @@ public:
 
   // Remplace ce qui se chargeait. Peut rater pendant l’appel même : l’issue vient alors avant son retour.
   void charger(int port);
-  // Arrête ce qui se charge. La page suivante comptera, même demandée par elle-même.
+  // Arrête ce que charger() a demandé. La page suivante comptera, même demandée par elle-même.
   void abandonner();
-  // Arrête ce qui se charge, et plus aucune page ne compte jusqu’à charger() ou abandonner().
+  // Arrête ce que charger() a demandé, et plus aucune page ne compte jusqu’à charger() ou abandonner().
   void seTaire();
 
   // Celui de la dernière page demandée.
@@ -58,7 +58,7 @@ private:
   const Issues issues_;
   std::optional<int> port_;
   Ecoute ecoute_ = Ecoute::toutes;
-  socle::Minuteur delai_; // présent exactement tant qu’un chargement est en cours
+  socle::Minuteur delai_; // présent exactement tant qu’un chargement demandé est en cours
 };
 
 } // namespace keltrove::fenetre

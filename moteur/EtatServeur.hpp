@@ -1,9 +1,10 @@
 // EtatServeur : ce que le moteur sait du serveur, en une seule valeur, remplacée d’un coup.
 //
-//   Rien ──► Lance ──► Allume ──► EnArret
-//    │        ▲  │        │
-//    └────────┼──┴────────┴──► Rattache
-//             └────────────────────┘
+//   Rien      Rattache si un serveur répond, sinon Lance
+//   Lance     Allume quand il répond ; Rattache si un autre répond ; Lance au nouvel essai ; EnArret
+//   Allume    EnArret ; au nouvel essai, Rattache s’il répond encore, sinon Lance
+//   Rattache  au nouvel essai, Rattache de même, ou Lance
+//   EnArret   les essais d’avant n’y changent plus rien
 //
 // Chaque essai porte un numéro, qui croît : une nouvelle d’un essai dépassé se reconnaît au sien. Rien ici ne
 // prend de verrou : MoteurServeur garde la valeur sous le sien.

@@ -4,7 +4,7 @@
 // que le second ne connaît pas est celle d’un autre. Celles de l’administrateur ne s’en distinguent pas.
 #pragma once
 
-#include "moteur/TenantDuPort.hpp"
+#include "moteur/Tenant.hpp"
 
 #include <string>
 

@@ -1,15 +1,15 @@
 #include "bureau/cocoa/MenusCocoa.hpp"
 
-#include "bureau/cocoa/FenetreCocoa.hpp"
 #include "bureau/cocoa/Textes.hpp"
 
 #import <AppKit/AppKit.h>
 
-// Des actions que tout répondeur peut avoir, et qu’aucun en-tête ne nomme.
+// Des actions que tout répondeur peut avoir, et qu’aucun en-tête de ce rang ne nomme.
 @protocol ActionsStandard
 - (void)undo:(id)source;
 - (void)redo:(id)source;
 - (void)pasteAsPlainText:(id)source;
+- (void)rechargerVraiment:(id)source;
 @end
 
 namespace keltrove::bureau {

@@ -10,12 +10,12 @@
 
 using namespace keltrove;
 
-extern "C" int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
+extern "C" int keltroveLancerLeBureau(const char* executable) {
   @autoreleasepool {
     moteur::MoteurServeur::Contexte contexte{
         .boucle = std::make_shared<bureau::BoucleCocoa>(),
         .horloge = std::make_shared<socle::HorlogeSysteme>(),
-        .emplacements = moteur::Emplacements(socle::dossierDesRessources(appel.executable)),
+        .emplacements = moteur::Emplacements(socle::dossierDesRessources(executable)),
         .environnement = socle::Environnement::duProcessus(),
     };
     const auto boucle = contexte.boucle;

@@ -1,5 +1,7 @@
 #include "bureau/gtk/GlissementGtk.hpp"
 
+#include "bureau/gtk/DeGLib.hpp"
+
 #include <memory>
 #include <utility>
 
@@ -14,9 +16,6 @@ constexpr const char* listeDAdresses = "text/uri-list"; // RFC 2483
 constexpr gsize bouchee = 64UL * 1024;
 constexpr std::size_t listeMaximale = 16UL * 1024 * 1024;
 
-template <typename T>
-using PourGLib = std::unique_ptr<T, decltype(&g_free)>;
-
 bool estCetteMachine(const char* hote) {
   return hote == nullptr || g_ascii_strcasecmp(hote, "localhost") == 0 ||
          g_ascii_strcasecmp(hote, g_get_host_name()) == 0;
@@ -28,8 +27,8 @@ fenetre::Portes portesPar(const std::string& liste) {
   fenetre::Portes portes;
   for (char** adresse = adresses.get(); *adresse != nullptr; ++adresse) {
     char* hote = nullptr;
-    const PourGLib<char> chemin(g_filename_from_uri(*adresse, &hote, nullptr), &g_free);
-    const PourGLib<char> nomDeLHote(hote, &g_free);
+    const TexteDeGLib chemin(g_filename_from_uri(*adresse, &hote, nullptr));
+    const TexteDeGLib nomDeLHote(hote);
     if (!chemin || !estCetteMachine(hote)) continue;
     if (g_utf8_validate(chemin.get(), -1, nullptr))
       portes.chemins.emplace_back(chemin.get());

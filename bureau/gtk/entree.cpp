@@ -14,8 +14,8 @@
 
 using namespace keltrove;
 
-extern "C" int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
-  const auto ressources = socle::dossierDesRessources(appel.executable);
+extern "C" int keltroveLancerLeBureau(const char* executable) {
+  const auto ressources = socle::dossierDesRessources(executable);
   moteur::MoteurServeur::Contexte contexte{
       .boucle = std::make_shared<bureau::BoucleGlib>(),
       .horloge = std::make_shared<socle::HorlogeSysteme>(),
@@ -39,6 +39,6 @@ extern "C" int keltroveLancerLeBureau(const app::AppelDuBureau& appel) {
         "Keltrove : ce système refuse le bac à sable de la page (bubblewrap) ; elle s’affiche sans lui.\n");
   // Aucun argument n’est pour GTK.
   const int etat = application.run();
-  if (application.aRouvrir()) bureau::rouvrir(appel.executable, environnement);
+  if (application.aRouvrir()) bureau::rouvrir(executable, environnement);
   return etat;
 }

@@ -2,8 +2,10 @@
 
 import json
 import os
+import pty
 import signal
 import subprocess
+import termios
 
 import ecran as lecture
 import page_notee
@@ -29,6 +31,25 @@ class Modes(Cas):
         journal = self.journal_ecrit(application)
         self.assertEqual([etape["etape"] for etape in journal], application.etapes())
         self.assertEqual(journal[0]["seconde"], 0)
+
+    def test_un_terminal_suspendu_ne_retient_ni_la_page_ni_la_fermeture(self):
+        maitre, terminal = pty.openpty()
+        self.addCleanup(os.close, maitre)
+        self.addCleanup(os.close, terminal)
+        termios.tcflow(terminal, termios.TCOOFF)  # comme Ctrl+S
+        application = self.application(code=ORDINAIRE, variables={"KELTROVE_ESSAI": "1"}).avoir_un_bus()
+        application.preparer()
+        application.processus = subprocess.Popen([application.executable], env=application.environnement(), stdout=terminal,
+                                                 stderr=terminal, start_new_session=True)
+        attendre(lambda: "page-contenu" in self.noms_ecrits(application), quoi="la page")
+        self.assertEqual(application.quitter(), 0)
+        self.assertEqual(self.noms_ecrits(application)[-2:], ["arret-demande", "arret-fini"])
+
+    def noms_ecrits(self, application):
+        try:
+            return [etape["etape"] for etape in self.journal_ecrit(application)]
+        except FileNotFoundError:
+            return []
 
     def test_le_mode_essai_quitte_de_lui_meme_a_l_heure_dite(self):
         # Que la page soit là ou non : une machine chargée met plus longtemps à la montrer.

@@ -5,7 +5,7 @@ import subprocess
 import threading
 
 from application import attendre, touches
-from essai_etrangers import copier
+from essai_etrangers import ATTENDRE_LA_PAGE, copier
 from essai_terminal import Terminal, taper
 from glissement import souris
 
@@ -72,7 +72,7 @@ class Selection(Terminal):
                     (lambda: souris("mousemove", 640, 500, "click", 2), choisi)]
         for rang, (coller, voulu) in enumerate(collages):
             recu = f"recu{rang}"
-            taper(f"cat > {recu}\n")
+            taper(f"{ATTENDRE_LA_PAGE}cat > {recu}\n")
             self.attendre_le_fichier(application, recu)
             coller()
             touches("Return")

@@ -1,8 +1,10 @@
-"""Le dessin des anneaux dit vrai : chaque #include y a sa flèche ou son anneau, et chaque flèche son #include."""
+"""Le dessin des anneaux dit vrai : chaque #include y a sa flèche ou son anneau, et chaque flèche son #include. Dans un
+même dossier non plus, aucun fichier n’inclut, même de loin, ce qui l’inclut."""
 
 import re
 import sys
 import xml.etree.ElementTree as xml
+from graphlib import CycleError, TopologicalSorter
 from pathlib import Path
 
 RACINE = Path(__file__).resolve().parents[2]
@@ -49,6 +51,23 @@ def fautes(rangs, fleches):
         yield f"le dessin a une flèche de « {de}/ » à « {vers}/ » ; aucun #include ne la suit"
 
 
+def unite(chemin):
+    """Un en-tête et ce qui l’écrit, pour chaque système, ne font qu’un."""
+    return re.sub(r"(_linux|_macos)?\.\w+$", "", str(chemin))
+
+
+def ronds(rangs):
+    inclus = {}
+    for fichier in (f for dossier in rangs for f in (RACINE / dossier).rglob("*") if f.suffix in SOURCES):
+        chez = unite(fichier.relative_to(RACINE))
+        lui = {unite(nom) for nom in re.findall(r'^#\s*(?:include|import) "(\w+/[^"]+)"', fichier.read_text(), re.M)}
+        inclus.setdefault(chez, set()).update(lui - {chez})
+    try:
+        TopologicalSorter(inclus).prepare()
+    except CycleError as rond:
+        yield "s’incluent en rond : " + ", ".join(rond.args[1])
+
+
 def fautes_du_comportement(rangs):
     """Ce que le dessin et les documents disent du comportement : ni boîte à outils, ni #ifdef d’un système."""
     dehors = max(rangs.values())
@@ -66,6 +85,6 @@ def fautes_du_comportement(rangs):
 
 if __name__ == "__main__":
     rangs, fleches = lire_le_dessin(DESSIN)
-    trouvees = [*fautes(rangs, fleches), *fautes_du_comportement(rangs)]
+    trouvees = [*fautes(rangs, fleches), *ronds(rangs), *fautes_du_comportement(rangs)]
     print("\n".join(trouvees) or f"{len(rangs)} dossiers, {len(fleches)} flèches : le dessin dit vrai.")
     sys.exit(bool(trouvees))

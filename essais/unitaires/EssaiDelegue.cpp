@@ -65,6 +65,9 @@ TEST_F(EssaiDelegue, UnServeurQuiTourneDejaNEstPasRelanceEtResteApresNous) {
   const auto dessins = vue.ecrans.size();
   EXPECT_EQ(delegue.applicationShouldTerminate(), ReponseFermeture::maintenant);
   EXPECT_EQ(etapes().back(), "quitte-sans-toucher-au-serveur");
+  vue.observateur->quandNavigationFinie();
+  boucle->avancer(2);
+  EXPECT_EQ(etapes().back(), "quitte-sans-toucher-au-serveur") << "plus rien de la page";
   EXPECT_EQ(vue.ecrans.size(), dessins) << "aucun écran de fermeture";
   EXPECT_TRUE(moteur->cEstBienKeltrove(maison.port()));
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <thread>
 
-extern "C" int keltroveLancerLeBureau(const keltrove::app::AppelDuBureau& appel);
+extern "C" int keltroveLancerLeBureau(const char* executable);
 
 namespace {
 
@@ -48,6 +48,5 @@ int main(int argc, char** argv) {
     jouerQuandLApplicationEstLancee(scenarios().at(nom));
   }
   // Les ressources sont à côté du programme que l’essai nomme.
-  const char* executable = std::getenv("KELTROVE_EXECUTABLE_D_ESSAI");
-  return keltroveLancerLeBureau({.nombreDArguments = 1, .arguments = argv, .executable = executable});
+  return keltroveLancerLeBureau(std::getenv("KELTROVE_EXECUTABLE_D_ESSAI"));
 }

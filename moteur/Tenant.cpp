@@ -1,4 +1,4 @@
-#include "moteur/TenantDuPort.hpp"
+#include "moteur/Tenant.hpp"
 
 #include <algorithm>
 
