@@ -417,6 +417,51 @@ TEST_F(EssaiMoteur, UnTerminalDUnServeurQuiNEcoutePlusNEstPasSignale) {
   EXPECT_TRUE(enVie(terminal));
 }
 
+// À la première nouvelle qu’on lui poste, le serveur meurt, et celle de sa mort a le temps de passer devant.
+class BoucleDevancee final : public socle::BoucleEvenements {
+public:
+  BoucleDevancee(std::shared_ptr<essais::BoucleVirtuelle> vraie, socle::Tache tuer)
+      : vraie_(std::move(vraie)), tuer_(std::move(tuer)) {}
+  void poster(socle::Tache tache) override {
+    if (!dejaPoste_.exchange(true)) {
+      tuer_();
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    vraie_->poster(std::move(tache));
+  }
+  socle::Minuteur apres(double secondes, socle::Tache tache) override {
+    return vraie_->apres(secondes, std::move(tache));
+  }
+  socle::Minuteur chaque(double secondes, socle::Tache tache) override {
+    return vraie_->chaque(secondes, std::move(tache));
+  }
+
+private:
+  const std::shared_ptr<essais::BoucleVirtuelle> vraie_;
+  const socle::Tache tuer_;
+  std::atomic_bool dejaPoste_ = false;
+};
+
+TEST_F(EssaiMoteur, LaMortDUnServeurNeDevanceJamaisLIssueQuiLeDitAllume) {
+  poser("servir(PORT);");
+  auto devancee = std::make_shared<BoucleDevancee>(boucle, [this] {
+    const auto serveur = identifier(pids().at(0));
+    ::kill(pids().at(0), SIGKILL);
+    while (enVie(serveur))
+      std::this_thread::yield();
+  });
+  moteur = std::make_shared<MoteurServeur>(
+      MoteurServeur::Contexte{.boucle = std::move(devancee),
+                              .horloge = horloge,
+                              .emplacements = Emplacements(maison.chemin("ressources")),
+                              .environnement = Environnement::duProcessus()});
+  std::vector<std::string> nouvelles;
+  moteur->quandLeServeurMeurt = [&](const ErreurServeur&) { nouvelles.emplace_back("mort"); };
+  moteur->demarrer([&](const Demarrage& issue) { nouvelles.emplace_back(issue ? "allumé" : "échec"); });
+  EXPECT_TRUE(boucle->attendre([&] { return nouvelles.size() == 2; }));
+  EXPECT_EQ(nouvelles, (std::vector<std::string>{"allumé", "mort"}));
+}
+
 TEST_F(EssaiMoteur, LaMortDUnServeurQueLOnARejointDepuisSAnnonceEncore) {
   poser("servir(PORT);");
   std::optional<ErreurServeur> mort;
