@@ -1,3 +1,4 @@
+#include "moteur/SockDiag_linux.hpp"
 #include "moteur/TenantDuPort.hpp"
 
 #include <unistd.h>
@@ -5,7 +6,8 @@
 namespace keltrove::moteur {
 
 Tenant tenantDuPort(int port) {
-  const auto prises = lireTablesDePrises("/proc/self/net");
+  auto prises = ecoutesParSockDiag();
+  if (!prises) prises = lireTablesDePrises("/proc/self/net");
   return prises ? tenantParmi(*prises, port, ::geteuid()) : Tenant::etranger;
 }
 

@@ -1,10 +1,17 @@
 #include "AutreCompte.hpp"
 #include "MaisonTemporaire.hpp"
 #include "ServeurFactice.hpp"
+#include "moteur/SockDiag_linux.hpp"
 #include "moteur/Sonde.hpp"
 #include "moteur/TenantDuPort.hpp"
+#include "socle/Descripteur.hpp"
 
+#include <algorithm>
+
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace keltrove::moteur {
@@ -22,6 +29,42 @@ TEST(TenantDuPort, PersonneNYEcouteVraimentDoncUnEtranger) {
 
 TEST(TenantDuPort, NotrePropreServeurEstANous) {
   EXPECT_EQ(tenantDuPort(ServeurFactice("").port()), Tenant::nousOuLAdministrateur);
+}
+
+TEST(TenantDuPort, LeNoyauDitLaMemeChoseDesDeuxFacons) {
+  const ServeurFactice ici("");
+  const auto tables = lireTablesDePrises("/proc/self/net");
+  const auto demandees = ecoutesParSockDiag();
+  ASSERT_TRUE(tables);
+  ASSERT_TRUE(demandees);
+  const auto celleDIci = [&](const std::vector<PriseALEcoute>& prises) {
+    return *std::ranges::find(prises, ici.port(), &PriseALEcoute::port);
+  };
+  EXPECT_EQ(celleDIci(*demandees), celleDIci(*tables));
+}
+
+// Une adresse par forme que peut prendre l’écoute de localhost.
+TEST(TenantDuPort, ChaqueAdresseSeLitPareilDesDeuxFacons) {
+  for (const auto* texte : {"::1", "::", "::ffff:127.0.0.1", "::ffff:0.0.0.0"}) {
+    const socle::Descripteur prise(::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in6 adresse{};
+    adresse.sin6_family = AF_INET6;
+    ASSERT_EQ(::inet_pton(AF_INET6, texte, &adresse.sin6_addr), 1);
+    const int non = 0;
+    ::setsockopt(prise.numero(), IPPROTO_IPV6, IPV6_V6ONLY, &non, sizeof non);
+    if (::bind(prise.numero(), reinterpret_cast<const sockaddr*>(&adresse), sizeof adresse) != 0)
+      GTEST_SKIP() << "cette machine n’a pas d’IPv6";
+    ASSERT_EQ(::listen(prise.numero(), 1), 0);
+    socklen_t taille = sizeof adresse;
+    ::getsockname(prise.numero(), reinterpret_cast<sockaddr*>(&adresse), &taille);
+    const auto port = int{ntohs(adresse.sin6_port)};
+    const auto celleDuPort = [&](const auto& prises) {
+      return *std::ranges::find(prises, port, &PriseALEcoute::port);
+    };
+    EXPECT_EQ(celleDuPort(*ecoutesParSockDiag()), celleDuPort(*lireTablesDePrises("/proc/self/net")))
+        << texte;
+    EXPECT_EQ(tenantDuPort(port), Tenant::nousOuLAdministrateur) << texte;
+  }
 }
 
 class DevantUnAutreCompte : public testing::Test {
