@@ -53,7 +53,10 @@ class Instance(Cas):
     def test_sans_bac_a_sable_la_relancer_ne_le_redit_pas(self):
         application = self.ouvrir(variables={"PATH": "/nulle/part"})
         self.assertTrue(any("bac à sable" in ligne for ligne in application.lignes))
+        fenetre = self.couvrir(application)
         self.assertEqual(self.relancer(application), (0, ""))
+        # Relancée alors qu’elle se fermerait déjà, elle se rouvrirait.
+        attendre(lambda: active() == fenetre, quoi="la fenêtre devant")
         application.quitter()
 
     def test_depuis_une_icone_elle_s_ouvre_puis_revient(self):
