@@ -57,13 +57,13 @@ TEST(TenantDuPort, ChaqueAdresseSeLitPareilDesDeuxFacons) {
     ASSERT_EQ(::listen(prise.numero(), 1), 0);
     socklen_t taille = sizeof adresse;
     ::getsockname(prise.numero(), reinterpret_cast<sockaddr*>(&adresse), &taille);
-    const auto port = int{ntohs(adresse.sin6_port)};
+    const int celui = ntohs(adresse.sin6_port);
     const auto celleDuPort = [&](const auto& prises) {
-      return *std::ranges::find(prises, port, &PriseALEcoute::port);
+      return *std::ranges::find(prises, celui, &PriseALEcoute::port);
     };
     EXPECT_EQ(celleDuPort(*ecoutesParSockDiag()), celleDuPort(*lireTablesDePrises("/proc/self/net")))
         << texte;
-    EXPECT_EQ(tenantDuPort(port), Tenant::nousOuLAdministrateur) << texte;
+    EXPECT_EQ(tenantDuPort(celui), Tenant::nousOuLAdministrateur) << texte;
   }
 }
 
