@@ -17,6 +17,12 @@ const chercher = async (page, texte) => {
   await page.evaluer('document.querySelector(".recherche input").select()');
   await page.ecrire(texte);
 };
+// Une seule recherche, et non une par lettre.
+const chercherDUnTrait = (page, texte) => page.evaluer(`{
+  const champ = document.querySelector(".recherche input");
+  champ.value = "${texte}";
+  champ.dispatchEvent(new Event("input"));
+}`);
 const compte = (page, voulu) => page.attendre(`document.querySelector(".recherche output").value.replaceAll("\\u202f", " ") === "${voulu}"`);
 const ouvrirLaRecherche = async (page) => {
   await page.touche('Ctrl+Maj+F');
@@ -125,4 +131,37 @@ essai('ce qui s’écrit pendant la recherche se compte, et la trouvaille choisi
   await page.touche('Maj+Entrée');
   await compte(page, '3 sur 5');
   await page.attendreLeTexte('/^mot3 *\\n1/m');
+});
+
+essai('la recherche dont le programme n’a pas pu se charger le redemande', async (page) => {
+  await page.evaluer(`{
+    const Vrai = Worker;
+    let fois = 0;
+    window.Worker = class extends Vrai { constructor(source, options) { super(fois++ < 2 ? '/absent.js' : source, options); } };
+  }`);
+  await lancerUneLigne(page, 'clear; printf "%s\\n" aiguille aiguilles');
+  await page.attendreLeTexte('/^aiguille\\naiguilles\\n/m');
+  await ouvrirLaRecherche(page);
+  await chercherDUnTrait(page, 'aiguille');
+  await compte(page, '2 sur 2');
+});
+
+essai('ce qui s’écrit pendant une recherche qui dure ne lui fait pas taire ce qu’elle a trouvé plus haut', async (page) => {
+  await lancerUneLigne(page, 'clear; printf "aigui%s\\n" lle; seq 500; until [ -e la ]; do sleep .1; done; echo fi-$((1 + 1))');
+  await page.attendreLeTexte('/^500/m');
+  await page.evaluer(`{
+    const envoyer = Worker.prototype.postMessage;
+    window.retenus = [];
+    Worker.prototype.postMessage = function (...quoi) {
+      window.retenus.push(() => envoyer.apply(this, quoi));
+    };
+  }`);
+  await ouvrirLaRecherche(page);
+  await chercherDUnTrait(page, 'aiguille');
+  const demandees = await page.evaluer('window.retenus.length');
+  writeFileSync(join(page.maison.maison, 'la'), '');
+  await page.attendreLeTexte('/^fi-2/m');
+  await page.attendre(`window.retenus.length > ${demandees}`);
+  await page.evaluer('window.retenus.at(-1)()');
+  await page.attendreLeTexte('/^aiguille/m');
 });

@@ -20,6 +20,7 @@ export class Trouvailles {
   #lignes = [];
   #trouves = new Int32Array(0);
   #choisie = -1;
+  #aMontrer = false;
   #tropLong = false;
   #ancre = null;
   #ligneDAncre = 0;
@@ -43,8 +44,9 @@ export class Trouvailles {
   chercher(motif) {
     this.#motif = motif;
     this.#choisie = -1;
+    this.#aMontrer = true;
     this.#terminal.clearSelection();
-    return this.#relancer({ montrer: true });
+    return this.#relancer();
   }
 
   async avancer(pas) {
@@ -78,7 +80,7 @@ export class Trouvailles {
     this.#relecture ??= setTimeout(() => this.#relancer(), REPIT);
   }
 
-  async #relancer({ montrer = false } = {}) {
+  async #relancer() {
     clearTimeout(this.#relecture);
     this.#relecture = null;
     this.#tour += 1;
@@ -90,8 +92,9 @@ export class Trouvailles {
     this.#tropLong = this.#motif !== null && trouves === null;
     this.#trouves = trouves ?? new Int32Array(0);
     this.#choisie = ancienne ? this.#retrouver(ancienne) : this.#nombre - 1;
-    if (montrer) this.#montrerLaChoisie();
+    if (this.#aMontrer) this.#montrerLaChoisie();
     else this.#rafraichir();
+    this.#aMontrer = false;
   }
 
   #lire() {
