@@ -103,6 +103,14 @@ VueWeb::VueWeb(fenetre::ObservateurDeLaVue& observateur)
   ouvrirLeCanal<fenetre::canalDuLecteur>();
   garderLaPage();
   collerAuClavier();
+  preparerLeProgramme();
+}
+
+// Évaluer lance le programme qui dessine la page, bien avant que le serveur ne réponde : il se prépare
+// pendant que la fenêtre se construit. Mort d’ici là, un autre naît avec la page.
+void VueWeb::preparerLeProgramme() {
+  if (!peutLancerUnProcessus()) return;
+  webkit_web_view_evaluate_javascript(vue_, "0", -1, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 // Maj+Inser, pour WebKit, est le presse-papiers ; dans un terminal c’est la sélection, et Ctrl+Maj+Inser le

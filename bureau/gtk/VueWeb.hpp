@@ -56,6 +56,7 @@ private:
   void executer(const std::string& fonction, const char* arguments,
                 std::function<void(bool abouti)> fini = nullptr);
   void garderLaPage();
+  void preparerLeProgramme();
   void collerAuClavier();
   bool permettre(WebKitPermissionRequest* demande);
   bool decider(WebKitPolicyDecision* decision, WebKitPolicyDecisionType sorte);

@@ -46,6 +46,22 @@ class EnService(Cas):
         application.attendre("page-affichee", fois=2)
         application.quitter()
 
+    def test_celui_qui_meurt_avant_qu_il_y_ait_une_page_renait_avec_elle(self):
+        code = SERVEUR + """const ecouter = () => fs.existsSync('pret')
+            ? http.createServer(repondre).listen(PORT, '127.0.0.1') : setTimeout(ecouter, 50);
+            ecouter();"""
+        application = self.application(code=code).lancer()
+        attendre(application.pages, quoi="le programme qui dessinera la page")
+        [dessinateur] = application.pages()
+        # Mort avant d’avoir dit qui il est, WebKit interromprait l’application.
+        attendre(lambda: len(os.listdir(f"/proc/{dessinateur}/task")) > 4, quoi="ses fils")
+        os.kill(dessinateur, signal.SIGKILL)
+        attendre(lambda: dessinateur not in application.pages(), quoi="sa mort")
+        application.poser("keltrove/pret", "")
+        application.attendre("page-contenu")
+        self.assertNotIn("page-ratee", application.etapes())
+        application.quitter()
+
     def test_une_page_ratee_le_reste_jusqu_a_un_essai_reussi(self):
         # Le serveur répond à la sonde mais raccroche au nez de la page, jusqu’à ce qu’on le répare.
         code = SERVEUR + """http.createServer((q, r) => q.headers['user-agent'] && !fs.existsSync('repare')
