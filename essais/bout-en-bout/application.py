@@ -1,5 +1,6 @@
 """Une application lancée comme par une personne : sa copie, son dossier personnel, son serveur, son journal."""
 
+import collections
 import json
 import os
 import shutil
@@ -33,12 +34,17 @@ process.on('SIGTERM', () => setInterval(() => fs.existsSync('finir') && process.
 """
 VERT = "#2B8A3E"
 SOMBRE = "#0E1116"
+PORTS_GARDES = collections.deque(maxlen=200)  # bien plus que ce qui se joue ensemble ; les plus anciens se rendent
 
 
 def port_libre():
-    with socket.socket() as prise:
-        prise.bind(("127.0.0.1", 0))
-        return prise.getsockname()[1]
+    """Gardé par une prise qui n’écoute pas : le système ne le tire plus pour personne, et qui le demande par son numéro, avec
+    SO_REUSEADDR, l’ouvre."""
+    prise = socket.socket()
+    prise.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+    prise.bind(("127.0.0.1", 0))
+    PORTS_GARDES.append(prise)
+    return prise.getsockname()[1]
 
 
 def attendre(condition, secondes=60, quoi="la condition", pas=0.02):

@@ -14,6 +14,7 @@ IMPOSTEUR = """
 import socket, sys
 adresse, port = sys.argv[1], int(sys.argv[2])
 prise = socket.socket(socket.AF_INET6 if ":" in adresse else socket.AF_INET)
+prise.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
 prise.bind((adresse, port))
 prise.listen()
 print("prêt", flush=True)

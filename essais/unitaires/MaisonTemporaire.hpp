@@ -33,7 +33,9 @@ private:
   int port_ = 0;
 };
 
-// Un port de 127.0.0.1 sur lequel personne n’écoute au moment de l’appel.
+// Un port de 127.0.0.1 sur lequel personne n’écoute. Une prise qui n’écoute pas le garde jusqu’à la fin du
+// programme : le système ne le tire plus pour personne, et qui le demande par son numéro, avec SO_REUSEADDR,
+// l’ouvre.
 int portLibre();
 
 } // namespace keltrove::essais
