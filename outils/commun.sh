@@ -10,8 +10,8 @@ abandonner() {
   exit 1
 }
 
-paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-dev libwayland-dev libwebkitgtk-6.0-dev
-  libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
+paquets_construction=(g++ cmake ninja-build pkg-config libgtkmm-4.0-dev libx11-dev libwayland-dev libegl-dev
+  libwebkitgtk-6.0-dev libcurl4-openssl-dev libssl-dev nlohmann-json3-dev libutf8proc-dev libfmt-dev ca-certificates)
 paquets_execution=(fonts-dejavu-core adwaita-icon-theme dbus xdg-utils)
 paquets_ecran=(xvfb openbox imagemagick)
 paquets_essais=(libgtest-dev xdotool xclip zsh fish chromium firefox-esr bubblewrap iproute2 ibus ibus-gtk4 ibus-unikey x11-xkb-utils at-spi2-core file python3 python3-gi

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <system_error>
 
+#include <EGL/egl.h>
 #include <gtk/gtk.h>
 
 namespace keltrove::bureau {
@@ -27,6 +28,22 @@ void sePasserDeGL() {
     ::setenv("GDK_DEBUG", "gl-disable", 0);
 }
 
+bool vaut(const char* variable, std::string_view valeur) {
+  const char* posee = std::getenv(variable);
+  return posee != nullptr && posee == valeur;
+}
+
+// WebKit, dans ce processus, demande EGL sans rien en faire : Mesa y chargerait LLVM, 20 Mo. libglvnd ne
+// cherche qu’une fois les pilotes, ici aucun ; les programmes que WebKit lance, qui ne démarrent pas sans
+// EGL, ne reçoivent pas cette variable.
+void nAvoirAucunPiloteEGL() {
+  constexpr auto* variable = "__EGL_VENDOR_LIBRARY_FILENAMES";
+  if (std::getenv(variable) != nullptr) return;
+  ::setenv(variable, "", 0);
+  eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
+  ::unsetenv(variable);
+}
+
 } // namespace
 
 void choisirLeRendu() {
@@ -34,6 +51,8 @@ void choisirLeRendu() {
   ::setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", 0);
   ::setenv("GSK_RENDERER", "cairo", 0);
   sePasserDeGL();
+  // Qui a réglé autrement le dessin de la page ou de la fenêtre se sert d’EGL.
+  if (vaut("WEBKIT_DISABLE_DMABUF_RENDERER", "1") && vaut("GSK_RENDERER", "cairo")) nAvoirAucunPiloteEGL();
 }
 
 } // namespace keltrove::bureau

@@ -211,7 +211,7 @@ void VueWeb::arreterLeChargement() {
 }
 
 void VueWeb::evaluer(const std::string& expression, std::function<void(std::optional<std::string>)> fini) {
-  // Sans page, WebKit lancerait pour cela son programme, que le système vient peut-être de refuser.
+  // Sans page demandée, WebKit lancerait pour rien un programme que le système vient peut-être de refuser.
   if (!sollicitee_) {
     fini(std::nullopt);
     return;

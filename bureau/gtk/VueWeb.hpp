@@ -67,7 +67,7 @@ private:
   fenetre::ObservateurDeLaVue& observateur_;
   WebKitWebView* vue_ = nullptr;
   Gtk::Widget* widget_ = nullptr;
-  bool sollicitee_ = false; // a lancé ses programmes, qu’un appel à la page lancerait sinon
+  bool sollicitee_ = false; // une page lui a été demandée
   // WebKit annonce « terminé » juste après un échec : vrai de l’échec au début du chargement suivant.
   bool rate_ = false;
 };

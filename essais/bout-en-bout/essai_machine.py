@@ -1,11 +1,13 @@
 """Les modes essai et discret, les machines où il manque quelque chose, la taille retenue."""
 
+import glob
 import json
 import os
 import pty
 import signal
 import subprocess
 import termios
+import unittest
 
 import ecran as lecture
 import page_notee
@@ -130,6 +132,16 @@ class Machine(Cas):
             "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nulle/part"}).lancer()
         application.attendre("page-contenu")
         self.assertEqual(application.quitter(), 0)
+
+    @unittest.skipIf(glob.glob("/dev/dri/renderD*"), "cette machine a une carte graphique")
+    def test_sans_carte_graphique_le_dessin_simule_ne_se_charge_que_pour_la_page(self):
+        """Il pèse vingt mégaoctets, et la page ne va pas sans lui."""
+        application = self.application(code=ORDINAIRE).lancer()
+        application.attendre("page-contenu")
+        (page,) = application.pages()
+        charge = {pid: b"libEGL_mesa" in lire(f"/proc/{pid}/maps") for pid in (application.processus.pid, page)}
+        self.assertEqual(charge, {application.processus.pid: False, page: True})
+        application.quitter()
 
     def test_sans_bac_a_sable_l_application_le_dit_et_tourne(self):
         application = self.application(code=ORDINAIRE, variables={"PATH": "/nulle/part"}).lancer()
