@@ -1,5 +1,4 @@
 #include "AutreCompte.hpp"
-
 #include "Prise.hpp"
 
 #include <csignal>
