@@ -133,7 +133,9 @@ def main():
                 "--disable-background-networking", "--disable-component-update", "--disable-sync",
                 "--window-size=1280,820", "--window-position=40,40", f"--user-data-dir={maison}/chromium"]
     essais = [Essai("Keltrove", [KELTROVE], {}), Essai("fenêtre nue", [NUE, adresse], {}),
-              Essai("fenêtre nue, mêmes variables", [NUE, adresse], SANS_GL), Essai("Chromium", chromium, {})]
+              Essai("fenêtre nue, mêmes variables", [NUE, adresse], SANS_GL),
+              Essai("fenêtre nue, mêmes variables et bibliothèques", [f"{NUE}-liee", adresse], SANS_GL),
+              Essai("Chromium", chromium, {})]
     for essai in essais:
         essai.passe(maison)  # une passe à blanc, caches chauds
         essai.peints.clear()
