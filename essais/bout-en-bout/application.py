@@ -1,6 +1,7 @@
 """Une application lancée comme par une personne : sa copie, son dossier personnel, son serveur, son journal."""
 
 import collections
+import glob
 import json
 import os
 import shutil
@@ -185,6 +186,10 @@ class Application:
     def pages(self):
         """Les programmes qui dessinent la page, sans ceux qui les tiennent dans leur bac à sable."""
         return [pid for pid in self.enfants("WebKitWebProcess") if "bwrap" not in commande(pid)]
+
+    def pages_reliees(self):
+        """Parmi eux, ceux que l’application connaît déjà : s’ils n’en venaient pas là, WebKit l’interromprait."""
+        return [pid for pid in self.pages() if len(glob.glob(f"/proc/{pid}/task/*")) > 4]
 
     def enfants(self, motif):
         return [pid for pid in processus_marques(self.marque) if motif in commande(pid)]

@@ -51,10 +51,8 @@ class EnService(Cas):
             ? http.createServer(repondre).listen(PORT, '127.0.0.1') : setTimeout(ecouter, 50);
             ecouter();"""
         application = self.application(code=code).lancer()
-        attendre(application.pages, quoi="le programme qui dessinera la page")
-        [dessinateur] = application.pages()
-        # Mort avant d’avoir dit qui il est, WebKit interromprait l’application.
-        attendre(lambda: len(os.listdir(f"/proc/{dessinateur}/task")) > 4, quoi="ses fils")
+        attendre(application.pages_reliees, quoi="le programme qui dessinera la page")
+        [dessinateur] = application.pages_reliees()
         os.kill(dessinateur, signal.SIGKILL)
         attendre(lambda: dessinateur not in application.pages(), quoi="sa mort")
         application.poser("keltrove/pret", "")

@@ -115,7 +115,7 @@ def epuiser_les_descripteurs(banc):
     # Ni la boîte à outils ni les programmes de la page ne s’ouvrent sans descripteurs ; plus tard, ils sont déjà là.
     if banc.moment in ("attente", "reponse"):
         guetter(lambda: ecran.textes(pid), quoi="la fenêtre")
-        guetter(lambda: banc.application.enfants("WebKitNetworkProcess"), quoi="le programme réseau de la page")
+        guetter(banc.application.pages_reliees, quoi="le programme qui dessinera la page")
     # Ce qui se rend dans la seconde ne faisait que passer : une sonde entière y tiendrait. Celle dont on retient la réponse
     # garde les siens, et une application qui se ferme ne sonde plus.
     pas = 0 if banc.moment in ("reponse", "fermeture") else 0.05
