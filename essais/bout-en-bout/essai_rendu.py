@@ -35,6 +35,10 @@ class Motif:
             self.gauche, self.haut, droite, bas = etendue
             self.largeur, self.hauteur = (droite - self.gauche) // 2, (bas - self.haut) // 2
 
+    def finit(self):
+        """Jusqu’à sa dernière case : ce qui vient en deux morceaux se peint en deux fois."""
+        return all(map(all, self.encre(7, 7, 2)))
+
     def case(self, colonne, rang, cases=1, rangs=1):
         x, y = self.gauche + colonne * self.largeur, self.haut + rang * self.hauteur
         return [[self.image.point(x + i, y + j) for i in range(cases * self.largeur)] for j in range(rangs * self.hauteur)]
@@ -83,7 +87,7 @@ class Points(Terminal):
         def present():
             nonlocal vu
             vu = Motif()
-            return vu.trouve and abs(vu.hauteur - 1.164 * corps * echelle) <= 2
+            return vu.trouve and abs(vu.hauteur - 1.164 * corps * echelle) <= 2 and vu.finit()
 
         attendre(present, quoi=f"le motif au corps {corps}")
         return vu
