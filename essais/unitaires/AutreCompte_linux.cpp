@@ -1,5 +1,4 @@
 #include "AutreCompte.hpp"
-#include "Prise.hpp"
 
 #include <csignal>
 #include <string_view>
@@ -27,8 +26,7 @@ int portDe(int prise) {
 // Une prise appartient au compte qui l’ouvre : l’autre l’ouvre donc lui-même.
 int ecouterEnAutreCompte(const addrinfo& ou) {
   if (::setgid(autreCompte) != 0 || ::setuid(autreCompte) != 0) return -1;
-  const int prise = ouvrirUnePrise(ou.ai_family);
-  permettreLaReprise(prise);
+  const int prise = ::socket(ou.ai_family, SOCK_STREAM, 0);
   if (prise < 0 || ::bind(prise, ou.ai_addr, ou.ai_addrlen) != 0 || ::listen(prise, 16) != 0) return -1;
   return prise;
 }

@@ -2,14 +2,12 @@
 
 #include "Prise.hpp"
 #include "moteur/ArbreProcessus.hpp"
-#include "socle/Descripteur.hpp"
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <vector>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -21,16 +19,14 @@ namespace keltrove::essais {
 namespace fs = std::filesystem;
 
 int portLibre() {
-  static std::vector<socle::Descripteur> gardes;
-  const socle::Descripteur& prise = gardes.emplace_back(ouvrirUnePrise(AF_INET));
-  permettreLaReprise(prise.numero());
+  const int prise = ouvrirUnePrise(AF_INET);
   sockaddr_in adresse{};
   adresse.sin_family = AF_INET;
   adresse.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t taille = sizeof adresse;
   auto* generique = reinterpret_cast<sockaddr*>(&adresse);
-  const bool lue = ::bind(prise.numero(), generique, taille) == 0 &&
-                   ::getsockname(prise.numero(), generique, &taille) == 0;
+  const bool lue = ::bind(prise, generique, taille) == 0 && ::getsockname(prise, generique, &taille) == 0;
+  ::close(prise);
   return lue ? ntohs(adresse.sin_port) : 0;
 }
 

@@ -33,9 +33,7 @@ private:
   int port_ = 0;
 };
 
-// Un port de 127.0.0.1 sur lequel personne n’écoute. Une prise qui n’écoute pas le garde jusqu’à la fin du
-// programme : le système ne le tire plus pour personne, et qui le demande par son numéro, avec SO_REUSEADDR,
-// l’ouvre.
+// Un port de 127.0.0.1 sur lequel personne n’écoute au moment de l’appel.
 int portLibre();
 
 } // namespace keltrove::essais

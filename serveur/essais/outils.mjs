@@ -43,20 +43,13 @@ export async function preparerMaison(t, { port, uid, montage, sansReglages = fal
   };
 }
 
-// Hors de ceux que le système tire, et cent par fichier d’essais : deux fichiers joués ensemble n’en tirent pas le même.
-const PREMIER_PORT = 10_000 + (process.pid % 200) * 100;
-let portsTires = 0;
-
 export async function trouverUnPort() {
-  for (;;) {
-    const port = PREMIER_PORT + (portsTires++ % 100);
-    const serveur = createServer().listen(port, '127.0.0.1');
-    const libre = await unEvenement(serveur, 'listening').then(() => true, () => false);
-    if (!libre) continue;
-    serveur.close();
-    await unEvenement(serveur, 'close');
-    return port;
-  }
+  const serveur = createServer().listen(0, '127.0.0.1');
+  await unEvenement(serveur, 'listening');
+  const { port } = serveur.address();
+  serveur.close();
+  await unEvenement(serveur, 'close');
+  return port;
 }
 
 // Le vrai serveur, prêt, sous le compte de sa maison ou un autre, d’un autre dossier ou précédé d’une autre commande si on
