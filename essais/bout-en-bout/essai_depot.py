@@ -295,27 +295,30 @@ class Depot(Cas):
         attendre(lambda: Image().etendue(TEINTE_DE_LA_PAGE), quoi="la page à l’écran")
         return application, variables
 
-    def jeter_jusqu_au_depot(self, application, source):
+    def jeter_jusqu_au_depot(self, source):
         """Ce que l’application n’a pas eu le temps d’accepter, le compositeur le refuse lui-même : un peu moins vite alors."""
         gauche, _, droite, bas = Image().etendue(TEINTE_DE_LA_PAGE)
         x = gauche + 40 if source.place()[0] > (gauche + droite) / 2 else droite - 40
         for pas in range(200):
             source.prendre()
-            application.lignes.clear()
-            issue = source.jeter(x, bas - 40, pas)
-            if any("drop()" in ligne for ligne in application.lignes):
-                return issue
-        return self.fail("le compositeur n’a rien laissé déposer")
+            if source.jeter(x, bas - 40, pas) == "fini":
+                return
+        self.fail("rien n’a pu être déposé")
+
+    def quitter_sans_en_avoir_refuse(self, application, deposes):
+        """De ce que le compositeur laisse déposer, rien ; l’application finie, il ne manque aucune ligne de ce qu’il en a dit."""
+        application.quitter()
+        self.assertEqual(sum("drop()" in ligne for ligne in application.lignes), deposes)
 
     def test_sous_wayland_tout_ce_que_le_compositeur_admet_arrive(self):
         application, variables = self.ouvrir_sous_wayland(ACCROCHES, ["marque", True, "fixe"])
         source = Source(self, "fichiers", "/tmp/a", variables=variables)
         for rang in range(1, 11):
-            self.assertEqual(self.jeter_jusqu_au_depot(application, source), "fini")
+            self.jeter_jusqu_au_depot(source)
             attendre(lambda: len(self.vus(application, "depot")) == rang, quoi=f"le dépôt {rang}")
             self.assertEqual(self.vus(application, "depot")[-1][1], ["/tmp/a"])
             self.assertEqual(notes(application)[-1][0], "depot", "plus de survol après le dépôt")
-        application.quitter()
+        self.quitter_sans_en_avoir_refuse(application, 10)
 
     def test_sous_wayland_un_texte_et_un_lien_aussi_que_la_page_tarde_a_voir(self):
         application, variables = self.ouvrir_sous_wayland(LENTE, "prete")
@@ -323,9 +326,9 @@ class Depot(Cas):
         for sorte, texte in (("texte", "tiré"), ("adresses", "http://exemple.test/")):
             source = Source(self, sorte, texte, variables=variables)
             for _ in range(5):
-                self.assertEqual(self.jeter_jusqu_au_depot(application, source), "fini")
+                self.jeter_jusqu_au_depot(source)
                 recu.append(["recu", texte])
                 attendre(lambda: self.vus(application, "recu") == recu, quoi=f"{len(recu)} dépôts reçus")
             source.fermer()
             attendre(lambda: not source.place(), quoi="la source partie")
-        application.quitter()
+        self.quitter_sans_en_avoir_refuse(application, len(recu))
