@@ -33,7 +33,7 @@ bool vaut(const char* variable, std::string_view valeur) {
   return posee != nullptr && posee == valeur;
 }
 
-// WebKit, dans ce processus, demande EGL sans rien en faire : Mesa y chargerait LLVM, 20 Mo. libglvnd ne
+// WebKit, dans ce processus, demande EGL sans rien en faire : Mesa y chargerait LLVM, 16 Mo. libglvnd ne
 // cherche qu’une fois les pilotes, ici aucun ; les programmes que WebKit lance, qui ne démarrent pas sans
 // EGL, ne reçoivent pas cette variable.
 void nAvoirAucunPiloteEGL() {
