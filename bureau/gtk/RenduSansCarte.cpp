@@ -34,8 +34,8 @@ bool vaut(const char* variable, std::string_view valeur) {
 }
 
 // WebKit, dans ce processus, demande EGL sans rien en faire : Mesa y chargerait LLVM, 16 Mo. libglvnd ne
-// cherche qu’une fois les pilotes, ici aucun ; les programmes que WebKit lance, qui ne démarrent pas sans
-// EGL, ne reçoivent pas cette variable.
+// cherche qu’une fois les pilotes, ici aucun ; les programmes que WebKit lance, dont celui de la page ne
+// démarre pas sans EGL sous Debian 12, ne reçoivent pas cette variable.
 void nAvoirAucunPiloteEGL() {
   constexpr auto* variable = "__EGL_VENDOR_LIBRARY_FILENAMES";
   if (std::getenv(variable) != nullptr) return;
